@@ -1,0 +1,13 @@
+#pragma once
+// Each command of scourmill-cli adds itself to the application here. A command's callback does its
+// work through the core, reads ctx for the platform and prompts, and leaves its exit code in ctx.
+
+#include <CLI/CLI.hpp>
+
+namespace cli {
+
+struct Context;
+
+void addMemMonCommand(CLI::App& app, Context& ctx);
+
+} // namespace cli

@@ -1,0 +1,25 @@
+#pragma once
+// What every command of the command line gets: the platform, the terminal's prompts and problem
+// sink, and the exit code it sets.
+
+#include "cli/TerminalPrompts.h"
+#include "cli/StderrSink.h"
+#include "platform/Platform.h"
+
+#include <stdexcept>
+
+namespace cli {
+
+/// Thrown by a command for invalid input: the message goes to stderr and the exit code is 2.
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+struct Context {
+    platform::Platform& platform;
+    TerminalPrompts prompts;
+    StderrSink problems;
+    int exitCode = 0;
+};
+
+} // namespace cli

@@ -1,0 +1,14 @@
+#pragma once
+// Ctrl-C and SIGTERM as a request to stop: long commands read the flag at the points where the
+// desktop program reads its stop controls, clean up, and end.
+
+namespace cli {
+
+/// Installs the SIGINT and SIGTERM handlers (once).
+void watchInterrupts();
+/// Whether SIGINT or SIGTERM has arrived since watchInterrupts().
+bool interrupted();
+/// The number of the signal that arrived, 0 when none.
+int interruptSignal();
+
+} // namespace cli

@@ -1,0 +1,28 @@
+#include "cli/TerminalPrompts.h"
+
+#include <cstdio>
+#include <iostream>
+#include <string>
+#include <unistd.h>
+
+namespace cli {
+
+bool TerminalPrompts::askYesNo(const std::string& text, const std::string& title, int) {
+    if (m_assumeYes)
+        return true;
+    if (::isatty(STDIN_FILENO) != 1) {
+        std::cerr << title << ": " << text << "\n(no terminal to ask on; answered No; use --yes)\n";
+        return false;
+    }
+    std::cerr << title << ": " << text << " [y/N] " << std::flush;
+    std::string answer;
+    if (!std::getline(std::cin, answer))
+        return false;
+    return answer == "y" || answer == "Y" || answer == "yes" || answer == "YES" || answer == "Yes";
+}
+
+void TerminalPrompts::tell(const std::string& text, const std::string& title, int) {
+    std::cerr << title << ": " << text << "\n";
+}
+
+} // namespace cli

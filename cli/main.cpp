@@ -1,0 +1,43 @@
+// scourmill-cli: every command of the desktop program, for the terminal and for scripts.
+// Exit codes: 0 done, 1 some items could not be processed (named on stderr), 2 usage error.
+
+#include "cli/Commands.h"
+#include "cli/Context.h"
+
+#include <iostream>
+
+#ifndef SCOURMILL_VERSION
+#define SCOURMILL_VERSION "0"
+#endif
+
+int main(int argc, char** argv) {
+    CLI::App app{"Tavi Scourmill command line: erases what the browser and common programs leave behind,\n"
+                 "overwrites files, folders, free space and memory, and inspects index.dat record files.",
+                 "scourmill-cli"};
+    app.set_version_flag("--version", "scourmill-cli " SCOURMILL_VERSION);
+    app.require_subcommand(1);
+    app.fallthrough();
+
+    auto platform = platform::createNative();
+    if (!platform) {
+        std::cerr << "scourmill-cli: this system is not supported\n";
+        return 2;
+    }
+    cli::Context ctx{*platform, {}, {}, 0};
+    cli::addMemMonCommand(app, ctx);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& e) {
+        return app.exit(e); // --help, --version
+    } catch (const CLI::ParseError& e) {
+        app.exit(e);
+        return 2;
+    } catch (const cli::UsageError& e) {
+        std::cerr << "scourmill-cli: " << e.what() << "\n";
+        return 2;
+    }
+    if (ctx.exitCode == 0 && ctx.problems.count() > 0)
+        ctx.exitCode = 1;
+    return ctx.exitCode;
+}

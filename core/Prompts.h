@@ -1,0 +1,34 @@
+#pragma once
+// Questions and messages for the user, as message boxes with a text, a title and a style. The core
+// defines every text; a window shows them in message boxes, the command line on the terminal, a
+// test records them.
+
+#include <string>
+
+namespace core {
+
+/// Message box styles, with the numbers the message-box call gives them (they add up).
+namespace MsgStyle {
+constexpr int OkOnly = 0;
+constexpr int OkCancel = 1;
+constexpr int YesNo = 4;
+constexpr int Critical = 16;
+constexpr int Question = 32;
+constexpr int Exclamation = 48;
+constexpr int Information = 64;
+} // namespace MsgStyle
+
+class Prompts {
+public:
+    virtual ~Prompts() = default;
+
+    /// Asks a yes/no question; true for Yes.
+    virtual bool askYesNo(const std::string& text, const std::string& title, int style) = 0;
+    /// Shows a message with only an OK button.
+    virtual void tell(const std::string& text, const std::string& title, int style) = 0;
+};
+
+/// The title of most of the program's messages.
+inline const std::string MessageTitle = "Tavi Message";
+
+} // namespace core

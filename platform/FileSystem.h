@@ -1,0 +1,60 @@
+#pragma once
+// Folders and files: enumeration with a wildcard, attributes, deletion. No call follows a symbolic
+// link: a link is reported as a link (attribute ReparsePoint) and never as the thing it points to.
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace platform {
+
+/// Attribute bits with the values Windows gives them; the Linux backend maps its own facts onto them.
+namespace Attr {
+constexpr std::uint32_t ReadOnly = 0x1;
+constexpr std::uint32_t Hidden = 0x2;
+constexpr std::uint32_t System = 0x4;
+constexpr std::uint32_t Directory = 0x10;
+constexpr std::uint32_t Archive = 0x20;
+constexpr std::uint32_t Normal = 0x80;
+constexpr std::uint32_t ReparsePoint = 0x400;
+} // namespace Attr
+
+struct FileInfo {
+    std::string name;             ///< last path component
+    std::uint32_t attributes = 0; ///< Attr bits
+    std::uint64_t size = 0;       ///< bytes; 0 for folders
+    std::uint64_t device = 0;     ///< filesystem identity, to keep walks on one filesystem
+    bool isRegular = false;       ///< a plain file (not a folder, link, device, socket, pipe)
+    bool ownedByUser = false;     ///< owned by the user running the program
+    std::int64_t modified = 0;    ///< seconds since 1970-01-01 UTC
+
+    bool isDirectory() const { return attributes & Attr::Directory; }
+    bool isLink() const { return attributes & Attr::ReparsePoint; }
+};
+
+class FileSystem {
+public:
+    virtual ~FileSystem() = default;
+
+    /// Calls `visit` for each entry of folder `dir` whose name matches `pattern` (the platform's
+    /// wildcard rules; "*" matches all), in the order the system enumerates them, "." and ".."
+    /// left out. `visit` returns false to stop early. Returns false when `dir` cannot be listed.
+    virtual bool list(const std::string& dir, const std::string& pattern,
+                      const std::function<bool(const FileInfo&)>& visit) = 0;
+    /// Facts about `path` itself (a link is described, not followed); empty when it does not exist.
+    virtual std::optional<FileInfo> info(const std::string& path) = 0;
+    /// Deletes a file or a link (never its target). True when it is gone, also when it was already.
+    virtual bool removeFile(const std::string& path) = 0;
+    /// Deletes an empty folder. True when it is gone.
+    virtual bool removeDirectory(const std::string& path) = 0;
+    virtual bool createDirectory(const std::string& path) = 0;
+    /// Clears read-only and hidden so that the file can be written and deleted (FILE_ATTRIBUTE_NORMAL).
+    virtual bool makeNormal(const std::string& path) = 0;
+    /// Whether some process has the file open.
+    virtual bool isInUse(const std::string& path) = 0;
+    /// The path separator of this platform: '\\' or '/'.
+    virtual char separator() const = 0;
+};
+
+} // namespace platform

@@ -1,0 +1,49 @@
+#pragma once
+// Raw file handles for unbuffered random-access reading and writing of bytes: the facility under
+// the file object of the secure-deletion code. A handle is opened for reading and writing, created
+// when missing, never truncated, never through a symbolic link, and exclusively: while it is open no
+// other opener gets the same file.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace platform {
+
+class RawFile {
+public:
+    enum class From { Begin, Current, End };
+
+    virtual ~RawFile() = default;
+
+    /// Reads up to `count` bytes at the file position; returns the number read (0 at end of file or
+    /// on failure, with lastError() set on failure).
+    virtual std::size_t read(void* buffer, std::size_t count) = 0;
+    /// Writes `count` bytes at the file position; returns the number written.
+    virtual std::size_t write(const void* data, std::size_t count) = 0;
+    /// Moves the file position; returns the new position, or -1 on failure (lastError() set).
+    virtual std::int64_t seek(std::int64_t distance, From from) = 0;
+    /// Makes everything written so far reach the device. False on failure.
+    virtual bool flush() = 0;
+    /// Ends the file at the current position. False on failure.
+    virtual bool truncate() = 0;
+    /// OS-level handle number, for display and identity only.
+    virtual std::intptr_t nativeHandle() const = 0;
+};
+
+class RawFiles {
+public:
+    virtual ~RawFiles() = default;
+
+    /// Opens `path` read-write, creating it when missing (OPEN_ALWAYS), exclusively and without
+    /// following a symbolic link. Returns null on failure, with lastError() set.
+    virtual std::unique_ptr<RawFile> open(const std::string& path) = 0;
+    /// The calling thread's last OS error code (errno / GetLastError); 0 when none.
+    virtual int lastError() const = 0;
+    virtual void setLastError(int code) = 0;
+    /// The system's text for an OS error code, or empty when the system has none.
+    virtual std::string errorText(int code) const = 0;
+};
+
+} // namespace platform

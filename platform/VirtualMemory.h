@@ -1,0 +1,28 @@
+#pragma once
+// Blocks of committed process memory that can be locked in physical memory, and range probes that
+// tell whether memory can be read or written without faulting the process.
+
+#include <cstddef>
+
+namespace platform {
+
+class VirtualMemory {
+public:
+    virtual ~VirtualMemory() = default;
+
+    /// Commits a zero-filled read-write block of `size` bytes; null on failure.
+    virtual void* commit(std::size_t size) = 0;
+    /// Keeps the pages of the range in physical memory.
+    virtual bool lock(void* address, std::size_t size) = 0;
+    virtual bool unlock(void* address, std::size_t size) = 0;
+    /// Gives back a block obtained from commit(), whole.
+    virtual bool release(void* address) = 0;
+    /// True when some byte of the range cannot be read (IsBadReadPtr). A zero size is never bad.
+    virtual bool isBadRead(const void* address, std::size_t size) = 0;
+    /// True when some byte of the range cannot be written (IsBadWritePtr). A zero size is never bad.
+    virtual bool isBadWrite(void* address, std::size_t size) = 0;
+    /// True when the text at `address` cannot be read up to its NUL or `max` bytes (IsBadStringPtrA).
+    virtual bool isBadString(const char* address, std::size_t max) = 0;
+};
+
+} // namespace platform

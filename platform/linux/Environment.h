@@ -1,0 +1,20 @@
+#pragma once
+// The roots the Linux backends work under, read from the environment once, when the platform is
+// built: tests point them at a scratch folder before that.
+
+#include <string>
+
+namespace platform::linux {
+
+struct Environment {
+    std::string home;         ///< $HOME
+    std::string tempDir;      ///< $TMPDIR when absolute and an existing folder, else /tmp
+    std::string winePrefix;   ///< $WINEPREFIX, default ~/.wine
+    std::string dataHome;     ///< $XDG_DATA_HOME, default ~/.local/share
+    std::string configHome;   ///< $XDG_CONFIG_HOME, default ~/.config
+    std::string cacheHome;    ///< $XDG_CACHE_HOME, default ~/.cache
+
+    static Environment fromProcess();
+};
+
+} // namespace platform::linux

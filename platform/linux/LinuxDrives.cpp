@@ -1,0 +1,112 @@
+#include "platform/linux/LinuxDrives.h"
+
+#include "platform/linux/MountTable.h"
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstdlib>
+#include <fstream>
+#include <string_view>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+namespace platform::linux {
+namespace {
+
+std::string normalised(std::string path) {
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    return path;
+}
+
+bool contains(const std::string& mountPoint, const std::string& path) {
+    if (mountPoint == "/")
+        return !path.empty() && path[0] == '/';
+    return path.compare(0, mountPoint.size(), mountPoint) == 0 &&
+           (path.size() == mountPoint.size() || path[mountPoint.size()] == '/');
+}
+
+std::string readFirstLine(const std::string& path) {
+    std::ifstream in(path);
+    std::string line;
+    std::getline(in, line);
+    return line;
+}
+
+/// The sysfs folder of the whole disk behind a block device number (a partition's parent).
+std::string diskFolder(unsigned major, unsigned minor) {
+    char resolved[PATH_MAX];
+    const std::string link = "/sys/dev/block/" + std::to_string(major) + ":" + std::to_string(minor);
+    if (!::realpath(link.c_str(), resolved))
+        return {};
+    std::string folder = resolved;
+    struct stat st {};
+    if (::stat((folder + "/partition").c_str(), &st) == 0)
+        folder = folder.substr(0, folder.rfind('/'));
+    return folder;
+}
+
+constexpr std::array<std::string_view, 9> RemoteTypes = {"nfs", "nfs4", "cifs", "smb3", "smbfs", "9p",
+                                                         "fuse.sshfs", "ceph", "afs"};
+
+} // namespace
+
+std::vector<std::string> LinuxDrives::roots() {
+    std::vector<std::string> out;
+    for (const Mount& m : readMounts())
+        if (isRealFilesystem(m) && std::find(out.begin(), out.end(), m.mountPoint) == out.end())
+            out.push_back(m.mountPoint);
+    return out;
+}
+
+std::string LinuxDrives::rootOf(const std::string& path) {
+    const std::string p = normalised(path);
+    std::string best = "/";
+    for (const Mount& m : readMounts())
+        if (contains(m.mountPoint, p) && m.mountPoint.size() > best.size())
+            best = m.mountPoint;
+    return best;
+}
+
+DriveType LinuxDrives::type(const std::string& root) {
+    const std::string r = normalised(root);
+    const Mount* found = nullptr;
+    const auto mounts = readMounts();
+    for (const Mount& m : mounts)
+        if (m.mountPoint == r)
+            found = &m; // the last mount on a point is the visible one
+    if (!found)
+        return DriveType::NoRootDir;
+    const Mount& m = *found;
+    if (std::find(RemoteTypes.begin(), RemoteTypes.end(), m.fsType) != RemoteTypes.end())
+        return DriveType::Remote;
+    if (m.fsType == "tmpfs" || m.fsType == "ramfs")
+        return DriveType::RamDisk;
+    if (m.fsType == "iso9660" || m.fsType == "udf" || m.major == 11)
+        return DriveType::CdRom;
+    const std::string disk = diskFolder(m.major, m.minor);
+    if (!disk.empty() && (readFirstLine(disk + "/removable") == "1" || disk.find("/usb") != std::string::npos))
+        return DriveType::Removable;
+    if (!isRealFilesystem(m))
+        return DriveType::Unknown;
+    return DriveType::Fixed;
+}
+
+bool LinuxDrives::space(const std::string& path, DiskSpace& out) {
+    struct statvfs vfs {};
+    if (::statvfs(path.c_str(), &vfs) != 0)
+        return false;
+    out.freeToCaller = static_cast<std::uint64_t>(vfs.f_bavail) * vfs.f_frsize;
+    out.total = static_cast<std::uint64_t>(vfs.f_blocks) * vfs.f_frsize;
+    out.totalFree = static_cast<std::uint64_t>(vfs.f_bfree) * vfs.f_frsize;
+    return true;
+}
+
+bool LinuxDrives::isDirectory(const std::string& path) {
+    struct stat st {};
+    return ::lstat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+} // namespace platform::linux

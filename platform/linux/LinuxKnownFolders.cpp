@@ -1,0 +1,35 @@
+#include "platform/linux/LinuxKnownFolders.h"
+
+#include <cctype>
+#include <sys/stat.h>
+
+namespace platform::linux {
+
+std::string LinuxKnownFolders::systemDirectory() {
+    return m_env.winePrefix + "/drive_c/windows/system32";
+}
+
+std::string LinuxKnownFolders::fromRegistryPath(const std::string& path) {
+    if (path.size() < 2 || path[1] != ':' || !std::isalpha(static_cast<unsigned char>(path[0])))
+        return path; // not a drive path: already a path of this machine, or empty
+    const char letter = static_cast<char>(std::tolower(static_cast<unsigned char>(path[0])));
+    std::string out = letter == 'c' ? m_env.winePrefix + "/drive_c"
+                                    : m_env.winePrefix + "/dosdevices/" + std::string(1, letter) + ":";
+    std::string rest = path.substr(2);
+    for (char& c : rest)
+        if (c == '\\')
+            c = '/';
+    while (!rest.empty() && rest.back() == '/')
+        rest.pop_back();
+    if (!rest.empty() && rest[0] != '/')
+        out += '/';
+    return out + rest;
+}
+
+std::string LinuxKnownFolders::usersPath() {
+    const std::string users = m_env.winePrefix + "/drive_c/users";
+    struct stat st {};
+    return ::lstat(users.c_str(), &st) == 0 && S_ISDIR(st.st_mode) ? users : std::string();
+}
+
+} // namespace platform::linux

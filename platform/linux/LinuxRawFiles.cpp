@@ -1,0 +1,97 @@
+#include "platform/linux/LinuxRawFiles.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace platform::linux {
+namespace {
+
+class LinuxRawFile final : public RawFile {
+public:
+    explicit LinuxRawFile(int fd) : m_fd(fd) {}
+    ~LinuxRawFile() override { ::close(m_fd); }
+    LinuxRawFile(const LinuxRawFile&) = delete;
+    LinuxRawFile& operator=(const LinuxRawFile&) = delete;
+
+    std::size_t read(void* buffer, std::size_t count) override {
+        auto* out = static_cast<char*>(buffer);
+        std::size_t done = 0;
+        while (done < count) {
+            const ssize_t n = ::read(m_fd, out + done, count - done);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n <= 0)
+                break;
+            done += static_cast<std::size_t>(n);
+        }
+        return done;
+    }
+
+    std::size_t write(const void* data, std::size_t count) override {
+        const auto* in = static_cast<const char*>(data);
+        std::size_t done = 0;
+        while (done < count) {
+            const ssize_t n = ::write(m_fd, in + done, count - done);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n <= 0)
+                break;
+            done += static_cast<std::size_t>(n);
+        }
+        return done;
+    }
+
+    std::int64_t seek(std::int64_t distance, From from) override {
+        const int whence = from == From::Begin ? SEEK_SET : from == From::Current ? SEEK_CUR : SEEK_END;
+        return ::lseek(m_fd, distance, whence);
+    }
+
+    bool flush() override { return ::fdatasync(m_fd) == 0; }
+
+    bool truncate() override {
+        const off_t here = ::lseek(m_fd, 0, SEEK_CUR);
+        return here >= 0 && ::ftruncate(m_fd, here) == 0;
+    }
+
+    std::intptr_t nativeHandle() const override { return m_fd; }
+
+private:
+    int m_fd;
+};
+
+} // namespace
+
+std::unique_ptr<RawFile> LinuxRawFiles::open(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    if (fd < 0)
+        return nullptr;
+    if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        const int err = errno == EWOULDBLOCK ? EBUSY : errno;
+        ::close(fd);
+        errno = err;
+        return nullptr;
+    }
+    return std::make_unique<LinuxRawFile>(fd);
+}
+
+int LinuxRawFiles::lastError() const {
+    return errno;
+}
+
+void LinuxRawFiles::setLastError(int code) {
+    errno = code;
+}
+
+std::string LinuxRawFiles::errorText(int code) const {
+    char buffer[256] = {};
+    // The GNU strerror_r may return a static string instead of filling the buffer.
+    const char* text = ::strerror_r(code, buffer, sizeof buffer);
+    if (!text || std::strncmp(text, "Unknown error", 13) == 0)
+        return {};
+    return text;
+}
+
+} // namespace platform::linux

@@ -1,0 +1,17 @@
+#pragma once
+// Raw file handles on Linux: open(2) read-write with O_CREAT, O_NOFOLLOW and O_CLOEXEC, and an
+// exclusive non-blocking flock standing for the no-sharing open of Windows.
+
+#include "platform/RawFiles.h"
+
+namespace platform::linux {
+
+class LinuxRawFiles final : public RawFiles {
+public:
+    std::unique_ptr<RawFile> open(const std::string& path) override;
+    int lastError() const override;
+    void setLastError(int code) override;
+    std::string errorText(int code) const override;
+};
+
+} // namespace platform::linux

@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the core libraries for Windows with the mingw-w64 cross compiler,
+# builds everything natively with warnings as errors, and runs every test.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/deps.sh
+
+echo "== Windows cross build of the core libraries"
+cmake -S . -B build-mingw -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake \
+    -DCMAKE_BUILD_TYPE=Release -DSCOURMILL_CORE_ONLY=ON -DSCOURMILL_WERROR=ON >/dev/null
+cmake --build build-mingw --parallel 2
+
+echo "== Native build"
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DSCOURMILL_WERROR=ON >/dev/null
+cmake --build build --parallel 2
+
+echo "== Tests"
+export QT_QPA_PLATFORM=offscreen
+cd build && ctest --output-on-failure --parallel 2 --timeout 600

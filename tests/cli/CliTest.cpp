@@ -1,0 +1,71 @@
+// The command line as a user runs it: a real process, its output and exit code.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <vector>
+#include <string>
+#include <sys/wait.h>
+
+namespace {
+
+struct CliRun {
+    int code = -1;
+    std::string out;
+};
+
+CliRun run(const std::string& args) {
+    CliRun r;
+    const std::string command = std::string(SCOURMILL_CLI) + " " + args + " 2>&1";
+    FILE* pipe = ::popen(command.c_str(), "r");
+    std::array<char, 4096> buffer{};
+    while (std::size_t n = std::fread(buffer.data(), 1, buffer.size(), pipe))
+        r.out.append(buffer.data(), n);
+    const int status = ::pclose(pipe);
+    r.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return r;
+}
+
+std::uint64_t memTotalBytes() {
+    std::ifstream in("/proc/meminfo");
+    std::string key;
+    std::uint64_t kb = 0;
+    in >> key >> kb;
+    return kb * 1024;
+}
+
+} // namespace
+
+TEST(Cli, MemmonOncePrintsTheNineLinesWithTotalPhysicalFromMeminfo) {
+    const CliRun r = run("memmon --once");
+    ASSERT_EQ(r.code, 0) << r.out;
+    std::istringstream lines(r.out);
+    std::vector<std::string> got;
+    for (std::string line; std::getline(lines, line);)
+        got.push_back(line);
+    ASSERT_EQ(got.size(), 9u) << r.out;
+    EXPECT_EQ(got[0], "Total Physical     " + std::to_string(memTotalBytes()));
+    EXPECT_EQ(got[1].rfind("Available Physical     ", 0), 0u);
+    EXPECT_EQ(got[6].rfind("Available Extended Virtual     0", 0), 0u);
+    EXPECT_EQ(got[7].rfind("Current memory load:     ", 0), 0u);
+    EXPECT_EQ(got[7].substr(got[7].size() - 3), " %.");
+    EXPECT_EQ(got[8].rfind("PageFile Usage ", 0), 0u);
+}
+
+TEST(Cli, HelpVersionAndUsageErrors) {
+    CliRun r = run("--help");
+    EXPECT_EQ(r.code, 0);
+    EXPECT_NE(r.out.find("memmon"), std::string::npos);
+    r = run("memmon --help");
+    EXPECT_EQ(r.code, 0);
+    EXPECT_NE(r.out.find("--once"), std::string::npos);
+    r = run("--version");
+    EXPECT_EQ(r.code, 0);
+    EXPECT_NE(r.out.find("scourmill-cli"), std::string::npos);
+    EXPECT_EQ(run("no-such-command").code, 2);
+    EXPECT_EQ(run("memmon --bogus").code, 2);
+    EXPECT_EQ(run("").code, 2);
+}

@@ -1,0 +1,94 @@
+#include "platform/Platform.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+namespace fs = std::filesystem;
+using platform::Attr::Directory;
+using platform::Attr::Hidden;
+using platform::Attr::ReadOnly;
+using platform::Attr::ReparsePoint;
+using testsupport::ScratchDir;
+
+class FileSystemTest : public ::testing::Test {
+protected:
+    std::unique_ptr<platform::Platform> p = platform::createNative();
+    platform::FileSystem& files = p->fileSystem();
+    ScratchDir dir;
+
+    std::map<std::string, platform::FileInfo> listed(const std::string& pattern) {
+        std::map<std::string, platform::FileInfo> out;
+        EXPECT_TRUE(files.list(dir.str(), pattern, [&](const platform::FileInfo& fi) {
+            out[fi.name] = fi;
+            return true;
+        }));
+        return out;
+    }
+};
+
+TEST_F(FileSystemTest, ListsWithWildcardsAndDescribesLinksAsLinks) {
+    dir.write("index.dat", "12345");
+    dir.write(".hidden", "");
+    fs::create_directory(dir.path() / "sub");
+    fs::create_directory_symlink(dir.path() / "sub", dir.path() / "loop");
+    fs::create_symlink(dir.path() / "index.dat", dir.path() / "linked.dat");
+
+    const auto all = listed("*");
+    ASSERT_EQ(all.size(), 5u);
+    EXPECT_EQ(all.at("index.dat").size, 5u);
+    EXPECT_TRUE(all.at("index.dat").isRegular);
+    EXPECT_TRUE(all.at("index.dat").ownedByUser);
+    EXPECT_TRUE(all.at("sub").attributes & Directory);
+    EXPECT_TRUE(all.at(".hidden").attributes & Hidden);
+    // A link to a folder is a link, not a folder: a walk cannot loop through it.
+    EXPECT_TRUE(all.at("loop").isLink());
+    EXPECT_FALSE(all.at("loop").isDirectory());
+    EXPECT_FALSE(all.at("linked.dat").isRegular);
+
+    const auto dats = listed("*.dat");
+    EXPECT_EQ(dats.size(), 2u);
+    EXPECT_TRUE(dats.count("index.dat") && dats.count("linked.dat"));
+    EXPECT_FALSE(files.list((dir.path() / "missing").string(), "*", [](auto&) { return true; }));
+    EXPECT_FALSE(files.list((dir.path() / "loop").string(), "*", [](auto&) { return true; }));
+}
+
+TEST_F(FileSystemTest, RemovingALinkLeavesItsTarget) {
+    const auto target = dir.write("keep.txt", "keep");
+    fs::create_symlink(target, dir.path() / "link");
+    EXPECT_TRUE(files.removeFile((dir.path() / "link").string()));
+    EXPECT_FALSE(fs::is_symlink(dir.path() / "link"));
+    EXPECT_EQ(testsupport::readFile(target), "keep");
+    EXPECT_TRUE(files.removeFile((dir.path() / "link").string())); // already gone is fine
+    EXPECT_FALSE(files.removeFile(dir.str()));                    // a folder is not a file
+}
+
+TEST_F(FileSystemTest, ReadOnlyFileBecomesNormal) {
+    const auto file = dir.write("ro.dat", "x");
+    fs::permissions(file, fs::perms::owner_read);
+    EXPECT_TRUE(files.info(file.string())->attributes & ReadOnly);
+    EXPECT_TRUE(files.makeNormal(file.string()));
+    EXPECT_FALSE(files.info(file.string())->attributes & ReadOnly);
+    EXPECT_FALSE(files.info((dir.path() / "nothing").string()).has_value());
+}
+
+TEST_F(FileSystemTest, FoldersAreCreatedAndRemovedWhenEmpty) {
+    const auto sub = (dir.path() / "made").string();
+    EXPECT_TRUE(files.createDirectory(sub));
+    dir.write("made/f", "x");
+    EXPECT_FALSE(files.removeDirectory(sub));
+    EXPECT_TRUE(files.removeFile(sub + "/f"));
+    EXPECT_TRUE(files.removeDirectory(sub));
+    EXPECT_FALSE(fs::exists(sub));
+}
+
+TEST_F(FileSystemTest, AFileHeldOpenIsInUse) {
+    const auto file = dir.write("busy.tmp", "x");
+    EXPECT_FALSE(files.isInUse(file.string()));
+    std::ifstream holder(file);
+    EXPECT_TRUE(files.isInUse(file.string()));
+}

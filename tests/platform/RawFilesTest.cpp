@@ -1,0 +1,68 @@
+#include "platform/Platform.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+
+namespace fs = std::filesystem;
+using testsupport::ScratchDir;
+
+class RawFilesTest : public ::testing::Test {
+protected:
+    std::unique_ptr<platform::Platform> p = platform::createNative();
+    platform::RawFiles& files = p->rawFiles();
+    ScratchDir dir;
+};
+
+TEST_F(RawFilesTest, OpenAlwaysCreatesMissingAndKeepsExistingContent) {
+    const auto missing = dir.path() / "new.bin";
+    {
+        auto f = files.open(missing.string());
+        ASSERT_TRUE(f);
+    }
+    EXPECT_TRUE(fs::exists(missing));
+    EXPECT_EQ(fs::file_size(missing), 0u);
+
+    const auto existing = dir.write("old.bin", "0123456789");
+    auto f = files.open(existing.string());
+    ASSERT_TRUE(f);
+    EXPECT_EQ(f->seek(4, platform::RawFile::From::Begin), 4);
+    EXPECT_EQ(f->write("ab", 2), 2u);
+    EXPECT_TRUE(f->flush());
+    char buf[16] = {};
+    EXPECT_EQ(f->read(buf, sizeof buf), 4u); // the rest of the file, then end of file
+    EXPECT_EQ(std::string(buf, 4), "6789");
+    EXPECT_EQ(testsupport::readFile(existing), "0123ab6789");
+    EXPECT_EQ(f->seek(3, platform::RawFile::From::Begin), 3);
+    EXPECT_TRUE(f->truncate());
+    EXPECT_EQ(fs::file_size(existing), 3u);
+}
+
+TEST_F(RawFilesTest, SecondOpenerIsRefusedWhileTheFirstHoldsTheFile) {
+    const auto path = dir.write("locked.bin", "x").string();
+    auto first = files.open(path);
+    ASSERT_TRUE(first);
+    EXPECT_FALSE(files.open(path));
+    EXPECT_NE(files.lastError(), 0);
+    first.reset();
+    EXPECT_TRUE(files.open(path));
+}
+
+TEST_F(RawFilesTest, NeverOpensThroughASymbolicLink) {
+    const auto target = dir.write("target.txt", "secret");
+    fs::create_symlink(target, dir.path() / "link");
+    EXPECT_FALSE(files.open((dir.path() / "link").string()));
+    EXPECT_EQ(files.lastError(), ELOOP);
+    EXPECT_EQ(testsupport::readFile(target), "secret");
+}
+
+TEST_F(RawFilesTest, ErrorTextComesFromTheSystemAndIsEmptyForUnknownCodes) {
+    EXPECT_FALSE(files.open((dir.path() / "no" / "such" / "dir" / "f").string()));
+    EXPECT_EQ(files.lastError(), ENOENT);
+    EXPECT_EQ(files.errorText(ENOENT), "No such file or directory");
+    EXPECT_EQ(files.errorText(987654), "");
+    files.setLastError(0);
+    EXPECT_EQ(files.lastError(), 0);
+}

@@ -1,0 +1,103 @@
+// Memory figures, connectivity and well-known folders against what /proc and the environment say.
+
+#include "platform/Platform.h"
+#include "platform/linux/LinuxConnectivity.h"
+#include "platform/linux/LinuxMemoryStatus.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <map>
+#include <sstream>
+
+namespace {
+
+std::map<std::string, std::uint64_t> meminfoBytes() {
+    std::map<std::string, std::uint64_t> out;
+    std::ifstream in("/proc/meminfo");
+    std::string key;
+    std::uint64_t kb = 0;
+    std::string unit;
+    while (in >> key >> kb) {
+        key.pop_back(); // the colon
+        out[key] = kb * 1024;
+        std::getline(in, unit);
+    }
+    return out;
+}
+
+} // namespace
+
+TEST(MemoryStatus, FiguresMatchProcMeminfo) {
+    auto p = platform::createNative();
+    platform::MemoryStatusRecord r;
+    ASSERT_TRUE(p->memoryStatus().query(r));
+    const auto m = meminfoBytes();
+    EXPECT_EQ(r.dwLength, 64u);
+    EXPECT_EQ(r.ullTotalPhys, m.at("MemTotal"));
+    EXPECT_EQ(r.ullTotalPageFile, m.at("MemTotal") + m.at("SwapTotal"));
+    // Available memory moves between two reads; it stays within a few percent.
+    EXPECT_NEAR(static_cast<double>(r.ullAvailPhys), static_cast<double>(m.at("MemAvailable")),
+                0.05 * static_cast<double>(m.at("MemTotal")));
+    EXPECT_LE(r.dwMemoryLoad, 100u);
+    EXPECT_GT(r.ullTotalVirtual, r.ullAvailVirtual);
+    EXPECT_GT(r.ullAvailVirtual, 0u);
+    EXPECT_EQ(r.ullAvailExtendedVirtual, 0u);
+}
+
+TEST(MemoryStatus, MappingIsFieldForFieldWithLoadRoundedHalfToEven) {
+    const std::string text = "MemTotal:  1000 kB\nMemFree: 1 kB\nMemAvailable:  425 kB\nSwapTotal: 200 kB\n"
+                             "SwapFree: 50 kB\n";
+    platform::MemoryStatusRecord r;
+    ASSERT_TRUE(platform::linux::fillFromMemInfo(text, 4096, r));
+    EXPECT_EQ(r.ullTotalPhys, 1024000u);
+    EXPECT_EQ(r.ullAvailPhys, 435200u);
+    EXPECT_EQ(r.ullTotalPageFile, 1228800u);
+    EXPECT_EQ(r.ullAvailPageFile, 486400u);
+    EXPECT_EQ(r.dwMemoryLoad, 58u); // 57.5 % -> 58
+    EXPECT_EQ(r.ullAvailVirtual, r.ullTotalVirtual - 4096);
+    EXPECT_FALSE(platform::linux::fillFromMemInfo("MemTotal: 1 kB\n", 0, r));
+}
+
+TEST(Connectivity, DefaultRouteMeansConnectedButLoopbackDoesNot) {
+    using platform::linux::hasDefaultRoute;
+    const std::string header = "Iface\tDestination\tGateway \tFlags\tRefCnt\tUse\tMetric\tMask\t\tMTU\tWindow\tIRTT\n";
+    const std::string v4Default = header + "eth0\t00000000\t0102A8C0\t0003\t0\t0\t0\t00000000\t0\t0\t0\n";
+    const std::string v4Local = header + "eth0\t0002A8C0\t00000000\t0001\t0\t0\t0\t00FFFFFF\t0\t0\t0\n";
+    const std::string v6Default = "00000000000000000000000000000000 00 00000000000000000000000000000000 00 "
+                                  "fe800000000000000000000000000001 00000400 00000001 00000000 00000003 eth0\n";
+    const std::string v6Unreachable = "00000000000000000000000000000000 00 00000000000000000000000000000000 00 "
+                                      "00000000000000000000000000000000 ffffffff 00000001 00000000 00200200 lo\n";
+    EXPECT_TRUE(hasDefaultRoute(v4Default, ""));
+    EXPECT_FALSE(hasDefaultRoute(v4Local, v6Unreachable));
+    EXPECT_TRUE(hasDefaultRoute(header, v6Default));
+    EXPECT_FALSE(hasDefaultRoute("", ""));
+}
+
+TEST(KnownFolders, RegistryPathsMapIntoTheWinePrefix) {
+    auto p = platform::createNative();
+    auto& folders = p->knownFolders();
+    const std::string prefix = std::getenv("WINEPREFIX");
+    EXPECT_EQ(folders.fromRegistryPath("C:\\users\\me\\Temp"), prefix + "/drive_c/users/me/Temp");
+    EXPECT_EQ(folders.fromRegistryPath("c:\\"), prefix + "/drive_c");
+    EXPECT_EQ(folders.fromRegistryPath("D:\\Data\\"), prefix + "/dosdevices/d:/Data");
+    EXPECT_EQ(folders.fromRegistryPath(""), "");
+    EXPECT_EQ(folders.systemDirectory(), prefix + "/drive_c/windows/system32");
+    EXPECT_EQ(folders.tempPath(), std::getenv("TMPDIR"));
+    EXPECT_EQ(folders.homePath(), std::getenv("HOME"));
+    EXPECT_EQ(folders.usersPath(), "");
+    std::filesystem::create_directories(prefix + "/drive_c/users");
+    EXPECT_EQ(folders.usersPath(), prefix + "/drive_c/users");
+}
+
+TEST(KnownFolders, TempFallsBackToSlashTmpWhenTmpdirIsNotAnAbsoluteFolder) {
+    const std::string saved = std::getenv("TMPDIR");
+    testsupport::setEnv("TMPDIR", "relative/tmp");
+    EXPECT_EQ(platform::createNative()->knownFolders().tempPath(), "/tmp");
+    testsupport::setEnv("TMPDIR", saved + "/missing");
+    EXPECT_EQ(platform::createNative()->knownFolders().tempPath(), "/tmp");
+    testsupport::setEnv("TMPDIR", saved + "/");
+    EXPECT_EQ(platform::createNative()->knownFolders().tempPath(), saved);
+    testsupport::setEnv("TMPDIR", saved);
+}
