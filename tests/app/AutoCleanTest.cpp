@@ -1,0 +1,51 @@
+// AutoClean's transitions and the process check it relies on, with a real child process started
+// under a watched browser name.
+
+#include "app/autoclean/AutoCleanState.h"
+#include "app/autoclean/CheckProcess.h"
+#include "platform/Platform.h"
+#include "tests/support/ChildProcess.h"
+
+#include <gtest/gtest.h>
+
+using namespace autoclean;
+
+TEST(AutoCleanState, FullCycleOfOneBrowserSession) {
+    AutoCleanState s; // Off
+    s = toggled(s);
+    EXPECT_EQ(s, (AutoCleanState{OnCaption, true, false}));
+    s = afterCheckTick(s, false); // no browser yet: keep watching
+    EXPECT_EQ(s, (AutoCleanState{OnCaption, true, false}));
+    s = afterCheckTick(s, true);
+    EXPECT_EQ(s, (AutoCleanState{OnCaption, false, true}));
+    EXPECT_FALSE(mustClean(true));
+    EXPECT_TRUE(mustClean(false));
+    s = afterClean(s);
+    EXPECT_EQ(s, (AutoCleanState{OnCaption, true, false}));
+    s = toggled(s);
+    EXPECT_EQ(s, (AutoCleanState{OffCaption, false, false}));
+}
+
+TEST(AutoCleanState, SwitchingOffWhileWaitingForTheCloseStillCleansOnceAndRearms) {
+    AutoCleanState s = afterCheckTick(toggled({}), true);
+    s = toggled(s);
+    EXPECT_EQ(s, (AutoCleanState{OffCaption, false, true})); // TClosed keeps running
+    s = afterClean(s);
+    EXPECT_EQ(s, (AutoCleanState{OffCaption, true, false})); // TCheck armed although OFF
+    // The next toggle reads the caption, so it switches on again.
+    EXPECT_EQ(toggled(s), (AutoCleanState{OnCaption, true, false}));
+}
+
+TEST(CheckProcess, FindsAProgramByNameIgnoringCaseAndBlanks) {
+    auto platform = platform::createNative();
+    auto& processes = platform->processes();
+    EXPECT_FALSE(IsProcessRunning(processes, "iexplore.exe"));
+    testsupport::ChildProcess browser("iexplore.exe");
+    EXPECT_TRUE(IsProcessRunning(processes, "  IEXPLORE.EXE "));
+    EXPECT_TRUE(IsProcessRunning(processes, watchedBrowsers()));
+    int pumped = 0;
+    IsProcessRunning(processes, std::vector<std::string>{"no-such-program"}, [&] { ++pumped; });
+    EXPECT_GT(pumped, 1); // once per process
+    browser.stop();
+    EXPECT_FALSE(IsProcessRunning(processes, "iexplore.exe"));
+}

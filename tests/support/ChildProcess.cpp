@@ -1,0 +1,47 @@
+#include "tests/support/ChildProcess.h"
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace testsupport {
+
+ChildProcess::ChildProcess(const std::string& programName) {
+    const auto exe = m_dir.path() / programName;
+    std::filesystem::copy_file("/bin/sleep", exe);
+    std::string path = exe.string();
+    char seconds[] = "60";
+    char* argv[] = {path.data(), seconds, nullptr};
+    if (::posix_spawn(&m_pid, path.c_str(), nullptr, nullptr, argv, environ) != 0) {
+        m_pid = -1;
+        return;
+    }
+    // Right after spawn the child may not have reached exec yet.
+    const std::string link = "/proc/" + std::to_string(m_pid) + "/exe";
+    for (int i = 0; i < 200; ++i) {
+        std::error_code ec;
+        if (std::filesystem::read_symlink(link, ec).filename() == programName)
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+}
+
+ChildProcess::~ChildProcess() {
+    stop();
+}
+
+void ChildProcess::stop() {
+    if (m_pid > 0) {
+        ::kill(m_pid, SIGKILL);
+        ::waitpid(m_pid, nullptr, 0);
+        m_pid = -1;
+    }
+}
+
+} // namespace testsupport
