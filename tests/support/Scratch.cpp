@@ -27,6 +27,24 @@ const fs::path& scratchRoot() {
     return root;
 }
 
+void enterScratchEnvironment() {
+    const fs::path& root = scratchRoot();
+    const std::pair<const char*, const char*> folders[] = {
+        {"HOME", "home"},           {"TMPDIR", "tmp"},           {"XDG_DATA_HOME", "data"},
+        {"XDG_CONFIG_HOME", "config"}, {"XDG_CACHE_HOME", "cache"}, {"XDG_STATE_HOME", "state"},
+        {"XDG_RUNTIME_DIR", "runtime"}, {"WINEPREFIX", "wine"}};
+    for (const auto& [variable, sub] : folders) {
+        fs::create_directories(root / sub);
+        setEnv(variable, (root / sub).string());
+    }
+    fs::permissions(root / "runtime", fs::perms::owner_all, fs::perm_options::replace);
+}
+
+void leaveScratchEnvironment() {
+    std::error_code ec;
+    fs::remove_all(scratchRoot(), ec);
+}
+
 ScratchDir::ScratchDir() {
     static std::atomic<int> counter{0};
     m_path = scratchRoot() / ("dir" + std::to_string(::getpid()) + "-" + std::to_string(counter++));

@@ -8,7 +8,13 @@
 
 namespace testsupport {
 
-/// The scratch root of this test program (what HOME points at).
+/// Points HOME, TMPDIR, the XDG folders and WINEPREFIX at fresh folders below the scratch root.
+/// Every test program's main() calls this first, before anything reads the environment.
+void enterScratchEnvironment();
+/// Removes the scratch root; the last thing main() does.
+void leaveScratchEnvironment();
+
+/// The scratch root of this test program.
 const std::filesystem::path& scratchRoot();
 
 /// A new empty folder below the scratch root, removed with the object.
