@@ -1,0 +1,56 @@
+#include "memory/ui/MemMonitor.h"
+
+#include "memory/MemoryFigures.h"
+#include "platform/Platform.h"
+
+#include <QLabel>
+#include <QTimer>
+
+namespace memory::ui {
+namespace {
+
+constexpr int TwipsPerPixel = 15;
+
+struct LabelPlace {
+    const char* name;
+    int topTwips;
+};
+
+// All at the left margin, 3735 x 375 twips, stacked.
+constexpr LabelPlace Places[] = {{"Label1", 480},  {"Label2", 840},  {"Label3", 1200},
+                                 {"Label4", 1560}, {"Label5", 1920}, {"Label6", 2280},
+                                 {"Label7", 2640}, {"Label9", 3240}, {"Label8", 3720}};
+
+} // namespace
+
+MemMonitor::MemMonitor(platform::Platform& platform, QWidget* parent)
+    : QWidget(parent, Qt::Tool), m_platform(platform), m_timer1(new QTimer(this)) {
+    setObjectName("MemMonitor");
+    setWindowTitle("Tavi MemMonitor");
+    for (const LabelPlace& place : Places) {
+        auto* label = new QLabel(QString::fromLatin1(place.name), this); // the design-time caption
+        label->setObjectName(place.name);
+        label->setGeometry(120 / TwipsPerPixel, place.topTwips / TwipsPerPixel, 3735 / TwipsPerPixel,
+                           375 / TwipsPerPixel);
+    }
+    setFixedSize((120 + 3735 + 120) / TwipsPerPixel, (3720 + 375 + 240) / TwipsPerPixel);
+
+    // Load shows seven figures at once; the load and usage lines wait for the first tick.
+    refresh(false);
+    m_timer1->setObjectName("Timer1");
+    m_timer1->setInterval(100);
+    connect(m_timer1, &QTimer::timeout, this, [this] { refresh(true); });
+    m_timer1->start();
+}
+
+void MemMonitor::refresh(bool all) {
+    const auto record = memory::readMemoryStatus(m_platform.memoryStatus());
+    for (const auto& line : memory::memoryLines(record)) {
+        if (!all && (line.label == "Label8" || line.label == "Label9"))
+            continue;
+        if (auto* label = findChild<QLabel*>(QString::fromStdString(line.label)))
+            label->setText(QString::fromStdString(line.caption));
+    }
+}
+
+} // namespace memory::ui

@@ -1,0 +1,57 @@
+// The memory monitor window on the offscreen platform, against /proc/meminfo.
+
+#include "memory/ui/MemMonitor.h"
+#include "platform/Platform.h"
+#include "tests/support/Scratch.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QTest>
+#include <QTimer>
+
+#include <fstream>
+
+class MemMonitorTest : public QObject {
+    Q_OBJECT
+
+    static QString memTotal() {
+        std::ifstream in("/proc/meminfo");
+        std::string key;
+        unsigned long long kb = 0;
+        in >> key >> kb;
+        return QString::number(kb * 1024);
+    }
+
+private slots:
+    void showsSevenFiguresAtLoadAndAllNineAfterTheFirstTick() {
+        auto platform = platform::createNative();
+        memory::ui::MemMonitor monitor(*platform);
+        QCOMPARE(monitor.windowTitle(), QString("Tavi MemMonitor"));
+        const auto text = [&](const char* name) { return monitor.findChild<QLabel*>(name)->text(); };
+        QCOMPARE(text("Label1"), "Total Physical     " + memTotal());
+        QVERIFY(text("Label7").startsWith("Available Extended Virtual     "));
+        QCOMPARE(text("Label8"), QString("Label8"));
+        QCOMPARE(text("Label9"), QString("Label9"));
+        QCOMPARE(monitor.findChild<QTimer*>("Timer1")->interval(), 100);
+
+        QTRY_VERIFY(text("Label8").startsWith("PageFile Usage "));
+        QVERIFY(text("Label9").startsWith("Current memory load:     "));
+        QVERIFY(text("Label9").endsWith(" %."));
+        // Stacked top to bottom in the documented order, load above usage.
+        QVERIFY(monitor.findChild<QLabel*>("Label7")->y() < monitor.findChild<QLabel*>("Label9")->y());
+        QVERIFY(monitor.findChild<QLabel*>("Label9")->y() < monitor.findChild<QLabel*>("Label8")->y());
+        QCOMPARE(monitor.findChild<QLabel*>("Label1")->geometry(), QRect(8, 32, 249, 25));
+    }
+};
+
+int main(int argc, char** argv) {
+    testsupport::enterScratchEnvironment();
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    MemMonitorTest test;
+    const int rc = QTest::qExec(&test, argc, argv);
+    testsupport::leaveScratchEnvironment();
+    return rc;
+}
+
+#include "MemMonitorTest.moc"
