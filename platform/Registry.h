@@ -26,12 +26,18 @@ constexpr long Success = 0;
 constexpr long FileNotFound = 2;
 constexpr long AccessDenied = 5;
 constexpr long InvalidHandle = 6;
+/// The hive is in use by its owner and cannot be written now (on Linux: the prefix's wineserver runs).
+constexpr long SharingViolation = 32;
+constexpr long InvalidParameter = 87;
 constexpr long MoreData = 234;
 } // namespace RegResult
 
 class Registry {
 public:
     virtual ~Registry() = default;
+
+    // Every call that changes the hive fails with SharingViolation while the hive's owner holds it
+    // (on Linux: while a wineserver runs for the prefix), and leaves the hive as it was.
 
     /// RegOpenKeyA: opens `subKey` below `root` (an open key or CurrentUserRoot, HKEY_CURRENT_USER).
     virtual long openKey(RegKey root, const std::string& subKey, RegKey& result) = 0;
@@ -41,7 +47,7 @@ public:
     /// the result is MoreData and `size` holds the size needed. Strings count their closing NUL.
     virtual long queryValue(RegKey key, const std::string& name, std::uint32_t* type, std::uint8_t* data,
                             std::uint32_t* size) = 0;
-    /// RegSetValueExA.
+    /// RegSetValueExA. Strings are given as the ANSI call takes them (UTF-8), with their NUL.
     virtual long setValue(RegKey key, const std::string& name, std::uint32_t type, const std::uint8_t* data,
                           std::uint32_t size) = 0;
     /// RegDeleteValueA.
