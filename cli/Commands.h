@@ -9,5 +9,6 @@ namespace cli {
 struct Context;
 
 void addMemMonCommand(CLI::App& app, Context& ctx);
+void addCleanItemCommands(CLI::App& app, Context& ctx);
 
 } // namespace cli

@@ -25,6 +25,7 @@ int main(int argc, char** argv) {
     }
     cli::Context ctx{*platform, {}, {}, 0};
     cli::addMemMonCommand(app, ctx);
+    cli::addCleanItemCommands(app, ctx);
 
     try {
         app.parse(argc, argv);

@@ -1,7 +1,12 @@
 #pragma once
-// The recycle bin (on Linux the freedesktop.org Trash) and the shell's recent-documents list.
+// The recycle bin (on Linux the freedesktop.org Trash) and the shell's recent-documents list. The
+// shell's own confirmation and progress window are the caller's to show: the bin asks through
+// RecycleBinUi, so the question's text stays with the code that defines the program's messages.
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace platform {
 
@@ -11,12 +16,37 @@ constexpr unsigned NoProgressUi = 2;
 constexpr unsigned NoSound = 4;
 } // namespace EmptyFlags
 
+/// One deleted item waiting in a bin.
+struct TrashItem {
+    std::string path;         ///< where it lies inside the bin
+    std::string originalPath; ///< where it was deleted from; empty when the bin does not say
+    std::uint64_t bytes = 0;  ///< its size, a folder's files added up
+};
+
+/// The bin's dialogs, shown by the caller.
+class RecycleBinUi {
+public:
+    virtual ~RecycleBinUi() = default;
+
+    /// Asked once before anything is removed, unless NoConfirmation: `items` items of `bytes`
+    /// bytes in all. False keeps everything.
+    virtual bool confirmEmpty(std::size_t items, std::uint64_t bytes) = 0;
+    /// After each removed item, unless NoProgressUi.
+    virtual void progress(std::size_t done, std::size_t items) = 0;
+};
+
 class RecycleBin {
 public:
     virtual ~RecycleBin() = default;
 
+    /// The items in the bin of the drive `root`, or of every drive when it is empty.
+    virtual std::vector<TrashItem> items(const std::string& root) = 0;
     /// SHEmptyRecycleBinA: empties the bin of the drive `root`, or of every drive when it is empty.
-    virtual bool empty(const std::string& root, unsigned flags) = 0;
+    /// `flags` are EmptyFlags. True when the bin is empty afterwards; false when the user said no
+    /// or some item could not be removed.
+    virtual bool empty(const std::string& root, unsigned flags, RecycleBinUi& ui) = 0;
+    /// The documents in the shell's list of recent documents, as addresses (file:///...).
+    virtual std::vector<std::string> recentDocuments() = 0;
     /// SHAddToRecentDocs with no item: clears the shell's list of recent documents.
     virtual bool clearRecentDocuments() = 0;
 };

@@ -1,7 +1,6 @@
 #pragma once
 // Facilities whose Linux backends are not built yet: they report nothing and change nothing.
 
-#include "platform/RecycleBin.h"
 #include "platform/UrlCache.h"
 #include "platform/UrlHistory.h"
 
@@ -22,12 +21,6 @@ public:
     bool add(const std::string&, const std::string&) override { return false; }
     bool remove(const std::string&) override { return false; }
     bool clear() override { return false; }
-};
-
-class EmptyRecycleBin final : public RecycleBin {
-public:
-    bool empty(const std::string&, unsigned) override { return false; }
-    bool clearRecentDocuments() override { return false; }
 };
 
 } // namespace platform::linux

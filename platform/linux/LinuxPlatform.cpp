@@ -10,6 +10,7 @@
 #include "platform/linux/LinuxPlaceholders.h"
 #include "platform/linux/LinuxProcesses.h"
 #include "platform/linux/LinuxRawFiles.h"
+#include "platform/linux/LinuxRecycleBin.h"
 #include "platform/linux/LinuxRegistry.h"
 #include "platform/linux/LinuxShell.h"
 #include "platform/linux/LinuxVirtualMemory.h"
@@ -20,7 +21,7 @@ namespace {
 
 class LinuxPlatform final : public Platform {
 public:
-    explicit LinuxPlatform(const Environment& env) : m_registry(env), m_knownFolders(env) {}
+    explicit LinuxPlatform(const Environment& env) : m_registry(env), m_knownFolders(env), m_recycleBin(env) {}
 
     RawFiles& rawFiles() override { return m_rawFiles; }
     FileSystem& fileSystem() override { return m_fileSystem; }
@@ -49,7 +50,7 @@ private:
     LinuxConnectivity m_connectivity;
     EmptyUrlCache m_urlCache;
     EmptyUrlHistory m_urlHistory;
-    EmptyRecycleBin m_recycleBin;
+    LinuxRecycleBin m_recycleBin;
 };
 
 } // namespace

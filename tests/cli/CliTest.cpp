@@ -69,3 +69,29 @@ TEST(Cli, HelpVersionAndUsageErrors) {
     EXPECT_EQ(run("memmon --bogus").code, 2);
     EXPECT_EQ(run("").code, 2);
 }
+
+TEST(Cli, CleanItemTakesOnlyExactChooserTextsAndPreviewChangesNothing) {
+    const std::string hive = std::string(std::getenv("WINEPREFIX")) + "/user.reg";
+    std::ofstream(hive) << "WINE REGISTRY Version 2\n\n[Software\\\\Microsoft\\\\Internet Explorer\\\\TypedURLs] 1\n"
+                           "#time=1\n\"url1\"=\"http://a.example/\"\n\"url3\"=\"http://c.example/\"\n";
+    CliRun r = run("clean-item \"ie typed url's\"");
+    EXPECT_EQ(r.code, 2);
+    EXPECT_NE(r.out.find("You must make a choice from the combobox pull down list. If you continue having "
+                         "trouble,please contact Tavi support."),
+              std::string::npos);
+
+    r = run("preview");
+    EXPECT_EQ(r.code, 0) << r.out;
+    EXPECT_NE(r.out.find("registry: HKEY_CURRENT_USER\\Software\\Microsoft\\Internet Explorer\\TypedURLs : url1\n"),
+              std::string::npos)
+        << r.out;
+    EXPECT_EQ(r.out.find("url3"), std::string::npos);
+
+    r = run("clean-item \"IE Typed URL's\"");
+    EXPECT_EQ(r.code, 0) << r.out;
+    std::ifstream in(hive);
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(text.find("url1"), std::string::npos);
+    EXPECT_NE(text.find("\"url3\"=\"http://c.example/\""), std::string::npos);
+    EXPECT_EQ(run("clean-item").code, 2);
+}

@@ -1,0 +1,225 @@
+#include "cleaning/CleanIT.h"
+
+#include "cleaning/Registry.h"
+#include "core/NumberFormat.h"
+
+#include <algorithm>
+
+namespace cleaning {
+
+using platform::CurrentUserRoot;
+using platform::RegKey;
+namespace RegResult = platform::RegResult;
+
+const std::vector<std::string> ChooserItems = {
+    "Recent Documents", "IE Typed URL's", "MS Media Player", "Find Files or Folders", "Find Computers", "MS Paint",
+    "Run Menu",         "Word Pad",       "WinZip File",     "WinZip Extract",        "Recycle Bin",    "Do Em All"};
+
+const std::string ChooserPrompt = "Please Choose Item to Clean";
+
+const std::string NoChoiceMessage = "You must make a choice from the combobox pull down list. If you continue having "
+                                    "trouble,please contact Tavi support.";
+
+const std::string RecycleBinTitle = "Empty Recycle Bin";
+
+std::string RecycleBinQuestion(std::size_t items, std::uint64_t bytes) {
+    const std::string size = core::formatGrouped(static_cast<std::int64_t>(bytes)) + (bytes == 1 ? " byte" : " bytes");
+    if (items == 1)
+        return "Are you sure you want to permanently delete this item (" + size + ")?";
+    return "Are you sure you want to permanently delete these " + core::formatGrouped(static_cast<std::int64_t>(items)) +
+           " items (" + size + ")?";
+}
+
+namespace {
+
+const std::string RecentDocsKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RecentDocs";
+const std::string TypedUrlsKey = "Software\\Microsoft\\Internet Explorer\\TypedURLs";
+const std::string MediaPlayerKey = "Software\\Microsoft\\MediaPlayer\\Player\\RecentFileList";
+const std::string FindFilesKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Doc Find Spec MRU";
+const std::string FindComputersKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FindComputerMRU";
+const std::string PaintKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Applets\\Paint\\Recent File List";
+const std::string RunMruKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RunMRU";
+const std::string WordPadKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Applets\\Wordpad\\Recent File List";
+const std::string WinZipFileMenuKey = "Software\\Nico Mak Computing\\WinZip\\filemenu";
+const std::string WinZipExtractKey = "Software\\Nico Mak Computing\\WinZip\\extract";
+
+// The shell's dialogs for the recycle bin, asked through the program's prompts.
+class BinDialogs final : public platform::RecycleBinUi {
+public:
+    BinDialogs(core::Prompts& prompts, CleanView* view) : m_prompts(prompts), m_view(view) {}
+    bool confirmEmpty(std::size_t items, std::uint64_t bytes) override {
+        return m_prompts.askYesNo(RecycleBinQuestion(items, bytes), RecycleBinTitle,
+                                  core::MsgStyle::YesNo + core::MsgStyle::Exclamation);
+    }
+    void progress(std::size_t done, std::size_t items) override {
+        if (m_view)
+            m_view->recycleProgress(done, items);
+    }
+
+private:
+    core::Prompts& m_prompts;
+    CleanView* m_view;
+};
+
+// Answers no question and shows nothing: the preview must never be asked anything.
+class SilentPrompts final : public core::Prompts {
+public:
+    bool askYesNo(const std::string&, const std::string&, int) override { return false; }
+    void tell(const std::string&, const std::string&, int) override {}
+};
+
+} // namespace
+
+CleanIT::CleanIT(platform::Platform& platform, core::Prompts& prompts, core::ProblemSink* problems, CleanView* view)
+    : m_platform(platform), m_prompts(prompts), m_problems(problems), m_view(view) {}
+
+bool CleanIT::IsChooserItem(const std::string& itemText) {
+    return std::find(ChooserItems.begin(), ChooserItems.end(), itemText) != ChooserItems.end();
+}
+
+void CleanIT::CleanMruItem(const std::string& itemText) {
+    using Routine = void (CleanIT::*)();
+    static const Routine routines[] = {&CleanIT::CleanRecentDocs,    &CleanIT::CleanTypedURLs, &CleanIT::CleanMediaPlayer,
+                                       &CleanIT::CleanFindFiles,     &CleanIT::CleanFindComputers, &CleanIT::CleanPaint,
+                                       &CleanIT::CleanRunMRU,        &CleanIT::CleanWordPad, &CleanIT::CleanWinZipFileMenu,
+                                       &CleanIT::CleanWinZipExtract, nullptr,                   &CleanIT::DoEmAll};
+    for (std::size_t i = 0; i < ChooserItems.size(); ++i) {
+        if (itemText != ChooserItems[i])
+            continue;
+        if (routines[i])
+            (this->*routines[i])();
+        else // "Clean Item" lets the shell ask, show its progress and play its sound, for all drives
+            EmptyRecycleBin("", false, false, false);
+        return;
+    }
+    m_prompts.tell(NoChoiceMessage, core::MessageTitle, core::MsgStyle::OkOnly);
+}
+
+std::string CleanIT::ReadRegString(RegKey root, const std::string& key, const std::string& name) {
+    auto& registry = m_platform.registry();
+    RegKey handle = 0;
+    if (registry.openKey(root, key, handle) != RegResult::Success)
+        return {};
+    std::uint32_t type = 0, size = 0;
+    if (registry.queryValue(handle, name, &type, nullptr, &size) != RegResult::Success ||
+        type != platform::RegType::Sz)
+        return {};
+    std::string buffer(size, ' ');
+    if (registry.queryValue(handle, name, &type, reinterpret_cast<std::uint8_t*>(buffer.data()), &size) !=
+        RegResult::Success)
+        return {};
+    return TextUpToNul(buffer);
+}
+
+void CleanIT::DeleteRegValue(RegKey root, const std::string& key, const std::string& name) {
+    auto& registry = m_platform.registry();
+    RegKey handle = 0;
+    if (registry.openKey(root, key, handle) != RegResult::Success)
+        return;
+    if (m_preview) {
+        std::uint32_t type = 0, size = 0;
+        const bool exists = registry.queryValue(handle, name, &type, nullptr, &size) == RegResult::Success;
+        const bool listed = std::any_of(m_preview->values.begin(), m_preview->values.end(),
+                                        [&](const CleanPreview::Value& v) { return v.key == key && v.name == name; });
+        if (exists && !listed)
+            m_preview->values.push_back({key, name});
+    } else {
+        const long rc = registry.deleteValue(handle, name);
+        if (rc != RegResult::Success && rc != RegResult::FileNotFound && m_problems)
+            m_problems->skipped("HKEY_CURRENT_USER\\" + key + "\\" + name,
+                                rc == RegResult::SharingViolation ? "the registry is in use (is a Wine program running?)"
+                                                                  : "the value could not be deleted (error " +
+                                                                        std::to_string(rc) + ")");
+    }
+    registry.closeKey(handle);
+}
+
+void CleanIT::countedScheme(const std::string& key, const std::string& stem, int first) {
+    for (int n = first; n <= 100; ++n) {
+        const std::string name = stem + std::to_string(n);
+        const std::string text = ReadRegString(CurrentUserRoot, key, name);
+        DeleteRegValue(CurrentUserRoot, key, name);
+        if (text.empty())
+            break;
+    }
+}
+
+void CleanIT::firstValueScheme(const std::string& key, const std::string& stem) {
+    // Only the first value is looked at: with it present the whole range goes, gaps or not.
+    const std::string first = ReadRegString(CurrentUserRoot, key, stem + "1");
+    for (int n = 1; n <= 100; ++n) {
+        DeleteRegValue(CurrentUserRoot, key, stem + std::to_string(n));
+        if (first.empty())
+            break;
+    }
+}
+
+void CleanIT::mruListScheme(const std::string& key) {
+    const std::string order = ReadRegString(CurrentUserRoot, key, "MRUList");
+    for (char letter : order)
+        DeleteRegValue(CurrentUserRoot, key, std::string(1, letter));
+    DeleteRegValue(CurrentUserRoot, key, "MRUList");
+}
+
+void CleanIT::CleanRecentDocs() {
+    auto& bin = m_platform.recycleBin();
+    if (m_preview)
+        m_preview->recentDocuments = bin.recentDocuments();
+    else if (!bin.clearRecentDocuments() && m_problems)
+        m_problems->skipped("recent documents", "the list could not be cleared");
+    mruListScheme(RecentDocsKey);
+}
+
+void CleanIT::CleanTypedURLs() { countedScheme(TypedUrlsKey, "url", 1); }
+void CleanIT::CleanMediaPlayer() { countedScheme(MediaPlayerKey, "File", 0); }
+void CleanIT::CleanFindFiles() { mruListScheme(FindFilesKey); }
+void CleanIT::CleanFindComputers() { mruListScheme(FindComputersKey); }
+void CleanIT::CleanPaint() { firstValueScheme(PaintKey, "File"); }
+void CleanIT::CleanRunMRU() { mruListScheme(RunMruKey); }
+void CleanIT::CleanWordPad() { firstValueScheme(WordPadKey, "File"); }
+void CleanIT::CleanWinZipFileMenu() { countedScheme(WinZipFileMenuKey, "filemenu", 1); }
+void CleanIT::CleanWinZipExtract() { countedScheme(WinZipExtractKey, "extract", 1); }
+
+void CleanIT::EmptyRecycleBin(std::string rootPath, bool noConfirmation, bool noProgress, bool noSound) {
+    // A drive given by its letter alone ("C", "C:") becomes its root ("C:\"); a path of this
+    // machine's own kind names the filesystem it is on.
+    const char separator = m_platform.fileSystem().separator();
+    if (!rootPath.empty() && rootPath[0] != separator && rootPath.compare(1, 2, ":\\") != 0)
+        rootPath = rootPath.substr(0, 1) + ":\\";
+    const unsigned flags = (noConfirmation ? platform::EmptyFlags::NoConfirmation : 0u) |
+                           (noProgress ? platform::EmptyFlags::NoProgressUi : 0u) |
+                           (noSound ? platform::EmptyFlags::NoSound : 0u);
+    auto& bin = m_platform.recycleBin();
+    if (m_preview) {
+        const auto items = bin.items(rootPath);
+        m_preview->trash.insert(m_preview->trash.end(), items.begin(), items.end());
+        return;
+    }
+    BinDialogs dialogs(m_prompts, m_view);
+    bin.empty(rootPath, flags, dialogs);
+}
+
+void CleanIT::DoEmAll() {
+    CleanRecentDocs();
+    CleanTypedURLs();
+    CleanMediaPlayer();
+    CleanFindFiles();
+    CleanFindComputers();
+    CleanPaint();
+    CleanRunMRU();
+    CleanWordPad();
+    CleanWinZipFileMenu();
+    CleanWinZipExtract();
+    EmptyRecycleBin("", false, false, false);
+}
+
+CleanPreview CleanIT::Preview(platform::Platform& platform) {
+    SilentPrompts silent;
+    CleanPreview preview;
+    CleanIT dryRun(platform, silent);
+    dryRun.m_preview = &preview;
+    dryRun.DoEmAll();
+    return preview;
+}
+
+} // namespace cleaning

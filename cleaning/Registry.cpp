@@ -1,0 +1,39 @@
+#include "cleaning/Registry.h"
+
+namespace cleaning {
+
+using namespace platform;
+
+std::string TextUpToNul(const std::string& buffer) {
+    return buffer.substr(0, buffer.find('\0'));
+}
+
+std::string GetRegString(Registry& registry, RegKey root, const std::string& key, const std::string& value) {
+    RegKey handle = 0;
+    if (registry.openKey(root, key, handle) != RegResult::Success)
+        return {};
+    std::string text;
+    std::uint32_t type = 0, size = 0;
+    if (registry.queryValue(handle, value, &type, nullptr, &size) == RegResult::Success && type == RegType::Sz) {
+        std::string buffer(size, ' ');
+        if (registry.queryValue(handle, value, &type, reinterpret_cast<std::uint8_t*>(buffer.data()), &size) ==
+            RegResult::Success)
+            text = TextUpToNul(buffer.substr(0, size));
+    }
+    registry.closeKey(handle);
+    return text;
+}
+
+long SetRegString(Registry& registry, RegKey root, const std::string& key, const std::string& value,
+                  const std::string& text) {
+    RegKey handle = 0;
+    long rc = registry.createKey(root, key, handle);
+    if (rc != RegResult::Success)
+        return rc;
+    rc = registry.setValue(handle, value, RegType::Sz, reinterpret_cast<const std::uint8_t*>(text.c_str()),
+                           static_cast<std::uint32_t>(text.size() + 1));
+    registry.closeKey(handle);
+    return rc;
+}
+
+} // namespace cleaning

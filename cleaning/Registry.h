@@ -1,0 +1,27 @@
+#pragma once
+// The Registry module: reading and writing string values of the registry the way the main window
+// needs them (the Shell Folders paths). Missing keys and values read as empty text; nothing here
+// reports a failure.
+
+#include "platform/Registry.h"
+
+#include <string>
+
+namespace cleaning {
+
+/// The REG_SZ value `value` of `key` below `root` (usually platform::CurrentUserRoot), cut at its
+/// first NUL; empty when the key or the value is missing or the value is not a string. The key
+/// is closed again.
+std::string GetRegString(platform::Registry& registry, platform::RegKey root, const std::string& key,
+                         const std::string& value);
+
+/// Writes `text` as the REG_SZ value `value` of `key` below `root`, creating the key when missing,
+/// and closes it. The registry's result (platform::RegResult::Success when written).
+long SetRegString(platform::Registry& registry, platform::RegKey root, const std::string& key, const std::string& value,
+                  const std::string& text);
+
+/// A string value's bytes as read into a buffer of blanks: the text up to the first NUL, all of
+/// it when there is none. Shared with CleanIT's own reader.
+std::string TextUpToNul(const std::string& buffer);
+
+} // namespace cleaning

@@ -1,0 +1,68 @@
+// clean-item and preview: the recent-item lists, the recycle bin and the recent documents, cleaned
+// one chooser item at a time or all of them, or only listed.
+
+#include "cleaning/CleanIT.h"
+#include "cli/Commands.h"
+#include "cli/Context.h"
+#include "cli/ProgressBar.h"
+
+#include <iostream>
+
+namespace cli {
+namespace {
+
+class BarView final : public cleaning::CleanView {
+public:
+    void recycleProgress(std::size_t done, std::size_t items) override {
+        m_bar.update(items ? static_cast<double>(done) / static_cast<double>(items) : 1.0,
+                     "trash " + std::to_string(done) + "/" + std::to_string(items));
+    }
+
+private:
+    ProgressBar m_bar;
+};
+
+std::string itemList() {
+    std::string list;
+    for (const std::string& item : cleaning::ChooserItems)
+        list += "\n  " + item;
+    return list;
+}
+
+} // namespace
+
+void addCleanItemCommands(CLI::App& app, Context& ctx) {
+    auto* clean = app.add_subcommand("clean-item", "Clean one recent-item list by its exact chooser text; "
+                                                   "\"Do Em All\" runs them all");
+    auto item = std::make_shared<std::string>();
+    auto yes = std::make_shared<bool>(false);
+    clean->add_option("ITEM", *item, "The chooser item, exactly as listed:" + itemList())->required();
+    clean->add_flag("-y,--yes", *yes, "Empty the recycle bin without asking");
+    clean->callback([&ctx, item, yes] {
+        if (!cleaning::CleanIT::IsChooserItem(*item))
+            throw UsageError(cleaning::NoChoiceMessage);
+        ctx.prompts.setAssumeYes(*yes);
+        BarView view;
+        cleaning::CleanIT(ctx.platform, ctx.prompts, &ctx.problems, &view).CleanMruItem(*item);
+    });
+
+    auto* preview = app.add_subcommand("preview", "List what \"Do Em All\" would remove (registry values, "
+                                                  "trash items, recent documents); changes nothing");
+    preview->callback([&ctx] {
+        const cleaning::CleanPreview found = cleaning::CleanIT::Preview(ctx.platform);
+        for (const auto& value : found.values)
+            std::cout << "registry: HKEY_CURRENT_USER\\" << value.key << " : " << value.name << "\n";
+        std::uint64_t bytes = 0;
+        for (const auto& trashed : found.trash) {
+            bytes += trashed.bytes;
+            std::cout << "trash: " << trashed.path << " (" << trashed.bytes << " bytes"
+                      << (trashed.originalPath.empty() ? "" : ", from " + trashed.originalPath) << ")\n";
+        }
+        for (const auto& uri : found.recentDocuments)
+            std::cout << "recent document: " << uri << "\n";
+        std::cout << found.values.size() << " registry values, " << found.trash.size() << " trash items (" << bytes
+                  << " bytes), " << found.recentDocuments.size() << " recent documents\n";
+    });
+}
+
+} // namespace cli

@@ -1,0 +1,285 @@
+// The recent-item lists cleaned on real user.reg files in a temporary Wine prefix, through the
+// native platform; the recycle bin is the Linux trash confined to scratch folders.
+
+#include "cleaning/CleanIT.h"
+#include "cleaning/Registry.h"
+#include "core/NumberFormat.h"
+#include "platform/linux/LinuxRecycleBin.h"
+#include "platform/linux/LinuxRegistry.h"
+#include "tests/support/Hive.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <fstream>
+#include <regex>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using namespace cleaning;
+using platform::CurrentUserRoot;
+
+namespace {
+
+// The native platform with the registry and the trash rooted in scratch folders.
+class ScratchPlatform final : public platform::Platform {
+public:
+    ScratchPlatform(const fs::path& prefix, const fs::path& dataHome, const fs::path& serverRoot)
+        : m_native(platform::createNative()), m_registry(env(prefix, dataHome), serverRoot.string()),
+          m_bin(env(prefix, dataHome), std::vector<std::string>{}) {}
+
+    static platform::linux::Environment env(const fs::path& prefix, const fs::path& dataHome) {
+        platform::linux::Environment e;
+        e.winePrefix = prefix.string();
+        e.dataHome = dataHome.string();
+        return e;
+    }
+
+    platform::RawFiles& rawFiles() override { return m_native->rawFiles(); }
+    platform::FileSystem& fileSystem() override { return m_native->fileSystem(); }
+    platform::Drives& drives() override { return m_native->drives(); }
+    platform::Registry& registry() override { return m_registry; }
+    platform::KnownFolders& knownFolders() override { return m_native->knownFolders(); }
+    platform::Processes& processes() override { return m_native->processes(); }
+    platform::MemoryStatus& memoryStatus() override { return m_native->memoryStatus(); }
+    platform::VirtualMemory& virtualMemory() override { return m_native->virtualMemory(); }
+    platform::Shell& shell() override { return m_native->shell(); }
+    platform::Connectivity& connectivity() override { return m_native->connectivity(); }
+    platform::UrlCache& urlCache() override { return m_native->urlCache(); }
+    platform::UrlHistory& urlHistory() override { return m_native->urlHistory(); }
+    platform::RecycleBin& recycleBin() override { return m_binOverride ? *m_binOverride : m_bin; }
+    platform::linux::LinuxRegistry& hive() { return m_registry; }
+    void useBin(platform::RecycleBin* bin) { m_binOverride = bin; }
+
+private:
+    std::unique_ptr<platform::Platform> m_native;
+    platform::linux::LinuxRegistry m_registry;
+    platform::linux::LinuxRecycleBin m_bin;
+    platform::RecycleBin* m_binOverride = nullptr;
+};
+
+// Records the calls the shell's recycle bin would get.
+struct RecordedBin final : platform::RecycleBin {
+    std::vector<std::string> calls;
+    std::vector<platform::TrashItem> items(const std::string&) override { return {}; }
+    bool empty(const std::string& root, unsigned flags, platform::RecycleBinUi&) override {
+        calls.push_back(root + "|" + std::to_string(flags));
+        return true;
+    }
+    std::vector<std::string> recentDocuments() override { return {}; }
+    bool clearRecentDocuments() override { return true; }
+};
+
+struct RecordedPrompts final : core::Prompts {
+    std::vector<std::string> asked, told;
+    bool answer = true;
+    bool askYesNo(const std::string& text, const std::string& title, int) override {
+        asked.push_back(title + ": " + text);
+        return answer;
+    }
+    void tell(const std::string& text, const std::string& title, int style) override {
+        told.push_back(title + "|" + std::to_string(style) + "|" + text);
+    }
+};
+
+struct RecordedSink final : core::ProblemSink {
+    std::vector<std::string> items;
+    void skipped(const std::string& item, const std::string&) override { items.push_back(item); }
+};
+
+std::string section(const std::string& key, const std::vector<std::string>& values) {
+    std::string escaped;
+    for (char c : key)
+        escaped += c == '\\' ? std::string("\\\\") : std::string(1, c);
+    std::string out = "\n[" + escaped + "] 1700000000\n#time=1da16a0b0c0d0e0\n";
+    for (const std::string& v : values)
+        out += v + "\n";
+    return out;
+}
+
+const std::string Explorer = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\";
+const std::string Applets = "Software\\Microsoft\\Windows\\CurrentVersion\\Applets\\";
+
+// A hive holding every list, each with a value that must stay, and a key nobody touches.
+std::string everyList() {
+    return section(Explorer + "RecentDocs", {"\"MRUList\"=\"ba\"", "\"a\"=hex:61,00", "\"b\"=hex:62,00", "\"z\"=\"stays\""}) +
+           section("Software\\Microsoft\\Internet Explorer\\TypedURLs",
+                   {"\"url1\"=\"http://a/\"", "\"url2\"=\"http://b/\"", "\"url4\"=\"http://d/\""}) +
+           section("Software\\Microsoft\\MediaPlayer\\Player\\RecentFileList", {"\"File1\"=\"C:\\\\song.mp3\""}) +
+           section(Explorer + "Doc Find Spec MRU", {"\"MRUList\"=\"a\"", "\"a\"=\"*.doc\""}) +
+           section(Explorer + "FindComputerMRU", {"\"MRUList\"=\"a\"", "\"a\"=\"SERVER\""}) +
+           section(Applets + "Paint\\Recent File List", {"\"File1\"=\"C:\\\\a.bmp\"", "\"File3\"=\"C:\\\\c.bmp\""}) +
+           section(Explorer + "RunMRU", {"\"MRUList\"=\"ba\"", "\"a\"=\"cmd\\\\1\"", "\"b\"=\"regedit\\\\1\"",
+                                         "\"c\"=\"notepad\\\\1\""}) +
+           section(Applets + "Wordpad\\Recent File List", {"\"File2\"=\"C:\\\\b.doc\""}) +
+           section("Software\\Nico Mak Computing\\WinZip\\filemenu", {"\"filemenu1\"=\"C:\\\\a.zip\""}) +
+           section("Software\\Nico Mak Computing\\WinZip\\extract", {"\"extract1\"=\"C:\\\\out\"", "\"extract2\"=dword:00000001",
+                                                                    "\"extract3\"=\"C:\\\\kept\""}) +
+           section("Software\\Wine\\Fonts", {"\"LogPixels\"=dword:00000060"});
+}
+
+struct CleanITTest : ::testing::Test {
+    testsupport::ScratchDir prefix, data, servers;
+    fs::path hive = testsupport::writeUserReg(prefix.path(), everyList());
+    ScratchPlatform platform{prefix.path(), data.path(), servers.path()};
+    RecordedPrompts prompts;
+    RecordedSink problems;
+    CleanIT clean{platform, prompts, &problems};
+
+    std::vector<std::string> names(const std::string& key) {
+        platform::RegKey k = 0;
+        std::vector<std::string> out;
+        if (platform.registry().openKey(CurrentUserRoot, key, k) == platform::RegResult::Success)
+            platform.registry().valueNames(k, out);
+        return out;
+    }
+    using Names = std::vector<std::string>;
+};
+
+} // namespace
+
+TEST_F(CleanITTest, EachSchemeKeepsItsDocumentedQuirks) {
+    clean.CleanTypedURLs(); // stops at the gap: url4 stays
+    EXPECT_EQ(names("Software\\Microsoft\\Internet Explorer\\TypedURLs"), Names{"url4"});
+    clean.CleanMediaPlayer(); // starts at File0, which is missing: File1 stays
+    EXPECT_EQ(names("Software\\Microsoft\\MediaPlayer\\Player\\RecentFileList"), Names{"File1"});
+    clean.CleanPaint(); // File1 present: the whole range goes, gap or not
+    EXPECT_EQ(names(Applets + "Paint\\Recent File List"), Names{});
+    clean.CleanWordPad(); // File1 missing: only File1 is tried, File2 stays
+    EXPECT_EQ(names(Applets + "Wordpad\\Recent File List"), Names{"File2"});
+    clean.CleanRunMRU(); // only the letters of MRUList
+    EXPECT_EQ(names(Explorer + "RunMRU"), Names{"c"});
+    clean.CleanWinZipExtract(); // extract2 is no string: read as empty, deleted, and the walk stops
+    EXPECT_EQ(names("Software\\Nico Mak Computing\\WinZip\\extract"), Names{"extract3"});
+    EXPECT_TRUE(problems.items.empty());
+    EXPECT_TRUE(prompts.told.empty());
+}
+
+TEST_F(CleanITTest, DoEmAllCleansEveryListAndChangesNothingElse) {
+    const std::string trash = data.str() + "/Trash";
+    testsupport::ScratchDir outside;
+    const fs::path precious = outside.write("precious.txt", "keep me");
+    fs::create_directories(trash + "/files");
+    fs::create_directories(trash + "/info");
+    std::ofstream(trash + "/files/old.txt") << "0123456789";
+    std::ofstream(trash + "/info/old.txt.trashinfo") << "[Trash Info]\nPath=/home/u/old%20file.txt\n";
+    fs::create_symlink(precious, trash + "/files/link");
+
+    const CleanPreview preview = CleanIT::Preview(platform);
+    EXPECT_EQ(testsupport::readFile(hive), testsupport::HiveHeader + everyList()); // the preview changes nothing
+    ASSERT_EQ(preview.trash.size(), 2u);
+    EXPECT_TRUE(prompts.asked.empty());
+
+    clean.CleanMruItem("Do Em All");
+    for (const std::string& key :
+         {Explorer + "Doc Find Spec MRU", Explorer + "FindComputerMRU", Applets + "Paint\\Recent File List",
+          std::string("Software\\Nico Mak Computing\\WinZip\\filemenu")})
+        EXPECT_EQ(names(key), Names{}) << key;
+    EXPECT_EQ(names(Explorer + "RecentDocs"), Names{"z"});
+    EXPECT_EQ(names(Explorer + "RunMRU"), Names{"c"});
+    ASSERT_EQ(prompts.asked.size(), 1u);
+    EXPECT_EQ(prompts.asked[0], "Empty Recycle Bin: Are you sure you want to permanently delete these 2 items (10 bytes)?");
+    EXPECT_TRUE(fs::is_empty(trash + "/files"));
+    EXPECT_TRUE(fs::is_empty(trash + "/info"));
+    EXPECT_EQ(testsupport::readFile(precious), "keep me");
+
+    // What the preview listed is exactly what went.
+    std::string expected = testsupport::HiveHeader + everyList();
+    for (const auto& value : preview.values) {
+        std::string key;
+        for (char c : value.key)
+            key += c == '\\' ? std::string("\\\\") : std::string(1, c);
+        const std::size_t sectionAt = expected.find("[" + key + "]");
+        ASSERT_NE(sectionAt, std::string::npos) << value.key;
+        const std::size_t at = expected.find("\n\"" + value.name + "\"=", sectionAt);
+        ASSERT_NE(at, std::string::npos) << value.name;
+        expected.erase(at, expected.find('\n', at + 1) - at);
+    }
+    std::string after = testsupport::readFile(hive);
+    for (std::string* text : {&expected, &after}) // the changed keys' time stamps
+        *text = std::regex_replace(*text, std::regex("\\] [0-9]+\n#time=[0-9a-f]+\n"), "] STAMP\n");
+    EXPECT_EQ(after, expected);
+    EXPECT_NE(testsupport::readFile(hive).find(section("Software\\Wine\\Fonts", {"\"LogPixels\"=dword:00000060"})),
+              std::string::npos);
+}
+
+TEST_F(CleanITTest, ChooserTextIsComparedExactlyElseTheNoChoiceMessageIsShown) {
+    const std::string before = testsupport::readFile(hive);
+    for (const char* text : {"ie typed url's", "Please Choose Item to Clean", "IE Typed URL's ", ""})
+        clean.CleanMruItem(text);
+    EXPECT_EQ(testsupport::readFile(hive), before);
+    ASSERT_EQ(prompts.told.size(), 4u);
+    EXPECT_EQ(prompts.told[0], "Tavi Message|0|You must make a choice from the combobox pull down list. If you "
+                               "continue having trouble,please contact Tavi support.");
+    clean.CleanMruItem("IE Typed URL's");
+    EXPECT_EQ(names("Software\\Microsoft\\Internet Explorer\\TypedURLs"), Names{"url4"});
+    EXPECT_EQ(prompts.told.size(), 4u);
+}
+
+TEST_F(CleanITTest, AHiveInUseByARunningWineserverIsLeftAlone) {
+    const std::string before = testsupport::readFile(hive);
+    const std::string serverDir = platform.hive().serverDirectory();
+    fs::create_directories(serverDir);
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t server = ::fork();
+    if (server == 0) {
+        const int fd = ::open((serverDir + "/lock").c_str(), O_RDWR | O_CREAT, 0600);
+        struct flock lock {};
+        lock.l_type = F_WRLCK;
+        (void)!::fcntl(fd, F_SETLK, &lock);
+        (void)!::write(ready[1], "y", 1);
+        ::pause();
+        ::_exit(0);
+    }
+    char c = 0;
+    ASSERT_EQ(::read(ready[0], &c, 1), 1);
+    clean.CleanMruItem("Do Em All");
+    ::kill(server, SIGKILL);
+    ::waitpid(server, nullptr, 0);
+    ::close(ready[0]);
+    ::close(ready[1]);
+
+    EXPECT_EQ(testsupport::readFile(hive), before);
+    // Each value that would have gone is named, so the command line can exit with 1.
+    EXPECT_FALSE(problems.items.empty());
+    EXPECT_NE(std::find(problems.items.begin(), problems.items.end(),
+                        "HKEY_CURRENT_USER\\Software\\Microsoft\\Internet Explorer\\TypedURLs\\url1"),
+              problems.items.end());
+}
+
+TEST_F(CleanITTest, RegistryModuleReadsAndWritesStrings) {
+    const std::string shell = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+    EXPECT_EQ(GetRegString(platform.registry(), CurrentUserRoot, shell, "Cache"), "");
+    EXPECT_EQ(SetRegString(platform.registry(), CurrentUserRoot, shell, "Cache",
+                           "C:\\users\\tavi\\Temporary Internet Files"),
+              platform::RegResult::Success);
+    EXPECT_EQ(GetRegString(platform.registry(), CurrentUserRoot, shell, "cache"),
+              "C:\\users\\tavi\\Temporary Internet Files");
+    // Only strings are read: a DWORD reads as nothing.
+    EXPECT_EQ(GetRegString(platform.registry(), CurrentUserRoot, "Software\\Wine\\Fonts", "LogPixels"), "");
+    EXPECT_EQ(clean.ReadRegString(CurrentUserRoot, "Software\\Wine\\Fonts", "LogPixels"), "");
+    EXPECT_EQ(clean.ReadRegString(CurrentUserRoot, Explorer + "RunMRU", "MRUList"), "ba");
+}
+
+TEST(RecycleBinQuestion, NamesCountAndSize) {
+    EXPECT_EQ(RecycleBinQuestion(1, 1), "Are you sure you want to permanently delete this item (1 byte)?");
+    EXPECT_EQ(RecycleBinQuestion(1234, 5678901),
+              "Are you sure you want to permanently delete these 1" + core::thousandsSeparator() +
+                  "234 items (5" + core::thousandsSeparator() + "678" + core::thousandsSeparator() + "901 bytes)?");
+}
+
+TEST_F(CleanITTest, RecycleBinRootAndFlagsAreMadeAsTheShellWantsThem) {
+    RecordedBin bin;
+    platform.useBin(&bin);
+    clean.EmptyRecycleBin("D", false, false, false);
+    clean.EmptyRecycleBin("D:", true, false, false);
+    clean.EmptyRecycleBin("E:\\", false, true, true);
+    clean.EmptyRecycleBin("", true, true, true);
+    clean.EmptyRecycleBin("/media/usb", false, false, true);
+    clean.CleanMruItem("Recycle Bin");
+    EXPECT_EQ(bin.calls, (std::vector<std::string>{"D:\\|0", "D:\\|1", "E:\\|6", "|7", "/media/usb|4", "|0"}));
+}

@@ -1,0 +1,177 @@
+// The freedesktop.org Trash and recently-used.xbel: real trash folders in a scratch data home and
+// at the top of scratch "mounts" (and of a real tmpfs where this machine allows mounting).
+
+#include "platform/linux/LinuxRecycleBin.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <glib.h>
+#include <cstring>
+#include <fstream>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using platform::EmptyFlags::NoConfirmation;
+using platform::EmptyFlags::NoProgressUi;
+using platform::linux::LinuxRecycleBin;
+
+namespace {
+
+const std::string Uid = std::to_string(::getuid());
+
+struct RecordedUi final : platform::RecycleBinUi {
+    bool answer = true;
+    std::vector<std::string> asked;
+    std::vector<std::size_t> progressDone;
+    bool confirmEmpty(std::size_t items, std::uint64_t bytes) override {
+        asked.push_back(std::to_string(items) + " items, " + std::to_string(bytes) + " bytes");
+        return answer;
+    }
+    void progress(std::size_t done, std::size_t) override { progressDone.push_back(done); }
+};
+
+/// Puts `name` with `content` in the trash folder `trash` as a desktop would, with its info file.
+void trashFile(const fs::path& trash, const std::string& name, const std::string& content, const std::string& from) {
+    fs::create_directories(trash / "files");
+    fs::create_directories(trash / "info");
+    std::ofstream(trash / "files" / name) << content;
+    std::ofstream(trash / "info" / (name + ".trashinfo"))
+        << "[Trash Info]\nPath=" << from << "\nDeletionDate=2024-01-02T03:04:05\n";
+}
+
+platform::linux::Environment environment(const fs::path& dataHome) {
+    platform::linux::Environment env;
+    env.dataHome = dataHome.string();
+    env.winePrefix = (dataHome / "no-prefix").string();
+    return env;
+}
+
+std::size_t entries(const fs::path& dir) {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(dir), fs::directory_iterator()));
+}
+
+} // namespace
+
+TEST(RecycleBin, EmptiesHomeAndPerMountTrashAfterAskingAndNeverFollowsALinkOut) {
+    testsupport::ScratchDir data, top, outside;
+    const fs::path home = data.path() / "Trash";
+    trashFile(home, "report.txt", "12345", "/home/u/report%20v2.txt");
+    // A folder trashed read-only, with a link inside pointing out of the trash.
+    fs::create_directories(home / "files/folder/sub");
+    std::ofstream(home / "files/folder/sub/a.bin") << "abcdefgh";
+    const fs::path precious = outside.write("precious.txt", "keep me");
+    fs::create_symlink(precious, home / "files/folder/sub/escape");
+    fs::create_symlink(outside.path(), home / "files/dirlink");
+    fs::permissions(home / "files/folder/sub", fs::perms::owner_read | fs::perms::owner_exec);
+    std::ofstream(home / "info/gone.txt.trashinfo") << "[Trash Info]\nPath=/gone.txt\n";
+    std::ofstream(home / "directorysizes") << "8 1700000000 folder\n";
+
+    trashFile(top.path() / (".Trash-" + Uid), "photo.jpg", "xyz", "pictures/photo.jpg");
+    fs::create_directories(top.path() / ".Trash");
+    fs::permissions(top.path() / ".Trash", fs::perms::all | fs::perms::sticky_bit);
+    trashFile(top.path() / ".Trash" / Uid, "shared.txt", "s", "shared.txt");
+
+    LinuxRecycleBin bin(environment(data.path()), {top.str()});
+    const auto items = bin.items("");
+    ASSERT_EQ(items.size(), 5u);
+    bool sawOriginal = false;
+    for (const auto& item : items)
+        if (item.path == (home / "files/report.txt").string()) {
+            EXPECT_EQ(item.originalPath, "/home/u/report v2.txt");
+            EXPECT_EQ(item.bytes, 5u);
+            sawOriginal = true;
+        } else if (item.path.find("photo.jpg") != std::string::npos) {
+            EXPECT_EQ(item.originalPath, top.str() + "/pictures/photo.jpg");
+        }
+    EXPECT_TRUE(sawOriginal);
+
+    RecordedUi ui;
+    ui.answer = false;
+    EXPECT_FALSE(bin.empty("", 0, ui));
+    EXPECT_EQ(ui.asked, std::vector<std::string>{"5 items, 17 bytes"});
+    EXPECT_EQ(bin.items("").size(), 5u); // "no" keeps everything
+
+    ui.answer = true;
+    EXPECT_TRUE(bin.empty("", 0, ui));
+    EXPECT_EQ(ui.progressDone, (std::vector<std::size_t>{1, 2, 3, 4, 5}));
+    EXPECT_EQ(entries(home / "files"), 0u);
+    EXPECT_EQ(entries(home / "info"), 0u);
+    EXPECT_FALSE(fs::exists(home / "directorysizes"));
+    EXPECT_EQ(entries(top.path() / (".Trash-" + Uid) / "files"), 0u);
+    EXPECT_EQ(entries(top.path() / ".Trash" / Uid / "files"), 0u);
+    EXPECT_EQ(testsupport::readFile(precious), "keep me");
+    EXPECT_TRUE(fs::exists(outside.path()));
+
+    // An empty bin asks nothing.
+    RecordedUi again;
+    EXPECT_TRUE(bin.empty("", 0, again));
+    EXPECT_TRUE(again.asked.empty());
+}
+
+TEST(RecycleBin, IgnoresSharedTrashWithoutStickyBitAndTrashThatIsALink) {
+    testsupport::ScratchDir data, top, elsewhere;
+    trashFile(top.path() / ".Trash" / Uid, "unsafe.txt", "u", "unsafe.txt");
+    fs::permissions(top.path() / ".Trash", fs::perms::owner_all); // no sticky bit: not to be trusted
+    trashFile(elsewhere.path(), "victim.txt", "v", "/victim.txt");
+    fs::create_symlink(elsewhere.path(), data.path() / "Trash");
+
+    LinuxRecycleBin bin(environment(data.path()), {top.str()});
+    EXPECT_TRUE(bin.items("").empty());
+    RecordedUi ui;
+    EXPECT_TRUE(bin.empty("", NoConfirmation | NoProgressUi, ui));
+    EXPECT_TRUE(fs::exists(top.path() / ".Trash" / Uid / "files/unsafe.txt"));
+    EXPECT_TRUE(fs::exists(elsewhere.path() / "files/victim.txt"));
+}
+
+TEST(RecycleBin, ARootNamesOneFilesystem) {
+    testsupport::ScratchDir data, mnt;
+    if (::mount("tmpfs", mnt.str().c_str(), "tmpfs", 0, "size=4m") != 0)
+        GTEST_SKIP() << "mounting a tmpfs is not allowed here: " << std::strerror(errno);
+    trashFile(data.path() / "Trash", "home.txt", "h", "/home.txt");
+    trashFile(mnt.path() / (".Trash-" + Uid), "stick.txt", "s", "stick.txt");
+
+    LinuxRecycleBin bin(environment(data.path()), {mnt.str()});
+    EXPECT_EQ(bin.trashFolders(mnt.str() + "/"), std::vector<std::string>{mnt.str() + "/.Trash-" + Uid});
+    RecordedUi ui;
+    EXPECT_TRUE(bin.empty(mnt.str(), NoConfirmation, ui));
+    EXPECT_TRUE(ui.asked.empty());
+    EXPECT_FALSE(fs::exists(mnt.path() / (".Trash-" + Uid) / "files/stick.txt"));
+    EXPECT_TRUE(fs::exists(data.path() / "Trash/files/home.txt"));
+    EXPECT_TRUE(bin.trashFolders(mnt.str() + "/missing").empty());
+    ::umount2(mnt.str().c_str(), MNT_DETACH);
+}
+
+TEST(RecycleBin, RecentDocumentsAreEmptiedAndTheFileStaysValidForGLib) {
+    testsupport::ScratchDir data;
+    const std::string path = data.str() + "/recently-used.xbel";
+    LinuxRecycleBin bin(environment(data.path()), std::vector<std::string>{});
+    EXPECT_TRUE(bin.clearRecentDocuments()); // no file, nothing to clear, nothing created
+    EXPECT_FALSE(fs::exists(path));
+
+    GBookmarkFile* file = g_bookmark_file_new();
+    g_bookmark_file_add_application(file, "file:///home/u/secret%20plan.odt", "writer", "writer %u");
+    g_bookmark_file_add_application(file, "file:///home/u/diary.txt", "editor", "editor %u");
+    ASSERT_TRUE(g_bookmark_file_to_file(file, path.c_str(), nullptr));
+    g_bookmark_file_free(file);
+    ::chmod(path.c_str(), 0600);
+
+    EXPECT_EQ(bin.recentDocuments(),
+              (std::vector<std::string>{"file:///home/u/secret%20plan.odt", "file:///home/u/diary.txt"}));
+    EXPECT_TRUE(bin.clearRecentDocuments());
+    EXPECT_TRUE(bin.recentDocuments().empty());
+    EXPECT_EQ(testsupport::readFile(path).find("secret"), std::string::npos);
+
+    GBookmarkFile* reread = g_bookmark_file_new();
+    GError* error = nullptr;
+    EXPECT_TRUE(g_bookmark_file_load_from_file(reread, path.c_str(), &error)) << (error ? error->message : "");
+    EXPECT_EQ(g_bookmark_file_get_size(reread), 0);
+    g_bookmark_file_free(reread);
+    if (error)
+        g_error_free(error);
+    struct stat st {};
+    ASSERT_EQ(::stat(path.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0600u);
+}
