@@ -1,0 +1,157 @@
+// The button's behaviour: which events and paints follow each input, in order.
+
+#include "controls/ggcommand/ButtonStateMachine.h"
+
+#include <gtest/gtest.h>
+
+using namespace ggcommand;
+
+namespace {
+
+const MouseArgs Left{1, 0, 10, 5};
+const MouseArgs Right{2, 0, 10, 5};
+const MouseArgs Away{0, 0, -20, 5};
+
+std::vector<Step::Kind> kinds(const std::vector<Step>& steps) {
+    std::vector<Step::Kind> out;
+    for (const auto& step : steps)
+        out.push_back(step.kind);
+    return out;
+}
+
+std::vector<Step::Kind> eventsOnly(const std::vector<std::vector<Step>>& batches) {
+    std::vector<Step::Kind> out;
+    for (const auto& steps : batches)
+        for (const auto& step : steps)
+            if (step.isEvent())
+                out.push_back(step.kind);
+    return out;
+}
+
+} // namespace
+
+TEST(ButtonStateMachine, EnteringCreatesTheTipAndTheHoverLookOnce) {
+    ButtonStateMachine machine;
+    BehaviourOptions options;
+    options.hasToolTip = true;
+    const auto enter = machine.move(Left, true, options);
+    EXPECT_EQ(kinds(enter), (std::vector<Step::Kind>{Step::CreateToolTip, Step::MouseEnter, Step::PaintFace,
+                                                     Step::DrawFrame, Step::MouseMove}));
+    EXPECT_EQ(enter[2].look, CaptionLook::Hover);
+    EXPECT_EQ(enter[3].frameState, 1);
+    EXPECT_TRUE(machine.hovering());
+    EXPECT_TRUE(machine.captured());
+    EXPECT_EQ(kinds(machine.move(Left, true, options)), (std::vector<Step::Kind>{Step::MouseMove}));
+
+    const auto leave = machine.move(Away, false, options);
+    EXPECT_EQ(kinds(leave), (std::vector<Step::Kind>{Step::MouseExit, Step::DestroyToolTip, Step::PaintFace,
+                                                     Step::DrawFrame, Step::MouseMove}));
+    EXPECT_EQ(leave[2].look, CaptionLook::Normal);
+    EXPECT_EQ(leave[3].frameState, 0);
+    EXPECT_EQ(leave[4].args, Away);
+    EXPECT_FALSE(machine.hovering());
+    EXPECT_FALSE(machine.captured());
+}
+
+TEST(ButtonStateMachine, NoTipWithoutTextAndNoHoverLookWhenSwitchedOff) {
+    ButtonStateMachine machine;
+    BehaviourOptions options;
+    options.useHoverProperties = false;
+    EXPECT_EQ(kinds(machine.move(Left, true, options)),
+              (std::vector<Step::Kind>{Step::MouseEnter, Step::DrawFrame, Step::MouseMove}));
+}
+
+TEST(ButtonStateMachine, PressThatLeavesRaisesNoClick) {
+    ButtonStateMachine machine;
+    const BehaviourOptions options;
+    const auto events = eventsOnly({machine.move(Left, true, options), machine.press(Left, options),
+                                    machine.move(Away, false, options), machine.release(Left, options)});
+    EXPECT_EQ(events, (std::vector<Step::Kind>{Step::MouseEnter, Step::MouseMove, Step::MouseDown, Step::MouseExit,
+                                               Step::MouseMove, Step::MouseUp}));
+    EXPECT_FALSE(machine.pressed());
+}
+
+TEST(ButtonStateMachine, ClickComesBeforeMouseUpAndRestoresTheHoverFace) {
+    ButtonStateMachine machine;
+    const BehaviourOptions options;
+    machine.move(Left, true, options);
+    const auto press = machine.press(Left, options);
+    ASSERT_EQ(kinds(press), (std::vector<Step::Kind>{Step::MouseDown, Step::PaintFace, Step::DrawFrame}));
+    EXPECT_TRUE(press[1].inverse);
+    EXPECT_EQ(press[1].look, CaptionLook::Hover);
+    EXPECT_EQ(press[2].frameState, 2);
+
+    const auto release = machine.release(Left, options);
+    ASSERT_EQ(kinds(release), (std::vector<Step::Kind>{Step::Click, Step::MouseUp, Step::PaintFace, Step::DrawFrame}));
+    EXPECT_FALSE(release[2].inverse);
+    EXPECT_EQ(release[3].frameState, 1);
+    EXPECT_TRUE(machine.captured());
+}
+
+TEST(ButtonStateMachine, InverseOnlyWithGradientAndInverseOnPress) {
+    for (const auto& [gradient, inverse] : {std::pair{false, true}, {true, false}, {false, false}}) {
+        ButtonStateMachine machine;
+        BehaviourOptions options;
+        options.useGradientFill = gradient;
+        options.gradientInverseOnPress = inverse;
+        EXPECT_FALSE(machine.press(Left, options)[1].inverse);
+    }
+}
+
+TEST(ButtonStateMachine, OtherButtonsOnlyReport) {
+    ButtonStateMachine machine;
+    const BehaviourOptions options;
+    machine.move(Left, true, options);
+    EXPECT_EQ(kinds(machine.press(Right, options)), (std::vector<Step::Kind>{Step::MouseDown}));
+    EXPECT_EQ(kinds(machine.release(Right, options)), (std::vector<Step::Kind>{Step::MouseUp}));
+    // A left release without a left press raises no Click either.
+    EXPECT_EQ(eventsOnly({machine.release(Left, options)}), (std::vector<Step::Kind>{Step::MouseUp}));
+}
+
+TEST(ButtonStateMachine, DontReleaseCaptureKeepsTheHover) {
+    ButtonStateMachine machine;
+    BehaviourOptions options;
+    options.dontReleaseCapture = true;
+    machine.move(Left, true, options);
+    machine.press(Left, options);
+    EXPECT_EQ(kinds(machine.move(Away, false, options)), (std::vector<Step::Kind>{Step::MouseMove}));
+    EXPECT_TRUE(machine.hovering());
+    EXPECT_EQ(eventsOnly({machine.release(Left, options)}), (std::vector<Step::Kind>{Step::Click, Step::MouseUp}));
+}
+
+TEST(ButtonStateMachine, DoubleClickAndValue) {
+    ButtonStateMachine machine;
+    EXPECT_EQ(kinds(machine.doubleClick()), (std::vector<Step::Kind>{Step::DblClick}));
+    EXPECT_EQ(kinds(machine.setValue(true)), (std::vector<Step::Kind>{Step::Click}));
+    EXPECT_TRUE(machine.setValue(false).empty());
+}
+
+TEST(ButtonStateMachine, FocusFlashesUnlessSkipped) {
+    ButtonStateMachine machine;
+    const auto flash = machine.focusIn();
+    ASSERT_EQ(flash.size(), 2u);
+    EXPECT_EQ(flash[0].frameState, 1);
+    EXPECT_EQ(flash[1].frameState, 0);
+    machine.armFocusSkip();
+    EXPECT_TRUE(machine.focusIn().empty());
+    EXPECT_EQ(machine.focusIn().size(), 2u); // the skip is used up
+    EXPECT_EQ(machine.focusOut()[0].frameState, 0);
+}
+
+TEST(ButtonStateMachine, ResizeRepaintsNormallyAndKeepsTheLastFrame) {
+    ButtonStateMachine machine;
+    EXPECT_EQ(kinds(machine.resized()), (std::vector<Step::Kind>{Step::PaintFace}));
+    machine.move(Left, true, {});
+    const auto steps = machine.resized();
+    ASSERT_EQ(kinds(steps), (std::vector<Step::Kind>{Step::PaintFace, Step::DrawFrame}));
+    EXPECT_EQ(steps[1].frameState, 1);
+}
+
+TEST(ButtonStateMachine, InsideMeansOnTheFaceAndUncovered) {
+    EXPECT_TRUE(ButtonStateMachine::isInside(0, 0, 100, 30, true));
+    EXPECT_TRUE(ButtonStateMachine::isInside(99.4f, 29.4f, 100, 30, true));
+    EXPECT_FALSE(ButtonStateMachine::isInside(99.5f, 10, 100, 30, true)); // rounds to 100
+    EXPECT_TRUE(ButtonStateMachine::isInside(-0.5f, 10, 100, 30, true));  // rounds to 0
+    EXPECT_FALSE(ButtonStateMachine::isInside(-0.6f, 10, 100, 30, true));
+    EXPECT_FALSE(ButtonStateMachine::isInside(50, 10, 100, 30, false));   // another window on top
+}

@@ -1,0 +1,239 @@
+// The button widget driven like a user would: real mouse events on the offscreen platform,
+// events checked in the order the holding window sees them, the face checked by its pixels.
+
+#include "controls/ggcommand/Design.h"
+#include "controls/ggcommand/GGCommand.h"
+#include "controls/ggcommand/ToolTipWindow.h"
+#include "tests/support/QtTestMain.h"
+#include "tests/support/Scratch.h"
+
+#include <QDir>
+#include <QSignalSpy>
+#include <QStringList>
+#include <QTest>
+
+using ggcommand::GGCommand;
+
+namespace {
+
+// Records the button's events by name, in the order they are raised.
+class EventLog : public QObject {
+public:
+    explicit EventLog(GGCommand& button) {
+        connect(&button, &GGCommand::Click, this, [this] { m_names << "Click"; });
+        connect(&button, &GGCommand::DblClick, this, [this] { m_names << "DblClick"; });
+        connect(&button, &GGCommand::MouseEnter, this, [this] { m_names << "MouseEnter"; });
+        connect(&button, &GGCommand::MouseExit, this, [this] { m_names << "MouseExit"; });
+        connect(&button, &GGCommand::MouseDown, this, [this](int, int, float, float) { m_names << "MouseDown"; });
+        connect(&button, &GGCommand::MouseUp, this, [this](int, int, float, float) { m_names << "MouseUp"; });
+    }
+    const QStringList& names() const { return m_names; }
+
+private:
+    QStringList m_names;
+};
+
+QColor pixel(const QImage& image, int x, int y) {
+    return image.pixelColor(x, y);
+}
+
+} // namespace
+
+class GGCommandWidgetTest : public QObject {
+    Q_OBJECT
+
+    QWidget* m_window = nullptr;
+    GGCommand* m_button = nullptr;
+
+private slots:
+    void init() {
+        m_window = new QWidget;
+        m_window->setObjectName("TestWindow");
+        m_window->resize(300, 200);
+        m_button = new GGCommand(m_window);
+        m_button->setObjectName("GGCommand3");
+        m_button->setGeometry(20, 20, 160, 30);
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window));
+        QTest::mouseMove(m_window, QPoint(5, 190)); // start away from the button
+    }
+
+    void cleanup() {
+        delete m_window;
+        m_window = nullptr;
+    }
+
+    void pressLeavingTheButtonRaisesNoClick() {
+        EventLog log(*m_button);
+        QTest::mouseMove(m_button, QPoint(80, 15));
+        QTest::mousePress(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        QTest::mouseMove(m_button, QPoint(80, 80));
+        QTest::mouseRelease(m_button, Qt::LeftButton, {}, QPoint(80, 80));
+        const QStringList names = log.names();
+        QVERIFY2(!names.contains("Click"), qPrintable(names.join(' ')));
+        const auto down = names.indexOf("MouseDown"), exit = names.indexOf("MouseExit"), up = names.indexOf("MouseUp");
+        QVERIFY2(down >= 0 && exit > down && up > exit, qPrintable(names.join(' ')));
+    }
+
+    void clickInsideRaisesClickBeforeMouseUp() {
+        EventLog log(*m_button);
+        QTest::mouseMove(m_button, QPoint(80, 15));
+        QTest::mouseClick(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        QCOMPARE(log.names().join(" "), QString("MouseEnter MouseDown Click MouseUp"));
+        QTest::mouseDClick(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        QCOMPARE(log.names().mid(4).count("DblClick"), 1);
+        QVERIFY(!log.names().mid(4).contains("Click"));
+    }
+
+    void keysNeverClick() {
+        QSignalSpy clicks(m_button, &GGCommand::Click);
+        m_button->setFocus();
+        QTest::keyClick(m_button, Qt::Key_Space);
+        QTest::keyClick(m_button, Qt::Key_Return);
+        QCOMPARE(clicks.count(), 0);
+    }
+
+    void valueTrueRaisesClick() {
+        QSignalSpy clicks(m_button, &GGCommand::Click);
+        m_button->setValue(false);
+        QCOMPARE(clicks.count(), 0);
+        m_button->setValue(true);
+        QCOMPARE(clicks.count(), 1);
+        QVERIFY(m_button->setProperty("Value", true));
+        QCOMPARE(clicks.count(), 2);
+    }
+
+    void dontReleaseCaptureKeepsTheHover() {
+        EventLog log(*m_button);
+        m_button->setDontReleaseCapture(true);
+        QTest::mousePress(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        QTest::mouseMove(m_button, QPoint(80, 80));
+        QTest::mouseRelease(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        QVERIFY(!log.names().contains("MouseExit"));
+        QVERIFY(log.names().contains("Click"));
+    }
+
+    void captionDefaultsToTheObjectNameAndWideCaptionsGoNegative() {
+        QCOMPARE(m_button->caption(), QString("GGCommand3"));
+        m_button->setCaptionAlignment(8);
+        m_button->setCaption("A caption far wider than this small button could ever hold");
+        QVERIFY(m_button->captionPosition().x < 0);
+        // An alignment off the grid keeps the last place.
+        const auto before = m_button->captionPosition();
+        m_button->setCaptionAlignment(9);
+        QCOMPARE(m_button->captionPosition(), before);
+    }
+
+    void gradientOnlyForOrientationsZeroAndOne() {
+        m_button->setBackColor(0x0000FF); // red background
+        m_button->setGradientFromColor(0xFFFFFF);
+        m_button->setGradientToColor(0x000000);
+        m_button->setCaption("");
+        QImage face = m_button->grab().toImage();
+        QVERIFY(pixel(face, 80, 3).lightness() > pixel(face, 80, 26).lightness() + 100);
+
+        m_button->setGradientOrientation(1);
+        face = m_button->grab().toImage();
+        QVERIFY(pixel(face, 5, 15).lightness() > pixel(face, 150, 15).lightness() + 100);
+
+        m_button->setGradientOrientation(2);
+        face = m_button->grab().toImage();
+        for (const QPoint at : {QPoint(5, 5), QPoint(80, 15), QPoint(150, 25)})
+            QCOMPARE(pixel(face, at.x(), at.y()), QColor(255, 0, 0));
+
+        m_button->setGradientOrientation(0);
+        m_button->setUseGradientFill(false);
+        face = m_button->grab().toImage();
+        QCOMPARE(pixel(face, 80, 3), QColor(255, 0, 0));
+    }
+
+    void pressSwapsTheGradientAndDisabledLooksTheSame() {
+        m_button->setCaption("");
+        const QImage normal = m_button->grab().toImage();
+        QTest::mousePress(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        const QImage pressed = m_button->grab().toImage();
+        QVERIFY(pixel(pressed, 80, 3).lightness() < pixel(normal, 80, 3).lightness());
+        QTest::mouseRelease(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        QCOMPARE(pixel(m_button->grab().toImage(), 80, 3), pixel(normal, 80, 3));
+
+        const QImage enabled = m_button->grab().toImage();
+        m_button->setButtonEnabled(false);
+        QCOMPARE(m_button->grab().toImage(), enabled);
+    }
+
+    void tooltipLivesFromEnterToExit() {
+        QTest::mouseMove(m_button, QPoint(80, 15));
+        QVERIFY(!m_button->toolTipWindow()); // no text, no tip
+        QTest::mouseMove(m_button, QPoint(80, 80));
+
+        m_button->setToolTipText("Wipes the cache");
+        m_button->setToolTipIcon(2);
+        QTest::mouseMove(m_button, QPoint(80, 15));
+        QVERIFY(m_button->toolTipWindow());
+        QVERIFY(m_button->toolTipWindow()->hasTitle()); // icon without a title still makes one
+        m_button->setToolTipText("Wipes the cache now");
+        QCOMPARE(m_button->toolTipWindow()->look().text, QString("Wipes the cache now"));
+        QTest::mouseMove(m_button, QPoint(80, 80));
+        QVERIFY(!m_button->toolTipWindow());
+    }
+
+    void designRoundTripLeavesOutDefaults() {
+        m_button->setCaption("Wipe Cache");
+        m_button->setCaptionAlignment(3);
+        m_button->setGradientFromColor(0x00FFFFFF);
+        m_button->setToolTipCentered(true);
+        const auto bag = ggcommand::saveDesign(*m_button);
+        QStringList keys;
+        for (const auto& entry : bag.entries())
+            keys << QString::fromStdString(entry.first);
+        QCOMPARE(keys, QStringList({"Caption", "CaptionAlignment", "GradientFromColor"}));
+
+        testsupport::ScratchDir dir;
+        const auto file = dir.write("Test.design", ggcommand::designText(*m_window).toStdString());
+        QWidget other;
+        auto* copy = new GGCommand(&other);
+        copy->setObjectName("GGCommand3");
+        copy->setToolTipCentered(true);
+        auto* untouched = new GGCommand(&other);
+        untouched->setObjectName("GGCommand4");
+        QCOMPARE(ggcommand::applyDesign(other, QString::fromStdString(file.string())), 1);
+        QCOMPARE(copy->caption(), QString("Wipe Cache"));
+        QCOMPARE(copy->captionAlignment(), 3);
+        QCOMPARE(copy->gradientFromColor(), 0x00FFFFFFu);
+        QVERIFY(!copy->toolTipCentered());
+        QCOMPARE(untouched->caption(), QString("GGCommand4"));
+    }
+
+    // Not a check: with SCOURMILL_GRAB_DIR set, saves a few looks to PNG for a person to inspect.
+    void grabLooks() {
+        const QString dir = qEnvironmentVariable("SCOURMILL_GRAB_DIR");
+        if (dir.isEmpty())
+            QSKIP("SCOURMILL_GRAB_DIR not set");
+        QWidget window;
+        window.setStyleSheet("background: #d4d0c8");
+        window.resize(560, 260);
+        const QStringList captions{"Show Cache", "Cache/History/Cookies/TempFiles", "Wipe Free Space (safest available)",
+                                   "HELP ON", "Enable AutoClean (currently OFF)", "MemMon"};
+        for (int i = 0; i < captions.size(); ++i) {
+            auto* b = new GGCommand(&window);
+            b->setObjectName(QString("GGCommand%1").arg(i + 1));
+            b->setFont(QFont("MS Sans Serif", 8));
+            b->setCaption(captions[i]);
+            b->setGeometry(10 + (i % 2) * 270, 10 + (i / 2) * 40, 260, 33);
+            b->setBorder3DStyle(i == 4 ? 1 : 0);
+            b->setGradientOrientation(i == 5 ? 1 : 0);
+            b->setAlwaysShowBorder(i == 3);
+        }
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        auto* hovered = window.findChild<GGCommand*>("GGCommand2");
+        QTest::mouseMove(hovered, QPoint(50, 10));
+        auto* pressed = window.findChild<GGCommand*>("GGCommand3");
+        QTest::mousePress(pressed, Qt::LeftButton, {}, QPoint(50, 10));
+        window.grab().save(QDir(dir).filePath("ggcommand-buttons.png"));
+        QTest::mouseRelease(pressed, Qt::LeftButton, {}, QPoint(50, 10));
+    }
+};
+
+SCOURMILL_QTEST_MAIN(GGCommandWidgetTest)
+#include "GGCommandWidgetTest.moc"
