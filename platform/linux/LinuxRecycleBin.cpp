@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxRecycleBin.h"
 
+#include "platform/linux/LinuxShell.h"
 #include "platform/linux/MountTable.h"
 #include "platform/linux/RecentlyUsed.h"
 
@@ -254,7 +255,6 @@ std::vector<TrashItem> LinuxRecycleBin::items(const std::string& root) {
 }
 
 bool LinuxRecycleBin::empty(const std::string& root, unsigned flags, RecycleBinUi& ui) {
-    // The desktop offers no sound of its own to play here, so NoSound changes nothing.
     const std::vector<std::string> folders = trashFolders(root);
     const std::vector<Bin> bins = readBins(folders, std::to_string(::getuid()));
     std::size_t count = 0;
@@ -289,6 +289,10 @@ bool LinuxRecycleBin::empty(const std::string& root, unsigned flags, RecycleBinU
     }
     for (const std::string& folder : folders)
         removeLeftovers(folder);
+    // The desktop's sound for an emptied trash, where its sound player is installed; without one
+    // there is no sound to play and the flag changes nothing.
+    if (count > 0 && !(flags & EmptyFlags::NoSound))
+        spawnDetached("canberra-gtk-play", {"--id=trash-empty", "--description=Trash emptied"});
     return ok;
 }
 

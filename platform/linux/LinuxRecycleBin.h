@@ -4,7 +4,8 @@
 // .Trash is a real folder with the sticky bit, as the Trash specification demands) and
 // .Trash-<uid>. A root names one filesystem: a path on it, or a drive of the Wine prefix ("D:\").
 // Emptying never follows a link: a link in a trash folder is removed, never what it points to,
-// and a folder on another filesystem inside a trash folder is left alone.
+// and a folder on another filesystem inside a trash folder is left alone. The sound flag is
+// honoured with the desktop's "trash-empty" sound where canberra-gtk-play is installed.
 // The recent-documents list is recently-used.xbel in $XDG_DATA_HOME.
 
 #include "platform/RecycleBin.h"

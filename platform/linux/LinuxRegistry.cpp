@@ -42,6 +42,11 @@ bool writeAll(int fd, const std::string& text) {
     return true;
 }
 
+LinuxRegistry::FileStamp stampOf(const struct stat& st) {
+    return {static_cast<unsigned long long>(st.st_dev), static_cast<unsigned long long>(st.st_ino),
+            static_cast<unsigned long long>(st.st_size), st.st_mtim.tv_sec, st.st_mtim.tv_nsec};
+}
+
 std::string joinKey(const std::string& base, const std::string& sub) {
     if (base.empty())
         return sub;
@@ -90,14 +95,11 @@ bool LinuxRegistry::load() {
         m_loaded = false;
         return false;
     }
-    const FileStamp now{static_cast<unsigned long long>(st.st_dev), static_cast<unsigned long long>(st.st_ino),
-                        static_cast<unsigned long long>(st.st_size), st.st_mtim.tv_sec, st.st_mtim.tv_nsec};
-    if (m_loaded && now == m_stamp)
+    if (m_loaded && stampOf(st) == m_stamp)
         return true;
     std::string text;
     m_loaded = readWhole(hivePath(), text, st) && m_hive.parse(std::move(text));
-    m_stamp = {static_cast<unsigned long long>(st.st_dev), static_cast<unsigned long long>(st.st_ino),
-               static_cast<unsigned long long>(st.st_size), st.st_mtim.tv_sec, st.st_mtim.tv_nsec};
+    m_stamp = stampOf(st);
     return m_loaded;
 }
 
@@ -119,8 +121,12 @@ long LinuxRegistry::save() {
         ::fsync(dir);
         ::close(dir);
     }
-    m_loaded = false;
-    load();
+    // The copy in memory is what the file now holds: only its identity needs taking again.
+    struct stat st {};
+    if (::stat(target.c_str(), &st) == 0)
+        m_stamp = stampOf(st);
+    else
+        m_loaded = false;
     return RegResult::Success;
 }
 

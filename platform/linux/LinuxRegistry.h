@@ -36,12 +36,14 @@ public:
     /// Whether a wineserver for this prefix runs now: it holds a write lock on "lock" in its folder.
     bool serverRunning() const;
 
-private:
+    /// What identifies one state of the file: a rewrite or an edit changes it.
     struct FileStamp {
         unsigned long long device = 0, inode = 0, size = 0;
         long long seconds = 0, nanos = 0;
         bool operator==(const FileStamp&) const = default;
     };
+
+private:
 
     std::string hivePath() const { return m_env.winePrefix + "/user.reg"; }
     /// Makes m_hive the file's current content; false when there is no readable hive.
