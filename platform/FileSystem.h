@@ -33,6 +33,9 @@ struct FileInfo {
     bool isLink() const { return attributes & Attr::ReparsePoint; }
 };
 
+/// What a folder listing itself says an entry is, without asking about the entry.
+enum class EntryKind { Unknown, File, Directory, Link, Other };
+
 class FileSystem {
 public:
     virtual ~FileSystem() = default;
@@ -42,6 +45,15 @@ public:
     /// left out. `visit` returns false to stop early. Returns false when `dir` cannot be listed.
     virtual bool list(const std::string& dir, const std::string& pattern,
                       const std::function<bool(const FileInfo&)>& visit) = 0;
+    /// Calls `visit` with the name and kind of each entry of folder `dir`, in the order the system
+    /// enumerates them, "." and ".." left out, without querying any entry: a walk over a large tree
+    /// asks about an entry only when the listing leaves its kind Unknown. Returns false when `dir`
+    /// cannot be listed.
+    virtual bool names(const std::string& dir,
+                       const std::function<bool(const std::string& name, EntryKind kind)>& visit) = 0;
+    /// Whether `name` matches the wildcard `pattern` by the platform's rules, as list() applies
+    /// them ("*" and "*.*" match every name). An empty pattern matches nothing.
+    virtual bool matches(const std::string& name, const std::string& pattern) const = 0;
     /// Facts about `path` itself (a link is described, not followed); empty when it does not exist.
     virtual std::optional<FileInfo> info(const std::string& path) = 0;
     /// Deletes a file or a link (never its target). True when it is gone, also when it was already.

@@ -39,6 +39,9 @@ public:
     /// Opens `path` read-write, creating it when missing (OPEN_ALWAYS), exclusively and without
     /// following a symbolic link. Returns null on failure, with lastError() set.
     virtual std::unique_ptr<RawFile> open(const std::string& path) = 0;
+    /// Opens an existing `path` for reading only, shared with other readers, never creating it and
+    /// never through a symbolic link. Writing through the handle fails. Null on failure.
+    virtual std::unique_ptr<RawFile> openForReading(const std::string& path) = 0;
     /// The calling thread's last OS error code (errno / GetLastError); 0 when none.
     virtual int lastError() const = 0;
     virtual void setLastError(int code) = 0;

@@ -43,24 +43,45 @@ std::string lastComponent(const std::string& path) {
     return slash == std::string::npos ? p : p.substr(slash + 1);
 }
 
+/// Opens a folder for listing without following a link to it.
+DIR* openListing(const std::string& dir) {
+    const int fd = ::open(dir.empty() ? "." : dir.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (fd < 0)
+        return nullptr;
+    DIR* d = ::fdopendir(fd);
+    if (!d)
+        ::close(fd);
+    return d;
+}
+
+EntryKind kindOf(unsigned char type) {
+    switch (type) {
+    case DT_REG:
+        return EntryKind::File;
+    case DT_DIR:
+        return EntryKind::Directory;
+    case DT_LNK:
+        return EntryKind::Link;
+    case DT_UNKNOWN:
+        return EntryKind::Unknown;
+    default:
+        return EntryKind::Other;
+    }
+}
+
 } // namespace
 
 bool LinuxFileSystem::list(const std::string& dir, const std::string& pattern,
                            const std::function<bool(const FileInfo&)>& visit) {
-    const int fd = ::open(dir.empty() ? "." : dir.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (fd < 0)
+    DIR* d = openListing(dir);
+    if (!d)
         return false;
-    DIR* d = ::fdopendir(fd);
-    if (!d) {
-        ::close(fd);
-        return false;
-    }
-    const bool matchAll = pattern.empty() || pattern == "*" || pattern == "*.*";
+    const int fd = ::dirfd(d);
     while (const dirent* e = ::readdir(d)) {
         const std::string name = e->d_name;
         if (name == "." || name == "..")
             continue;
-        if (!matchAll && ::fnmatch(pattern.c_str(), name.c_str(), 0) != 0)
+        if (!pattern.empty() && !matches(name, pattern))
             continue;
         struct stat st {};
         if (::fstatat(fd, e->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0)
@@ -70,6 +91,28 @@ bool LinuxFileSystem::list(const std::string& dir, const std::string& pattern,
     }
     ::closedir(d);
     return true;
+}
+
+bool LinuxFileSystem::names(const std::string& dir,
+                            const std::function<bool(const std::string& name, EntryKind kind)>& visit) {
+    DIR* d = openListing(dir);
+    if (!d)
+        return false;
+    while (const dirent* e = ::readdir(d)) {
+        const char* n = e->d_name;
+        if (n[0] == '.' && (n[1] == 0 || (n[1] == '.' && n[2] == 0)))
+            continue;
+        if (!visit(n, kindOf(e->d_type)))
+            break;
+    }
+    ::closedir(d);
+    return true;
+}
+
+bool LinuxFileSystem::matches(const std::string& name, const std::string& pattern) const {
+    if (pattern.empty())
+        return false;
+    return pattern == "*" || pattern == "*.*" || ::fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
 }
 
 std::optional<FileInfo> LinuxFileSystem::info(const std::string& path) {

@@ -10,6 +10,9 @@ class LinuxFileSystem final : public FileSystem {
 public:
     bool list(const std::string& dir, const std::string& pattern,
               const std::function<bool(const FileInfo&)>& visit) override;
+    bool names(const std::string& dir,
+               const std::function<bool(const std::string& name, EntryKind kind)>& visit) override;
+    bool matches(const std::string& name, const std::string& pattern) const override;
     std::optional<FileInfo> info(const std::string& path) override;
     bool removeFile(const std::string& path) override;
     bool removeDirectory(const std::string& path) override;

@@ -77,6 +77,14 @@ std::unique_ptr<RawFile> LinuxRawFiles::open(const std::string& path) {
     return std::make_unique<LinuxRawFile>(fd);
 }
 
+std::unique_ptr<RawFile> LinuxRawFiles::openForReading(const std::string& path) {
+    // Non-blocking so that a pipe or device named like a record file cannot hang the caller.
+    const int fd = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0)
+        return nullptr;
+    return std::make_unique<LinuxRawFile>(fd);
+}
+
 int LinuxRawFiles::lastError() const {
     return errno;
 }

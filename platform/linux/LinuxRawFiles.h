@@ -9,6 +9,7 @@ namespace platform::linux {
 class LinuxRawFiles final : public RawFiles {
 public:
     std::unique_ptr<RawFile> open(const std::string& path) override;
+    std::unique_ptr<RawFile> openForReading(const std::string& path) override;
     int lastError() const override;
     void setLastError(int code) override;
     std::string errorText(int code) const override;
