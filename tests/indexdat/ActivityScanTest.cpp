@@ -1,0 +1,186 @@
+// The activity scan against the loop it replaces: a literal transcription of the byte-by-byte loop
+// (three probes a position, the end-of-file flag read at the top of each round) is the reference,
+// on hand-made files, on random files and across the scan's buffer boundaries; and against an
+// independent parser of the real format (msiecfexport).
+
+#include "indexdat/ActivityScan.h"
+#include "platform/Platform.h"
+#include "tests/indexdat/RecordFile.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+#include <random>
+#include <set>
+
+using testsupport::ScratchDir;
+using namespace std::string_literals;
+
+namespace {
+
+/// The documented loop, read for read. EOF reflects the last read of the round: it is set by a
+/// read that ran past the end and cleared by a complete one; an empty file is at its end at once.
+std::vector<std::string> referenceScan(const std::string& data) {
+    std::vector<std::string> out;
+    const std::size_t length = data.size();
+    bool eof = length == 0;
+    std::size_t p = 0;
+    auto probe = [&](std::size_t count, const char* marker) {
+        eof = p + count > length;
+        return !eof && std::memcmp(data.data() + p, marker, count) == 0;
+    };
+    auto entry = [&] {
+        eof = p + 150 > length;
+        const std::string bytes = data.substr(p, 150); // zero-filled beyond the end
+        out.push_back(bytes.substr(0, bytes.find('\0')));
+    };
+    while (!eof) {
+        if (probe(7, "http://"))
+            entry();
+        if (probe(6, "ftp://"))
+            entry();
+        if (probe(7, "Cookie:"))
+            entry();
+        ++p;
+    }
+    return out;
+}
+
+class ActivityScanTest : public ::testing::Test {
+protected:
+    std::unique_ptr<platform::Platform> p = platform::createNative();
+    ScratchDir dir;
+
+    std::vector<std::string> scanned(const std::string& content) {
+        const auto path = dir.write("index.dat", content);
+        std::vector<std::string> out;
+        EXPECT_TRUE(indexdat::ActivityScan(p->rawFiles()).scan(path.string(), [&](std::string_view e) {
+            out.emplace_back(e);
+            return true;
+        }));
+        return out;
+    }
+};
+
+using Entries = std::vector<std::string>;
+
+} // namespace
+
+TEST_F(ActivityScanTest, EndOfFileRulesOfTheLoop) {
+    // The last position probed is six bytes before the end: only "ftp://" fits there.
+    EXPECT_EQ(scanned("xxhttp://"), Entries{"http://"});
+    EXPECT_EQ(scanned("xxftp://"), Entries{"ftp://"});
+    EXPECT_EQ(scanned("ftp://"), Entries{"ftp://"});
+    EXPECT_EQ(scanned("xxhttp:/"), Entries{});
+    EXPECT_EQ(scanned("xxCookie"), Entries{});
+    EXPECT_EQ(scanned(""), Entries{});
+    // A "Cookie:" less than 150 bytes before the end is the last hit; one 150 bytes before is not.
+    EXPECT_EQ(scanned("Cookie:a\0http://b"s), (Entries{"Cookie:a"}));
+    const std::string far = "Cookie:a" + std::string(142, '\0') + "http://b";
+    EXPECT_EQ(scanned(far), (Entries{"Cookie:a", "http://b"}));
+    // An http hit near the end does not stop the loop: its Cookie probe completes the round.
+    EXPECT_EQ(scanned("http://a ftp://b"), (Entries{"http://a ftp://b", "ftp://b"}));
+    for (const std::string& s : {"xxhttp://"s, "Cookie:a\0http://b"s, far})
+        EXPECT_EQ(scanned(s), referenceScan(s)) << s;
+}
+
+TEST_F(ActivityScanTest, EntriesAreCutAtZeroOr150BytesAndNestedHitsAllCount) {
+    const std::string binary = "http://x\x01\x02\xff" + std::string(200, 'y');
+    EXPECT_EQ(scanned(binary), Entries{binary.substr(0, 150)});
+    EXPECT_EQ(scanned("http://a\0b"s), Entries{"http://a"});
+    EXPECT_EQ(scanned("HTTP://a Ftp://b cookie:c"), Entries{});
+    // Nested and repeated markers each give an entry, in file order.
+    const std::string tail(150, '\0');
+    EXPECT_EQ(scanned("Cookie:http://ftp://a" + tail), (Entries{"Cookie:http://ftp://a", "http://ftp://a", "ftp://a"}));
+    EXPECT_EQ(scanned("http://http://"), (Entries{"http://http://", "http://"}));
+    EXPECT_EQ(scanned("u@http://a\0u@http://a\0"s), (Entries{"http://a", "http://a"}));
+    // Without room behind it, the outer "Cookie:" was the loop's last round.
+    EXPECT_EQ(scanned("Cookie:http://ftp://a"), Entries{"Cookie:http://ftp://a"});
+}
+
+TEST_F(ActivityScanTest, AgreesWithTheByteByByteLoopOnRandomFiles) {
+    std::mt19937 rng(20261123);
+    const std::vector<std::string> pieces = {"http://", "ftp://", "Cookie:", "http:/", "ftp:", "Cookie", ":",
+                                             "//",      "h",      "C",       "\0",     "x",    "f",      "ttp://"};
+    for (int round = 0; round < 400; ++round) {
+        std::string s;
+        const std::size_t target = rng() % 400;
+        while (s.size() < target) {
+            const std::string& piece = pieces[rng() % pieces.size()];
+            s += piece.empty() ? std::string(1, '\0') : piece;
+            if (rng() % 4 == 0)
+                s += std::string(rng() % 160, static_cast<char>('a' + rng() % 3));
+        }
+        ASSERT_EQ(scanned(s), referenceScan(s)) << "round " << round;
+    }
+}
+
+TEST_F(ActivityScanTest, AgreesWithTheLoopAcrossBufferBoundaries) {
+    // Markers straddling every place where the scan refills its buffer (1 MiB apart).
+    std::mt19937 rng(7);
+    std::string s(3 * (1 << 20) + 500, 'z');
+    for (std::size_t mib = 1; mib <= 3; ++mib)
+        for (long delta = -310; delta < 200; delta += 3 + rng() % 9) {
+            const std::size_t at = mib * (1 << 20) + delta;
+            const char* marker = rng() % 3 == 0 ? "Cookie:" : rng() % 2 ? "http://" : "ftp://";
+            std::memcpy(s.data() + at, marker, std::strlen(marker));
+            if (rng() % 5 == 0)
+                s[at + 20] = '\0';
+        }
+    std::memcpy(s.data() + s.size() - 100, "Cookie:end", 10);
+    std::memcpy(s.data() + s.size() - 50, "http://never", 12);
+    const Entries expected = referenceScan(s);
+    EXPECT_GT(expected.size(), 100u);
+    EXPECT_EQ(expected.back(), s.substr(s.size() - 100).substr(0, 100));
+    EXPECT_EQ(scanned(s), expected);
+}
+
+TEST_F(ActivityScanTest, FindsEveryLocationAnIndependentParserFinds) {
+    testsupport::RecordFile file;
+    file.url("Visited: tavi@http://www.example.com/index.html")
+        .url(":2026112220261123: tavi@http://news.example.org/today")
+        .url("Cookie:tavi@shop.example.net/")
+        .deleted("Visited: tavi@ftp://files.example.com/pub/tool.zip")
+        .deleted("Cookie:tavi@ads.example.com/")
+        .url("Visited: tavi@http://www.example.com/index.html");
+    const auto path = dir.write("index.dat", file.bytes());
+
+    const std::string command = "msiecfexport -m all " + path.string() + " 2>/dev/null";
+    FILE* pipe = ::popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::vector<std::string> locations;
+    char line[4096];
+    while (std::fgets(line, sizeof line, pipe)) {
+        std::string l = line;
+        if (l.rfind("Location", 0) == 0)
+            locations.push_back(l.substr(l.find(": ") + 2, l.size() - l.find(": ") - 3));
+    }
+    if (::pclose(pipe) != 0 && locations.empty())
+        GTEST_SKIP() << "msiecfexport (libmsiecf-utils) is not available";
+    ASSERT_EQ(locations.size(), file.locations().size());
+
+    const Entries ours = scanned(file.bytes());
+    Entries expected;
+    for (const std::string& location : file.locations()) {
+        std::size_t at = location.find("http://");
+        at = std::min({at, location.find("ftp://"), location.find("Cookie:")});
+        expected.push_back(location.substr(at));
+    }
+    EXPECT_EQ(ours, expected);
+    for (const std::string& location : locations) {
+        bool found = false;
+        for (const std::string& entry : ours)
+            found = found || location.find(entry) != std::string::npos;
+        EXPECT_TRUE(found) << location;
+    }
+}
+
+TEST_F(ActivityScanTest, AnUnreadableFileIsNotScanned) {
+    std::filesystem::create_symlink(dir.path() / "target", dir.path() / "link.dat");
+    dir.write("target", "http://x");
+    indexdat::ActivityScan scan(p->rawFiles());
+    EXPECT_FALSE(scan.scan((dir.path() / "missing.dat").string(), [](std::string_view) { return true; }));
+    EXPECT_FALSE(scan.scan((dir.path() / "link.dat").string(), [](std::string_view) { return true; }));
+}

@@ -1,0 +1,140 @@
+// The activity overwrite on real files: its exact result for the sizes where the block count
+// rounds, the attribute change, files it must leave alone, an independent parser finding nothing
+// afterwards, and the old text gone from the disk itself (an ext4 image searched byte by byte).
+
+#include "core/ProblemSink.h"
+#include "indexdat/ActivityWipe.h"
+#include "platform/Platform.h"
+#include "tests/indexdat/RecordFile.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+namespace fs = std::filesystem;
+using testsupport::readFile;
+using testsupport::ScratchDir;
+
+namespace {
+
+struct Recorder final : core::ProblemSink {
+    std::vector<std::string> items;
+    void skipped(const std::string& item, const std::string&) override { items.push_back(item); }
+};
+
+std::string randomBytes(std::size_t n, unsigned seed) {
+    std::mt19937 rng(seed);
+    std::string s(n, '\0');
+    for (char& c : s)
+        c = static_cast<char>(rng());
+    return s;
+}
+
+class ActivityWipeTest : public ::testing::Test {
+protected:
+    std::unique_ptr<platform::Platform> p = platform::createNative();
+    ScratchDir dir;
+    Recorder problems;
+    int progressCalls = 0;
+
+    void wipe(const fs::path& path) {
+        indexdat::WipeFileContents(*p, path.string(), [&](double) { ++progressCalls; }, &problems);
+    }
+};
+
+} // namespace
+
+TEST_F(ActivityWipeTest, KeepsTheFirst1024BytesAndBlanksTheRestToTheRoundedBlockCount) {
+    const std::vector<std::pair<std::size_t, std::size_t>> sizes = {
+        {511, 511}, {512, 512}, {513, 2052}, {1024, 2052}, {1536, 3076}, {2560, 3076}, {16384, 17412}};
+    for (const auto& [size, after] : sizes) {
+        const std::string before = randomBytes(size, static_cast<unsigned>(size));
+        const auto path = dir.write("f" + std::to_string(size), before);
+        wipe(path);
+        const std::string now = readFile(path);
+        ASSERT_EQ(now.size(), after) << size;
+        EXPECT_EQ(indexdat::lengthAfterWipe(size), after);
+        const std::size_t kept = std::min<std::size_t>(size, 1024);
+        EXPECT_EQ(now.substr(0, kept), before.substr(0, kept)) << size;
+        if (size > 512)
+            EXPECT_EQ(now.substr(1024), std::string(after - 1024, ' ')) << size;
+        else
+            EXPECT_EQ(now, before) << size;
+    }
+    EXPECT_TRUE(problems.items.empty());
+    EXPECT_EQ(indexdat::blockCount(1536), 2);
+    EXPECT_EQ(indexdat::blockCount(2560), 2);
+    EXPECT_EQ(indexdat::blockCount(3584), 4);
+}
+
+TEST_F(ActivityWipeTest, AReadOnlyFileBecomesNormalEvenWhenTheOverwriteFails) {
+    const std::string before = randomBytes(4096, 1);
+    const auto path = dir.write(".index.dat", before);
+    fs::permissions(path, fs::perms::owner_read);
+    // Another holder of the file keeps the overwrite out, as a running browser does.
+    auto holder = p->rawFiles().open(path.string());
+    ASSERT_TRUE(holder);
+    wipe(path);
+    EXPECT_EQ(readFile(path), before);
+    EXPECT_TRUE((fs::status(path).permissions() & fs::perms::owner_write) != fs::perms::none);
+    EXPECT_EQ(problems.items, std::vector<std::string>{path.string()});
+    holder.reset();
+    wipe(path);
+    EXPECT_EQ(readFile(path).size(), 5124u);
+}
+
+TEST_F(ActivityWipeTest, LeavesLinksMissingFilesAndTheirTargetsAlone) {
+    const std::string before = randomBytes(4096, 2);
+    const auto target = dir.write("target.dat", before);
+    fs::create_symlink(target, dir.path() / "index.dat");
+    wipe(dir.path() / "index.dat");
+    wipe(dir.path() / "missing.dat");
+    EXPECT_EQ(readFile(target), before);
+    EXPECT_FALSE(fs::exists(dir.path() / "missing.dat"));
+    EXPECT_EQ(problems.items.size(), 2u);
+    EXPECT_EQ(progressCalls, 0);
+}
+
+TEST_F(ActivityWipeTest, AnIndependentParserFindsNoLocationAfterwards) {
+    testsupport::RecordFile file;
+    file.url("Visited: tavi@http://www.example.com/").url("Cookie:tavi@shop.example.net/").deleted(
+        ":2026112220261123: tavi@http://gone.example.org/");
+    const auto path = dir.write("index.dat", file.bytes());
+    wipe(path);
+    EXPECT_GT(progressCalls, 33);
+    const std::string out = path.string() + ".txt";
+    std::system(("msiecfexport -m all " + path.string() + " >" + out + " 2>&1").c_str());
+    const std::string exported = readFile(out);
+    if (exported.find("msiecfexport") == std::string::npos)
+        GTEST_SKIP() << "msiecfexport (libmsiecf-utils) is not available";
+    for (const char* location : {"www.example.com", "shop.example.net", "gone.example.org"})
+        EXPECT_EQ(exported.find(location), std::string::npos) << location;
+}
+
+TEST_F(ActivityWipeTest, TheOldTextIsGoneFromTheDisk) {
+    const fs::path image = dir.path() / "disk.img";
+    const fs::path mnt = dir.path() / "mnt";
+    fs::create_directory(mnt);
+    if (std::system(("truncate -s 8M " + image.string() + " && mkfs.ext4 -q -F " + image.string() +
+                     " >/dev/null 2>&1")
+                        .c_str()) != 0 ||
+        std::system(("mount -o loop " + image.string() + " " + mnt.string() + " 2>/dev/null").c_str()) != 0)
+        GTEST_SKIP() << "cannot build and loop-mount an ext4 image here (needs root and loop devices)";
+
+    testsupport::RecordFile file;
+    for (int i = 0; i < 40; ++i)
+        file.url("Visited: tavi@http://secret" + std::to_string(i) + ".example.com/");
+    const auto path = mnt / "index.dat";
+    std::ofstream(path, std::ios::binary) << file.bytes();
+    std::system(("sync " + path.string()).c_str());
+    wipe(path);
+    std::system(("umount " + mnt.string()).c_str());
+
+    const std::string raw = readFile(image);
+    EXPECT_EQ(raw.find("secret"), std::string::npos);
+    EXPECT_NE(raw.find("Client UrlCache MMF Ver 5.2"), std::string::npos); // the kept header
+}

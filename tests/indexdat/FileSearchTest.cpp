@@ -1,0 +1,122 @@
+// The search over real folders: its order (each folder's own matches, then its subfolders, in the
+// order the system lists them), its counters and texts, links, folders named like the pattern,
+// the size quirk of large files and the overflow of its 16-bit counters.
+
+#include "indexdat/FileSearch.h"
+#include "platform/Platform.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace fs = std::filesystem;
+using testsupport::ScratchDir;
+
+namespace {
+
+class FileSearchTest : public ::testing::Test {
+protected:
+    std::unique_ptr<platform::Platform> p = platform::createNative();
+    ScratchDir dir;
+    std::vector<std::string> found;
+    std::int16_t files = 0;
+    std::int16_t dirs = 0;
+
+    core::Currency search(std::string path, const std::string& pattern) {
+        indexdat::FileSearch finder(p->fileSystem(), [&](const std::string& f) { found.push_back(f); });
+        return finder.FindFilesAPI(path, pattern, files, dirs);
+    }
+
+    /// The expected order, from the standard library's own listing (the system's order).
+    void expectedOrder(const fs::path& folder, const std::string& name, std::vector<std::string>& out) {
+        std::vector<fs::path> below;
+        for (const auto& e : fs::directory_iterator(folder)) {
+            if (e.path().filename() == name)
+                out.push_back(e.path().string());
+            if (e.is_directory() && !e.is_symlink())
+                below.push_back(e.path());
+        }
+        for (const auto& sub : below)
+            expectedOrder(sub, name, out);
+    }
+
+    void sparse(const fs::path& path, std::uintmax_t size) {
+        dir.write(fs::relative(path, dir.path()).string(), "");
+        fs::resize_file(path, size);
+    }
+};
+
+} // namespace
+
+TEST_F(FileSearchTest, ListsEachFoldersMatchesBeforeItsSubfoldersInSystemOrder) {
+    for (const char* f : {"u1/index.dat", "u1/a/index.dat", "u1/a/deep/x/index.dat", "u2/index.dat", "u2/b/c.txt",
+                          "index.dat", "u3/e/index.dat", "u3/index.dat", "z/index.dat"})
+        dir.write(f, "12345");
+    fs::create_directories(dir.path() / "empty1" / "empty2");
+    fs::create_directory(dir.path() / "u2" / "index.dat.d");
+    fs::create_directories(dir.path() / "folder" / "index.dat" / "inner");
+    dir.write("folder/index.dat/inner/index.dat", "123");
+    fs::create_directory_symlink(dir.path() / "u1", dir.path() / "loop");
+    fs::create_symlink(dir.path() / "u1" / "index.dat", dir.path() / "u2" / "b" / "index.dat");
+
+    const core::Currency total = search(dir.str(), "index.dat");
+    std::vector<std::string> expected;
+    expectedOrder(dir.path(), "index.dat", expected);
+    EXPECT_EQ(found, expected);
+    // 9 files, the folder called index.dat and the link called index.dat; the link to u1 is no folder.
+    EXPECT_EQ(files, 11);
+    EXPECT_EQ(dirs, 15);
+    EXPECT_EQ(indexdat::countsText(files, dirs), "11/16");
+    EXPECT_EQ(total.rounded(), 8 * 5 + 3);
+    EXPECT_EQ(indexdat::totalText(total), "=43 Bytes");
+}
+
+TEST_F(FileSearchTest, PatternsFollowThePlatformsWildcards) {
+    dir.write("a/index.dat", "");
+    dir.write("a/History.IE5/index.dat", "");
+    dir.write("a/other.dat", "");
+    search(dir.str() + "/", "*.dat");
+    EXPECT_EQ(files, 3);
+    EXPECT_EQ(found.front().rfind(dir.str() + "/a/", 0), 0u); // no doubled separator
+    files = dirs = 0;
+    found.clear();
+    search(dir.str(), "");
+    EXPECT_TRUE(found.empty());
+    EXPECT_EQ(indexdat::countsText(files, dirs), "0/3");
+    EXPECT_EQ(indexdat::totalText(core::Currency()), "=0 Bytes");
+    search(dir.str(), "INDEX.DAT");
+    EXPECT_TRUE(found.empty());
+}
+
+TEST_F(FileSearchTest, FilesOf2GiBAndMoreAddLowWordMinusHighWord) {
+    EXPECT_EQ(indexdat::sizeContribution(1234567), 1234567);
+    EXPECT_EQ(indexdat::sizeContribution(0xC0000000ull), -1073741824);
+    EXPECT_EQ(indexdat::sizeContribution(0x100000005ull), 4);
+    sparse(dir.path() / "a" / "index.dat", 0xC0000000ull);
+    sparse(dir.path() / "b" / "index.dat", 0x100000005ull);
+    EXPECT_EQ(search(dir.str(), "index.dat").rounded(), -1073741824 + 4);
+    EXPECT_EQ(indexdat::totalText(core::Currency::fromWhole(1234567)), "=1,234,567 Bytes");
+    EXPECT_THROW(indexdat::totalText(core::Currency::fromWhole(2147483648ll)), indexdat::SearchOverflow);
+}
+
+TEST_F(FileSearchTest, ACounterPassing32767EndsTheSearchKeepingWhatItListed) {
+    dir.write("index.dat", "");
+    dir.write("sub/index.dat", "");
+    files = 32766;
+    EXPECT_THROW(search(dir.str(), "index.dat"), indexdat::SearchOverflow);
+    EXPECT_EQ(found, std::vector<std::string>{dir.str() + "/index.dat"});
+    files = 0;
+    dirs = 32767;
+    EXPECT_THROW(search(dir.str(), "index.dat"), indexdat::SearchOverflow);
+    EXPECT_THROW(indexdat::countsText(0, 32767), indexdat::SearchOverflow);
+    EXPECT_EQ(indexdat::countsText(3, 12), "3/13");
+}
+
+TEST(StripNulls, CutsAtTheFirstZeroInPlace) {
+    std::string s("index.dat\0garbage", 17);
+    EXPECT_EQ(indexdat::StripNulls(s), "index.dat");
+    EXPECT_EQ(s, "index.dat");
+    std::string plain = "plain";
+    EXPECT_EQ(indexdat::StripNulls(plain), "plain");
+}

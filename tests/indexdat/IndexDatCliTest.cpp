@@ -1,0 +1,98 @@
+// The indexdat commands as a user and a script run them: a real scourmill-cli process, its
+// standard output kept apart from its messages, and its exit code.
+
+#include "indexdat/ActivityWipe.h"
+#include "tests/indexdat/RecordFile.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <sys/wait.h>
+
+using testsupport::readFile;
+using testsupport::ScratchDir;
+
+namespace {
+
+struct CliRun {
+    int code = -1;
+    std::string out; ///< standard output only
+    std::string err;
+};
+
+CliRun cli(const std::string& args) {
+    CliRun r;
+    const std::string errFile = (testsupport::scratchRoot() / "cli-stderr.txt").string();
+    const std::string command =
+        std::string(SCOURMILL_CLI) + " " + args + " </dev/null 2>'" + errFile + "'";
+    FILE* pipe = ::popen(command.c_str(), "r");
+    std::array<char, 4096> buffer{};
+    while (std::size_t n = std::fread(buffer.data(), 1, buffer.size(), pipe))
+        r.out.append(buffer.data(), n);
+    const int status = ::pclose(pipe);
+    r.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    r.err = readFile(errFile);
+    return r;
+}
+
+std::string q(const std::filesystem::path& p) {
+    return "'" + p.string() + "'";
+}
+
+} // namespace
+
+TEST(IndexDatCli, FindPrintsMatchesThenCountsAndTotal) {
+    ScratchDir dir;
+    dir.write("tavi/History/index.dat", std::string(1500, 'x'));
+    dir.write("tavi/Cookies/index.dat", std::string(234, 'y'));
+    dir.write("tavi/Cookies/other.txt", "z");
+    CliRun r = cli("indexdat find " + q(dir.path() / "tavi"));
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_NE(r.out.find(dir.str() + "/tavi/History/index.dat\n"), std::string::npos);
+    EXPECT_NE(r.out.find(dir.str() + "/tavi/Cookies/index.dat\n"), std::string::npos);
+    EXPECT_EQ(r.out.substr(r.out.find("2/3\n")), "2/3\n=1,734 Bytes\n");
+    r = cli("indexdat find --pattern '*.txt' " + q(dir.path()));
+    EXPECT_EQ(r.out, dir.str() + "/tavi/Cookies/other.txt\n1/4\n=1 Bytes\n");
+    r = cli("indexdat find " + q(dir.path() / "nowhere"));
+    EXPECT_EQ(r.code, 2);
+    EXPECT_NE(r.err.find("nowhere"), std::string::npos);
+}
+
+TEST(IndexDatCli, ReportAndRawGiveTheBytesAsStored) {
+    ScratchDir dir;
+    const std::string content = std::string("Visited: u@http://a.example/x\ny\0Cookie:u@b/\0", 45);
+    const auto path = dir.write("index.dat", content);
+    CliRun r = cli("indexdat report " + q(path));
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "http://a.example/x\ny\nCookie:u@b/\n");
+    r = cli("indexdat report -0 " + q(path) + " " + q(path));
+    EXPECT_EQ(r.out, std::string("http://a.example/x\ny\0Cookie:u@b/\0http://a.example/x\ny\0Cookie:u@b/\0", 66));
+    r = cli("indexdat raw " + q(path));
+    EXPECT_EQ(r.out, "File Size in bytes = 45\n" + content);
+    r = cli("indexdat report " + q(path) + " " + q(dir.path() / "gone.dat"));
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.out, "http://a.example/x\ny\nCookie:u@b/\n");
+    EXPECT_NE(r.err.find("gone.dat"), std::string::npos);
+    EXPECT_EQ(cli("indexdat raw").code, 2);
+}
+
+TEST(IndexDatCli, WipeOverwritesOnlyWhenAgreed) {
+    ScratchDir dir;
+    const std::string content = testsupport::RecordFile().url("Visited: u@http://a.example/").bytes();
+    const auto path = dir.write("index.dat", content);
+    // No terminal to ask on: the answer is No and nothing changes.
+    CliRun r = cli("indexdat wipe " + q(path));
+    EXPECT_EQ(r.code, 0);
+    EXPECT_NE(r.err.find("TaviWipe " + path.string() + " ?"), std::string::npos);
+    EXPECT_EQ(readFile(path), content);
+    r = cli("indexdat wipe --yes " + q(path));
+    EXPECT_EQ(r.code, 0) << r.err;
+    const std::string now = readFile(path);
+    EXPECT_EQ(now.size(), indexdat::lengthAfterWipe(content.size()));
+    EXPECT_EQ(now.substr(0, 1024), content.substr(0, 1024));
+    EXPECT_EQ(cli("indexdat report " + q(path)).out, "");
+    EXPECT_EQ(cli("indexdat wipe --yes " + q(dir.path() / "gone.dat")).code, 1);
+    EXPECT_FALSE(std::filesystem::exists(dir.path() / "gone.dat"));
+}
