@@ -26,6 +26,7 @@ int main(int argc, char** argv) {
     cli::Context ctx{*platform, {}, {}, 0};
     cli::addMemMonCommand(app, ctx);
     cli::addCleanItemCommands(app, ctx);
+    cli::addIndexDatCommand(app, ctx);
 
     try {
         app.parse(argc, argv);
