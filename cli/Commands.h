@@ -11,5 +11,6 @@ struct Context;
 void addMemMonCommand(CLI::App& app, Context& ctx);
 void addCleanItemCommands(CLI::App& app, Context& ctx);
 void addIndexDatCommand(CLI::App& app, Context& ctx);
+void addWipeCommands(CLI::App& app, Context& ctx);
 
 } // namespace cli

@@ -27,6 +27,7 @@ int main(int argc, char** argv) {
     cli::addMemMonCommand(app, ctx);
     cli::addCleanItemCommands(app, ctx);
     cli::addIndexDatCommand(app, ctx);
+    cli::addWipeCommands(app, ctx);
 
     try {
         app.parse(argc, argv);

@@ -37,7 +37,8 @@ public:
     virtual ~RawFiles() = default;
 
     /// Opens `path` read-write, creating it when missing (OPEN_ALWAYS), exclusively and without
-    /// following a symbolic link. Returns null on failure, with lastError() set.
+    /// following a symbolic link. Only plain files open: a device, pipe or folder is refused.
+    /// Returns null on failure, with lastError() set.
     virtual std::unique_ptr<RawFile> open(const std::string& path) = 0;
     /// Opens an existing `path` for reading only, shared with other readers, never creating it and
     /// never through a symbolic link. Writing through the handle fails. Null on failure.

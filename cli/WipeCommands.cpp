@@ -1,0 +1,202 @@
+// wipe-free-space, shred and shred-dir: the secure-deletion windows on the terminal. Questions are
+// asked on the terminal (or answered by --yes), a progress bar shows the pass, the bytes and the
+// rate, and Ctrl-C or SIGTERM stops the work at the next block: the free-space wipe's temporary file
+// is removed, the file being shredded is cut and deleted, and files not reached are left alone.
+
+#include "cli/Commands.h"
+#include "cli/Context.h"
+#include "cli/Interrupt.h"
+#include "cli/ProgressBar.h"
+#include "core/NumberFormat.h"
+#include "wipe/FileError.h"
+#include "wipe/FreeSpaceWipe.h"
+#include "wipe/Gutmann.h"
+#include "wipe/SecureDelete.h"
+#include "wipe/WipeTexts.h"
+
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace cli {
+namespace {
+
+std::string passLabel(int pass) {
+    return "pass " + std::to_string(pass) + "/" + std::to_string(wipe::Gutmann::PassCount);
+}
+
+class TerminalFreeSpaceView final : public wipe::FreeSpaceView {
+public:
+    explicit TerminalFreeSpaceView(Context& ctx) : m_ctx(ctx) {}
+
+    core::Prompts& prompts() override { return m_ctx.prompts; }
+    bool interrupted() override { return cli::interrupted(); }
+    // The terminal has no exit check box: Ctrl-C is the exit request, and it needs no confirmation.
+    bool exitRequested() override { return false; }
+    void passStarted(int, core::Currency) override { m_bar.reset(); }
+    void progress(const wipe::FreeSpaceProgress& now) override {
+        const double inPass = now.count > 0 ? static_cast<double>(now.index) / static_cast<double>(now.count) : 1.0;
+        m_bar.update((now.pass - 1 + std::min(inPass, 1.0)) / wipe::Gutmann::PassCount, passLabel(now.pass),
+                     static_cast<std::uint64_t>(now.wiped.rounded()));
+    }
+    void finish() { m_bar.finish(); }
+
+private:
+    Context& m_ctx;
+    ProgressBar m_bar;
+};
+
+class TerminalSecureDeleteView final : public wipe::SecureDeleteView {
+public:
+    explicit TerminalSecureDeleteView(Context& ctx) : m_ctx(ctx) {}
+
+    core::Prompts& prompts() override { return m_ctx.prompts; }
+    bool interrupted() override { return cli::interrupted(); }
+    bool stopRequested() override { return false; }
+    void passStarted(const std::string&, int) override { m_bar.reset(); }
+    void progress(const wipe::FileWipeProgress& now) override {
+        const double inPass = now.total > 0 ? static_cast<double>(now.written) / static_cast<double>(now.total) : 1.0;
+        const auto slash = now.path.find_last_of('/');
+        const std::string name = slash == std::string::npos ? now.path : now.path.substr(slash + 1);
+        m_bar.update((now.pass - 1 + inPass) / wipe::Gutmann::PassCount, name + "  " + passLabel(now.pass),
+                     now.written);
+    }
+    void finish() { m_bar.finish(); }
+
+private:
+    Context& m_ctx;
+    ProgressBar m_bar;
+};
+
+/// Invalid input unless `path` is a folder itself (not a link to one).
+void requireFolder(platform::FileSystem& files, const std::string& path) {
+    const auto info = files.info(path);
+    if (!info)
+        throw UsageError(path + ": no such folder");
+    if (info->isLink())
+        throw UsageError(path + ": is a symbolic link; links are never followed");
+    if (!info->isDirectory())
+        throw UsageError(path + ": not a folder");
+}
+
+void reportInterrupted(Context& ctx, const std::string& what) {
+    std::cerr << "scourmill-cli: interrupted; " << what << "\n";
+    ctx.exitCode = 1;
+}
+
+void wipeFreeSpace(Context& ctx, const std::string& dir, bool removable) {
+    requireFolder(ctx.platform.fileSystem(), dir);
+    watchInterrupts();
+    TerminalFreeSpaceView view(ctx);
+    wipe::FreeSpaceWipe wipe(ctx.platform, view, ctx.problems);
+    wipe.offerStaleRemoval(dir);
+    if (!wipe.accepts(dir, removable)) {
+        ctx.exitCode = 2;
+        return;
+    }
+    const core::Currency free = wipe.freeSpace(dir);
+    if (!ctx.prompts.askYesNo(wipe::texts::confirmFreeSpace(dir, core::formatGrouped(free)), core::MessageTitle,
+                              core::MsgStyle::YesNo | core::MsgStyle::Question)) {
+        ctx.exitCode = 1;
+        return;
+    }
+    try {
+        const auto outcome = wipe.run(dir, free,
+                                      removable ? wipe::FreeSpaceWipe::removableIncrement()
+                                                : wipe::FreeSpaceWipe::fixedIncrement());
+        view.finish();
+        if (outcome == wipe::FreeSpaceWipe::Outcome::Exited)
+            reportInterrupted(ctx, "the temporary file was removed");
+    } catch (const wipe::FileError& e) {
+        view.finish();
+        std::cerr << "scourmill-cli: " << e.source() << " error " << e.number() << ": " << e.description() << "\n";
+        ctx.exitCode = 1;
+    }
+}
+
+void shredFiles(Context& ctx, const std::vector<std::string>& paths) {
+    auto& files = ctx.platform.fileSystem();
+    for (const auto& path : paths) {
+        const auto info = files.info(path);
+        if (!info)
+            throw UsageError(path + ": no such file");
+        if (!info->isRegular)
+            throw UsageError(path + ": not a plain file (links, folders and devices are never shredded)");
+    }
+    watchInterrupts();
+    TerminalSecureDeleteView view(ctx);
+    wipe::SecureDelete shred(ctx.platform, view, ctx.problems);
+    const bool ran = shred.WipeSelectedFiles(paths.front(), paths);
+    view.finish();
+    if (!ran)
+        ctx.exitCode = 1;
+    else if (interrupted())
+        reportInterrupted(ctx, "the file being shredded was deleted; files not reached were left untouched");
+}
+
+void shredFolder(Context& ctx, const std::string& dir) {
+    requireFolder(ctx.platform.fileSystem(), dir);
+    watchInterrupts();
+    TerminalSecureDeleteView view(ctx);
+    wipe::SecureDelete shred(ctx.platform, view, ctx.problems);
+    const bool ran = shred.WipeFolder(dir);
+    view.finish();
+    if (!ran)
+        ctx.exitCode = 1;
+    else if (interrupted())
+        reportInterrupted(ctx, "files not reached and the folder were left in place");
+}
+
+} // namespace
+
+void addWipeCommands(CLI::App& app, Context& ctx) {
+    {
+        auto* cmd = app.add_subcommand(
+            "wipe-free-space",
+            "Overwrite the free space of DIR's drive in 35 passes (Gutmann), through the temporary file "
+            "DIR/" + wipe::texts::TempFileName + ", which is removed after every pass and on every way out");
+        auto dir = std::make_shared<std::string>();
+        auto yes = std::make_shared<bool>(false);
+        auto removable = std::make_shared<bool>(false);
+        cmd->add_option("DIR", *dir, "A folder on the drive to wipe (the drive's root or any folder on it)")->required();
+        cmd->add_flag("--yes,-y", *yes, "Do not ask before starting (and remove a stale temporary file)");
+        cmd->add_flag("--removable", *removable,
+                      "The drive is removable (USB stick, card): small increments; refused on fixed drives");
+        cmd->footer("Ctrl-C stops after the current increment and removes the temporary file.\n"
+                    "Overwriting cannot reach copy-on-write or journaled copies, SSD spare blocks, or the\n"
+                    "blocks reserved for root when run as a user: see the README.");
+        cmd->callback([&ctx, dir, yes, removable] {
+            ctx.prompts.setAssumeYes(*yes);
+            wipeFreeSpace(ctx, *dir, *removable);
+        });
+    }
+    {
+        auto* cmd = app.add_subcommand("shred", "Overwrite FILEs in place in 35 passes (Gutmann), then cut and delete them");
+        auto paths = std::make_shared<std::vector<std::string>>();
+        auto yes = std::make_shared<bool>(false);
+        cmd->add_option("FILE", *paths, "Plain files to destroy (links and folders are refused)")->required();
+        cmd->add_flag("--yes,-y", *yes, "Do not ask for confirmation");
+        cmd->footer("Ctrl-C stops: the file being shredded is deleted, files not reached are left untouched.");
+        cmd->callback([&ctx, paths, yes] {
+            ctx.prompts.setAssumeYes(*yes);
+            shredFiles(ctx, *paths);
+        });
+    }
+    {
+        auto* cmd = app.add_subcommand(
+            "shred-dir", "Shred every file directly inside DIR (35 passes), then delete DIR with everything below it");
+        auto dir = std::make_shared<std::string>();
+        auto yes = std::make_shared<bool>(false);
+        cmd->add_option("DIR", *dir, "The folder to destroy")->required();
+        cmd->add_flag("--yes,-y", *yes, "Do not ask for confirmation");
+        cmd->footer("Files in subfolders are deleted without being overwritten. Links are removed, never\n"
+                    "followed, and nothing on another filesystem mounted below DIR is touched.");
+        cmd->callback([&ctx, dir, yes] {
+            ctx.prompts.setAssumeYes(*yes);
+            shredFolder(ctx, *dir);
+        });
+    }
+}
+
+} // namespace cli

@@ -1,0 +1,143 @@
+// shred, shred-dir and wipe-free-space as a user runs them: a real process, its answers, its exit
+// code, and what is left on disk, including after Ctrl-C or SIGTERM in the middle of a wipe.
+
+#include "tests/support/LoopImage.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using testsupport::readFile;
+using testsupport::ScratchDir;
+
+namespace {
+
+struct CliRun {
+    int code = -1;
+    std::string out;
+};
+
+/// Runs the command line with `args` (shell-quoted by the caller), no terminal on stdin.
+CliRun run(const std::string& args) {
+    CliRun r;
+    const std::string command = std::string(SCOURMILL_CLI) + " " + args + " </dev/null 2>&1";
+    FILE* pipe = ::popen(command.c_str(), "r");
+    std::array<char, 4096> buffer{};
+    while (std::size_t n = std::fread(buffer.data(), 1, buffer.size(), pipe))
+        r.out.append(buffer.data(), n);
+    const int status = ::pclose(pipe);
+    r.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return r;
+}
+
+std::string quoted(const fs::path& p) {
+    return "'" + p.string() + "'";
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+} // namespace
+
+TEST(WipeCli, ShredDestroysOnlyWhatWasConfirmedAndRefusesWhatIsNotAPlainFile) {
+    ScratchDir dir;
+    const auto file = dir.write("diary.txt", "dear diary");
+    CliRun r = run("shred " + quoted(file));
+    EXPECT_EQ(r.code, 1);
+    EXPECT_TRUE(contains(r.out, "Are you ABSOLUTELY sure you wish to Delete Selected Files completely and FOREVER?"));
+    EXPECT_EQ(readFile(file), "dear diary");
+
+    fs::create_symlink(file, dir.path() / "link");
+    for (const fs::path& bad : {dir.path() / "link", dir.path(), dir.path() / "missing"}) {
+        r = run("shred --yes " + quoted(file) + " " + quoted(bad));
+        EXPECT_EQ(r.code, 2) << bad;
+        EXPECT_TRUE(contains(r.out, bad.string())) << r.out;
+    }
+    EXPECT_EQ(readFile(file), "dear diary"); // a bad argument stops everything before it starts
+
+    const auto other = dir.write("letters.txt", std::string(5000, 'x'));
+    r = run("shred --yes " + quoted(file) + " " + quoted(other));
+    EXPECT_EQ(r.code, 0) << r.out;
+    EXPECT_FALSE(fs::exists(file));
+    EXPECT_FALSE(fs::exists(other));
+    EXPECT_TRUE(fs::exists(fs::symlink_status(dir.path() / "link"))); // a dangling link now, untouched
+}
+
+TEST(WipeCli, ShredDirRemovesTheFolderAndItsLinksButNotTheirTargets) {
+    ScratchDir dir, outside;
+    const auto target = outside.write("precious.txt", "keep");
+    dir.write("victim/a.txt", "a");
+    dir.write("victim/sub/b.txt", "b");
+    fs::create_symlink(target, dir.path() / "victim" / "link");
+    CliRun r = run("shred-dir " + quoted(dir.path() / "victim"));
+    EXPECT_EQ(r.code, 1);
+    EXPECT_TRUE(contains(r.out, "Wipe " + (dir.path() / "victim").string() + " completely and FOREVER?"));
+    EXPECT_TRUE(fs::exists(dir.path() / "victim" / "a.txt"));
+
+    r = run("shred-dir --yes " + quoted(dir.path() / "victim"));
+    EXPECT_EQ(r.code, 0) << r.out;
+    EXPECT_FALSE(fs::exists(dir.path() / "victim"));
+    EXPECT_EQ(readFile(target), "keep");
+
+    fs::create_symlink(outside.path(), dir.path() / "dir-link");
+    EXPECT_EQ(run("shred-dir --yes " + quoted(dir.path() / "dir-link")).code, 2);
+    EXPECT_EQ(readFile(target), "keep");
+}
+
+TEST(WipeCli, FreeSpaceWipeHelpAndRefusals) {
+    ScratchDir dir;
+    CliRun r = run("wipe-free-space --help");
+    EXPECT_EQ(r.code, 0);
+    EXPECT_TRUE(contains(r.out, "WNXTEMP.000"));
+    EXPECT_TRUE(contains(r.out, "--removable"));
+    EXPECT_EQ(run("wipe-free-space").code, 2);
+    EXPECT_EQ(run("wipe-free-space " + quoted(dir.path() / "missing")).code, 2);
+    r = run("wipe-free-space --yes --removable " + quoted(dir.path()));
+    EXPECT_EQ(r.code, 2);
+    EXPECT_TRUE(contains(r.out, "The drive you chose is not a removable drive")) << r.out;
+    EXPECT_FALSE(fs::exists(dir.path() / "WNXTEMP.000"));
+}
+
+class InterruptedWipe : public ::testing::TestWithParam<int> {};
+
+TEST_P(InterruptedWipe, LeavesNoTemporaryFile) {
+    ScratchDir dir;
+    testsupport::LoopImage image(dir.path(), 48);
+    if (!image.mounted())
+        GTEST_SKIP() << "no loop-mounted filesystem to wipe: " << image.reason();
+    const fs::path temp = image.mountPoint() / "WNXTEMP.000";
+    const fs::path errors = dir.path() / "stderr.txt";
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        const std::string command = "exec " + std::string(SCOURMILL_CLI) + " wipe-free-space --yes " +
+                                    quoted(image.mountPoint()) + " </dev/null 2>" + quoted(errors);
+        ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
+        ::_exit(127);
+    }
+    // Wait until the wipe is writing its temporary file, then interrupt it.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!fs::exists(temp) && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    EXPECT_TRUE(fs::exists(temp)) << "the wipe never started";
+    ::kill(child, GetParam());
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status)) << "killed by the signal instead of stopping cleanly";
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_TRUE(contains(readFile(errors), "interrupted")) << readFile(errors);
+    EXPECT_FALSE(fs::exists(temp));
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, InterruptedWipe, ::testing::Values(SIGINT, SIGTERM),
+                         [](const auto& info) { return info.param == SIGINT ? "Sigint" : "Sigterm"; });

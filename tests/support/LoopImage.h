@@ -1,0 +1,42 @@
+#pragma once
+// A small ext4 filesystem in an image file, loop-mounted for the test's lifetime, so that tests can
+// prove that data is gone from the disk: plant a secret, run the code, unmount, and search the
+// image's raw bytes. Needs root and a kernel that allows loop mounts; where that is not so the image
+// reports why, and the test skips with that reason.
+
+#include <filesystem>
+#include <string>
+
+namespace testsupport {
+
+class LoopImage {
+public:
+    /// Makes an ext4 image of `mebibytes` MiB (no blocks reserved for root) in `dir` and mounts it.
+    LoopImage(const std::filesystem::path& dir, int mebibytes);
+    ~LoopImage();
+    LoopImage(const LoopImage&) = delete;
+    LoopImage& operator=(const LoopImage&) = delete;
+
+    bool mounted() const { return m_mounted; }
+    /// Why the image could not be mounted.
+    const std::string& reason() const { return m_reason; }
+    const std::filesystem::path& mountPoint() const { return m_mount; }
+
+    /// Flushes everything written to the filesystem down to the image file.
+    void sync() const;
+    /// Whether the raw image holds `needle` right now (call sync() first).
+    bool imageContains(const std::string& needle) const;
+    /// Unmounts; true when that worked.
+    bool unmount();
+
+private:
+    std::filesystem::path m_image;
+    std::filesystem::path m_mount;
+    bool m_mounted = false;
+    std::string m_reason;
+};
+
+/// Runs `command` through the shell; true when it exits with 0.
+bool runQuietly(const std::string& command);
+
+} // namespace testsupport

@@ -1,0 +1,177 @@
+// The free-space wipe on a real folder with small figures: the bytes and length each pass leaves,
+// the removable increment's rounding, the exit, pause and quit paths, the drive-kind refusals, an
+// open error, and the stale temporary file.
+
+#include "platform/Platform.h"
+#include "tests/support/LoopImage.h"
+#include "tests/support/Scratch.h"
+#include "tests/wipe/Recorders.h"
+#include "wipe/FileError.h"
+#include "wipe/FreeSpaceWipe.h"
+#include "wipe/Random.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <regex>
+
+namespace fs = std::filesystem;
+using core::Currency;
+using testsupport::readFile;
+using testsupport::ScratchDir;
+using wipe::FreeSpaceWipe;
+
+namespace {
+
+struct FreeSpaceWipeTest : ::testing::Test {
+    std::unique_ptr<platform::Platform> platform = platform::createNative();
+    ScratchDir dir;
+    testsupport::FreeSpaceRecorder view;
+    core::QuietSink quiet;
+    FreeSpaceWipe wipe{*platform, view, quiet};
+    fs::path temp = dir.path() / "WNXTEMP.000";
+
+    /// The temporary file's content after the last increment of each pass.
+    std::map<int, std::string> contentAfterEachPass(Currency free, Currency increment) {
+        std::map<int, std::string> seen;
+        view.onProgress = [&](const wipe::FreeSpaceProgress& now) {
+            if (now.index == now.count)
+                seen[now.pass] = readFile(temp);
+        };
+        EXPECT_EQ(wipe.run(dir.str(), free, increment), FreeSpaceWipe::Outcome::Completed);
+        return seen;
+    }
+};
+
+std::string wide(const std::string& pair, int chars) {
+    std::string out;
+    for (int i = 0; i < chars; ++i)
+        out += pair;
+    return out;
+}
+
+} // namespace
+
+TEST_F(FreeSpaceWipeTest, ThreeWideBlocksPerIncrementLeaveTheFirstBlockBehindAndTheThirdAtTheEnd) {
+    // Increment 4: blocks of 4 characters, 8 bytes; 12 free bytes make 3 increments.
+    const auto after = contentAfterEachPass(Currency::fromWhole(12), Currency::fromWhole(4));
+    ASSERT_EQ(after.size(), 35u);
+    EXPECT_EQ(after.at(5), wide(std::string("\x55\x00", 2), 8));
+    EXPECT_EQ(after.at(7), wide("\x19\x20", 4) + wide(std::string("\x24\x00", 2), 4)); // 0x92 is U+2019
+    EXPECT_EQ(after.at(29), wide(std::string("\x6D\x00", 2), 4) + wide(std::string("\xDB\x00", 2), 4));
+    for (int pass : {1, 35}) {
+        const std::string& bytes = after.at(pass);
+        ASSERT_EQ(bytes.size(), 16u);
+        EXPECT_EQ(bytes.substr(0, 8), wide(bytes.substr(0, 2), 4)) << "pass " << pass;
+    }
+    EXPECT_FALSE(fs::exists(temp));
+    EXPECT_EQ(view.passes.size(), 35u);
+    EXPECT_FALSE(view.wipeEnabled); // the plain ending leaves the buttons as they are
+    EXPECT_EQ(view.steps.back().count, 3);
+    EXPECT_EQ(view.steps.back().offset, Currency::fromWhole(12));
+    EXPECT_EQ(view.steps.back().high, 0);
+    EXPECT_TRUE(view.ask.asked.empty());
+}
+
+TEST_F(FreeSpaceWipeTest, RemovableIncrementRoundsEachSeekHalfToEven) {
+    // Four increments of 1423.5 start at 0, 1424, 2847 and 4270; each writes 2848 bytes.
+    const auto after = contentAfterEachPass(Currency::fromWhole(5694), FreeSpaceWipe::removableIncrement());
+    EXPECT_EQ(after.at(10).size(), 4270u + 2848u);
+    EXPECT_EQ(after.at(10), std::string(7118, '\0'));
+    EXPECT_EQ(FreeSpaceWipe::removableIncrement().toString(), "1423.5");
+    EXPECT_EQ(FreeSpaceWipe::fixedIncrement().toString(), "2097152");
+}
+
+TEST_F(FreeSpaceWipeTest, LessFreeSpaceThanAnIncrementStillCreatesAndDeletesTheFileEachPass) {
+    EXPECT_EQ(wipe.run(dir.str(), Currency::fromWhole(3), FreeSpaceWipe::fixedIncrement()),
+              FreeSpaceWipe::Outcome::Completed);
+    EXPECT_EQ(view.passes.size(), 35u);
+    EXPECT_TRUE(view.steps.empty());
+    EXPECT_FALSE(fs::exists(temp));
+}
+
+TEST_F(FreeSpaceWipeTest, ExitRequestIsConfirmedAtTheNextIncrementAndNoKeepsWiping) {
+    view.ask.answers = {false, true};
+    view.onProgress = [&](const wipe::FreeSpaceProgress& now) {
+        if ((now.pass == 3 && now.index == 2) || (now.pass == 4 && now.index == 1))
+            view.exitBox = true;
+    };
+    EXPECT_EQ(wipe.run(dir.str(), Currency::fromWhole(40), Currency::fromWhole(4)), FreeSpaceWipe::Outcome::Exited);
+    EXPECT_EQ(view.ask.asked, (std::vector<std::string>(2, "Press Yes to exit Wiping Function")));
+    EXPECT_EQ(view.passes.back(), 4);
+    EXPECT_EQ(view.steps.back().index, 1);
+    EXPECT_FALSE(fs::exists(temp));
+    EXPECT_FALSE(view.exitBox);
+    EXPECT_TRUE(view.wipeEnabled);
+    EXPECT_EQ(view.ask.told, std::vector<std::string>{"You may now EXIT"});
+    EXPECT_FALSE(wipe.running());
+}
+
+TEST_F(FreeSpaceWipeTest, QuitWhileRunningTicksTheExitBoxAndPauseWaitsForTheUntick) {
+    EXPECT_TRUE(wipe.requestQuit()); // idle: the window may close
+    int pumps = 0;
+    view.onPump = [&] {
+        if (view.pauseBox && ++pumps == 3)
+            view.pauseBox = false;
+    };
+    view.onProgress = [&](const wipe::FreeSpaceProgress& now) {
+        if (now.pass == 1 && now.index == 1)
+            view.pauseBox = true;
+        if (now.pass == 2 && now.index == 1) {
+            EXPECT_FALSE(wipe.requestQuit());
+        }
+    };
+    EXPECT_EQ(wipe.run(dir.str(), Currency::fromWhole(40), Currency::fromWhole(4)), FreeSpaceWipe::Outcome::Exited);
+    ASSERT_EQ(view.ask.asked.size(), 2u);
+    EXPECT_EQ(view.ask.asked[0], "Tavi Wipe is still running. Are you sure you wish to quit?");
+    EXPECT_EQ(view.ask.asked[1], "Press Yes to exit Wiping Function");
+    ASSERT_EQ(view.ask.told.size(), 2u);
+    EXPECT_TRUE(std::regex_match(view.ask.told[0], std::regex(R"(Paused for [0-9]+(\.[0-9]+)? seconds)")))
+        << view.ask.told[0];
+    EXPECT_EQ(view.passes.back(), 2);
+    EXPECT_FALSE(fs::exists(temp));
+}
+
+TEST_F(FreeSpaceWipeTest, AnOpenErrorEndsTheRunWithTheButtonsBackAndTheBlockerUntouched) {
+    fs::create_directory(temp); // not a file: it cannot be opened
+    try {
+        wipe.run(dir.str(), Currency::fromWhole(12), Currency::fromWhole(4));
+        ADD_FAILURE() << "no error raised";
+    } catch (const wipe::FileError& e) {
+        EXPECT_EQ(e.number(), 45602);
+        EXPECT_EQ(e.description().rfind("Error opening '" + temp.string() + "'.\r\nError ", 0), 0u);
+    }
+    EXPECT_TRUE(view.wipeEnabled);
+    EXPECT_FALSE(wipe.running());
+    EXPECT_TRUE(fs::is_directory(temp));
+}
+
+TEST_F(FreeSpaceWipeTest, StaleTemporaryFileIsOfferedUnlessAWipeHoldsIt) {
+    EXPECT_FALSE(wipe.offerStaleRemoval(dir.str())); // none there
+    dir.write("WNXTEMP.000", "left by a crash");
+    {
+        wipe::Random holder(platform->rawFiles());
+        holder.OpenFile(temp.string());
+        EXPECT_FALSE(wipe.offerStaleRemoval(dir.str()));
+        EXPECT_TRUE(view.ask.asked.empty());
+    }
+    view.ask.answers = {false};
+    EXPECT_FALSE(wipe.offerStaleRemoval(dir.str()));
+    EXPECT_TRUE(fs::exists(temp));
+    EXPECT_NE(view.ask.asked.back().find(temp.string()), std::string::npos);
+    EXPECT_TRUE(wipe.offerStaleRemoval(dir.str()));
+    EXPECT_FALSE(fs::exists(temp));
+}
+
+TEST_F(FreeSpaceWipeTest, WrongDriveKindIsRefusedWithItsMessageAndNothingWritten) {
+    EXPECT_EQ(wipe.wipeRemovable(dir.str()), FreeSpaceWipe::Outcome::Refused); // a fixed disk here
+    EXPECT_EQ(view.ask.told, std::vector<std::string>{"The drive you chose is not a removable drive"});
+    if (!testsupport::runQuietly("mount -t tmpfs -o size=1m scourmill-test '" + dir.str() + "'"))
+        GTEST_SKIP() << "cannot mount a tmpfs here to stand for a drive that is not fixed";
+    EXPECT_EQ(wipe.wipeFixed(dir.str()), FreeSpaceWipe::Outcome::Refused);
+    EXPECT_EQ(view.ask.told.back(), "The drive you chose is not a fixed drive");
+    EXPECT_FALSE(fs::exists(temp));
+    EXPECT_TRUE(view.wipeEnabled);
+    testsupport::runQuietly("umount '" + dir.str() + "'");
+}

@@ -1,0 +1,146 @@
+// The file object on real files: its numbered errors and their texts, OPEN_ALWAYS, the exclusive
+// open, reads past the end, and both kinds of seek.
+
+#include "platform/Platform.h"
+#include "tests/support/Scratch.h"
+#include "wipe/FileError.h"
+#include "wipe/Random.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <functional>
+#include <sys/stat.h>
+
+using testsupport::readFile;
+using testsupport::ScratchDir;
+using wipe::FileError;
+using wipe::Random;
+
+namespace {
+
+int errorNumber(const std::function<void()>& call, std::string* description = nullptr) {
+    try {
+        call();
+    } catch (const FileError& e) {
+        EXPECT_EQ(e.source(), "Win32File Object");
+        if (description)
+            *description = e.description();
+        return e.number();
+    }
+    return 0;
+}
+
+struct RandomTest : ::testing::Test {
+    std::unique_ptr<platform::Platform> platform = platform::createNative();
+    ScratchDir dir;
+};
+
+} // namespace
+
+TEST_F(RandomTest, ClosedObjectRaises45603EverywhereButIsOpen) {
+    Random r(platform->rawFiles());
+    EXPECT_FALSE(r.IsOpen());
+    std::string text;
+    EXPECT_EQ(errorNumber([&] { r.FileName(); }, &text), 45603);
+    EXPECT_EQ(text, "There is no open file.");
+    EXPECT_EQ(errorNumber([&] { r.FileHandle(); }), 45603);
+    EXPECT_EQ(errorNumber([&] { r.AutoFlush(); }), 45603);
+    EXPECT_EQ(errorNumber([&] { r.AutoFlush(true); }), 45603);
+    EXPECT_EQ(errorNumber([&] { r.CloseFile(); }), 45603);
+    EXPECT_EQ(errorNumber([&] { r.ReadBytes(1); }), 45603);
+    EXPECT_EQ(errorNumber([&] { r.WriteBytes(std::vector<std::uint8_t>{1}); }), 45603);
+    EXPECT_EQ(errorNumber([&] { r.Flush(); }), 45603);
+    EXPECT_EQ(errorNumber([&] { r.SeekAbsolute(0, 0); }), 45603);
+    EXPECT_EQ(errorNumber([&] { r.SeekRelative(1.0f); }), 45603);
+}
+
+TEST_F(RandomTest, OpenAlwaysCreatesOrKeepsAndASecondOpenNamesTheFirstFile) {
+    const auto missing = dir.path() / "new.bin";
+    Random r(platform->rawFiles());
+    r.OpenFile(missing.string());
+    EXPECT_TRUE(std::filesystem::exists(missing));
+    EXPECT_EQ(std::filesystem::file_size(missing), 0u);
+    EXPECT_EQ(r.FileName(), missing.string());
+
+    std::string text;
+    EXPECT_EQ(errorNumber([&] { r.OpenFile((dir.path() / "other").string()); }, &text), 45601);
+    EXPECT_EQ(text, "The file '" + missing.string() + "' is already open.");
+    EXPECT_TRUE(r.IsOpen());
+    EXPECT_EQ(r.FileName(), missing.string());
+    r.CloseFile();
+
+    const auto kept = dir.write("kept.bin", "abcd");
+    r.OpenFile(kept.string());
+    const auto bytes = r.ReadBytes(10);
+    EXPECT_EQ(bytes, (std::vector<std::uint8_t>{'a', 'b', 'c', 'd', 0, 0, 0, 0, 0, 0}));
+    r.CloseFile();
+    EXPECT_EQ(readFile(kept), "abcd");
+    EXPECT_THROW(Random(platform->rawFiles()).ReadBytes(0), FileError); // closed comes first
+}
+
+TEST_F(RandomTest, OpenFailuresCarryTheSystemTextAndTheExclusiveOpenRefusesASecondOpener) {
+    const auto path = dir.write("locked.bin", "x").string();
+    Random first(platform->rawFiles()), second(platform->rawFiles());
+    first.OpenFile(path);
+    std::string text;
+    EXPECT_EQ(errorNumber([&] { second.OpenFile(path); }, &text), 45602);
+    EXPECT_EQ(text, "Error opening '" + path + "'.\r\nError " + std::to_string(EBUSY) + "\r\n" +
+                        platform->rawFiles().errorText(EBUSY));
+    first.CloseFile();
+    second.OpenFile(path); // released with the first handle
+
+    const std::string nowhere = (dir.path() / "no" / "such" / "file").string();
+    Random third(platform->rawFiles());
+    EXPECT_EQ(errorNumber([&] { third.OpenFile(nowhere); }, &text), 45602);
+    EXPECT_EQ(text, "Error opening '" + nowhere + "'.\r\nError " + std::to_string(ENOENT) + "\r\n" +
+                        platform->rawFiles().errorText(ENOENT));
+
+    // Only plain files open: never through a link, never a pipe or a device in a file's place.
+    std::filesystem::create_symlink(path, dir.path() / "link");
+    EXPECT_EQ(errorNumber([&] { third.OpenFile((dir.path() / "link").string()); }), 45602);
+    ASSERT_EQ(::mkfifo((dir.path() / "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(errorNumber([&] { third.OpenFile((dir.path() / "pipe").string()); }), 45602);
+    EXPECT_EQ(errorNumber([&] { third.OpenFile("/dev/null"); }), 45602);
+    EXPECT_FALSE(third.IsOpen());
+}
+
+TEST(RandomDescriptions, SuffixAndUnknownForms) {
+    EXPECT_EQ(Random::describe(45600, "", 0, ""), "Unknown error.");
+    EXPECT_EQ(Random::describe(12345, "", 5, ""), "Unknown error.\r\nError 5\r\nUnknown Error.");
+    EXPECT_EQ(Random::describe(45602, "f", 2, "No such file"), "Error opening 'f'.\r\nError 2\r\nNo such file");
+    EXPECT_EQ(Random::describe(45603, "", 2, "ignored"), "There is no open file.");
+    EXPECT_EQ(Random::describe(45604, "Error 22.\r\n22", 22, "ignored"), "Seek Error.\r\nError 22.\r\n22");
+}
+
+TEST_F(RandomTest, WritesSeeksAndAutoFlush) {
+    const auto path = dir.path() / "w.bin";
+    Random r(platform->rawFiles());
+    r.OpenFile(path.string());
+    EXPECT_GE(r.FileHandle(), 0);
+    EXPECT_FALSE(r.AutoFlush());
+    r.AutoFlush(true);
+    r.WriteBytes(std::vector<std::uint8_t>{'0', '1', '2', '3', '4', '5'});
+    EXPECT_EQ(readFile(path), "012345");
+    r.SeekAbsolute(0, 1);
+    r.WriteBytes(std::vector<std::uint8_t>{'x'});
+    r.SeekRelative(1.5f); // rounds half to even: 2, so from 2 to 4
+    r.WriteBytes(std::vector<std::uint8_t>{'y'});
+    r.SeekRelative(-2.5f); // -2: from 5 to 3
+    r.WriteBytes(std::vector<std::uint8_t>{'z'});
+    EXPECT_EQ(readFile(path), "0x2zy5");
+
+    std::string text;
+    EXPECT_EQ(errorNumber([&] { r.SeekRelative(-100.0f); }, &text), 45604);
+    EXPECT_EQ(text, "Seek Error.\r\nError " + std::to_string(EINVAL) + ".\r\n" + std::to_string(EINVAL));
+    EXPECT_THROW(r.SeekRelative(3e9f), std::overflow_error);
+
+    r.SeekAbsolute(1, 0); // 4 GiB: high half 1, low half 0
+    r.WriteBytes(std::vector<std::uint8_t>{'!'});
+    EXPECT_EQ(std::filesystem::file_size(path), (std::uint64_t{1} << 32) + 1);
+    r.SeekAbsolute(-1, -1); // a negative position: refused by the system, reported by nobody
+    r.CloseFile();
+    r.OpenFile(path.string());
+    EXPECT_FALSE(r.AutoFlush()); // CloseFile turned it off
+}

@@ -1,0 +1,153 @@
+// The secure delete on real files: the bytes each pass kind leaves, the rounded coverage, tiny
+// files, the "EndWipe" flag, the confirmations, and links in a folder being wiped.
+
+#include "platform/Platform.h"
+#include "tests/support/Scratch.h"
+#include "tests/wipe/Recorders.h"
+#include "wipe/SecureDelete.h"
+#include "wipe/WipeTexts.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+
+namespace fs = std::filesystem;
+using testsupport::readFile;
+using testsupport::ScratchDir;
+
+namespace {
+
+struct SecureDeleteTest : ::testing::Test {
+    std::unique_ptr<platform::Platform> platform = platform::createNative();
+    ScratchDir dir;
+    testsupport::SecureDeleteRecorder view;
+    core::QuietSink quiet;
+    wipe::SecureDelete shred{*platform, view, quiet, wipe::PatternRandom(42)};
+
+    /// The file's content at the start of each pass: what the pass before left.
+    std::map<int, std::string> contentBeforePass(const fs::path& file) {
+        std::map<int, std::string> seen;
+        view.onPass = [&seen, file](const std::string& path, int pass) {
+            if (path == file.string())
+                seen[pass] = readFile(file);
+        };
+        EXPECT_TRUE(shred.WipeFile(file.string()));
+        view.onPass = nullptr;
+        return seen;
+    }
+};
+
+std::string filled(char c, std::size_t n) {
+    return std::string(n, c);
+}
+
+} // namespace
+
+TEST_F(SecureDeleteTest, EachPassLeavesItsThirdBlockOverTheWholeFile) {
+    const auto file = dir.write("ten.bin", "0123456789"); // block length 2, five positions
+    const auto after = contentBeforePass(file);
+    EXPECT_FALSE(fs::exists(file));
+    ASSERT_EQ(after.size(), 35u);
+    EXPECT_EQ(after.at(1), "0123456789");
+    for (int pass : {1, 2, 3, 4, 32, 33, 34}) { // random: one value over the whole file
+        const std::string& bytes = after.at(pass + 1);
+        EXPECT_EQ(bytes, filled(bytes[0], 10)) << "pass " << pass;
+    }
+    EXPECT_EQ(after.at(6), filled('\x55', 10));  // pass 5
+    EXPECT_EQ(after.at(7), filled('\xAA', 10));  // pass 6
+    EXPECT_EQ(after.at(8), filled('\x24', 10));  // pass 7: 0x92, 0x49, then 0x24 over them
+    EXPECT_EQ(after.at(11), filled('\x00', 10)); // pass 10
+    EXPECT_EQ(after.at(26), filled('\xFF', 10)); // pass 25
+    EXPECT_EQ(after.at(32), filled('\xB6', 10)); // pass 31: 0xDB, 0x6D, 0xB6
+    ASSERT_EQ(view.valueLines.size(), 35u);
+    EXPECT_EQ(view.valueLines[6], "Block1: 0x31 , Block2: 0x49 , Block3: 0x24");
+}
+
+TEST_F(SecureDeleteTest, CoverageFollowsTheRoundedBlockLengthAndCount) {
+    // 9 bytes: block 2, count round(4.5) = 4: the last byte is not reached.
+    auto after = contentBeforePass(dir.write("nine.bin", "abcdefghi"));
+    EXPECT_EQ(after.at(6), filled('\x55', 8) + "i");
+    // 11 bytes: block 2, count round(5.5) = 6: a pass writes 12 bytes.
+    after = contentBeforePass(dir.write("eleven.bin", "abcdefghijk"));
+    EXPECT_EQ(after.at(2).size(), 12u);
+    EXPECT_EQ(after.at(6), filled('\x55', 12));
+}
+
+TEST_F(SecureDeleteTest, EmptyTinyAndReadOnlyFilesAreDeleted) {
+    const auto empty = dir.write("empty", "");
+    EXPECT_TRUE(shred.WipeFile(empty.string()));
+    EXPECT_TRUE(view.passes.empty()); // no pass for an empty file
+    EXPECT_FALSE(fs::exists(empty));
+
+    // Two bytes make a block length of 0: passes run but write nothing, and the file still goes.
+    const auto tiny = contentBeforePass(dir.write("tiny", "ab"));
+    EXPECT_EQ(tiny.at(35), "ab");
+    EXPECT_TRUE(view.valueLines.empty());
+    EXPECT_FALSE(fs::exists(dir.path() / "tiny"));
+
+    const auto readOnly = dir.write("ro.txt", "read only secret");
+    fs::permissions(readOnly, fs::perms::owner_read, fs::perm_options::replace);
+    EXPECT_TRUE(shred.WipeFile(readOnly.string()));
+    EXPECT_FALSE(fs::exists(readOnly));
+}
+
+TEST_F(SecureDeleteTest, EndWipeStopsTheFileAndLaterFilesAreOnlyCutAndDeleted) {
+    const auto a = dir.write("a.bin", filled('A', 100000));
+    const auto b = dir.write("b.bin", filled('B', 100000));
+    std::map<std::string, std::uint64_t> written;
+    view.onPass = [&](const std::string& path, int pass) {
+        if (path == a.string() && pass == 3)
+            view.endWipe = true;
+    };
+    view.onProgress = [&](const wipe::FileWipeProgress& now) { written[now.path] += 1; };
+    EXPECT_TRUE(shred.WipeSelectedFiles("a.bin", {a.string(), b.string()}));
+    EXPECT_FALSE(fs::exists(a));
+    EXPECT_FALSE(fs::exists(b));
+    EXPECT_GT(written[a.string()], 0u);
+    EXPECT_EQ(written.count(b.string()), 0u); // b never got a single block
+    ASSERT_FALSE(view.passes.empty());
+    EXPECT_EQ(view.passes.back(), std::make_pair(b.string(), 1));
+}
+
+TEST_F(SecureDeleteTest, NothingIsTouchedWithoutANameOrAYes) {
+    const auto file = dir.write("keep.txt", "keep me");
+    EXPECT_FALSE(shred.WipeSelectedFiles("", {file.string()}));
+    EXPECT_EQ(view.ask.told, std::vector<std::string>{"You must select a file!"});
+
+    view.ask.answers = {false};
+    EXPECT_FALSE(shred.WipeSelectedFiles("keep.txt", {file.string()}));
+    EXPECT_EQ(view.ask.asked.back(),
+              "Are you ABSOLUTELY sure you wish to Delete Selected Files completely and FOREVER?");
+    EXPECT_TRUE(shred.WipeSelectedFiles("keep.txt", {})); // a name but no selection: asks, wipes nothing
+    EXPECT_EQ(readFile(file), "keep me");
+
+    view.ask.answers = {false};
+    EXPECT_FALSE(shred.WipeFolder(dir.str()));
+    EXPECT_EQ(view.ask.asked.back(), "Wipe " + dir.str() + " completely and FOREVER?");
+    EXPECT_EQ(view.ask.askedStyles.back(), 52);
+    EXPECT_EQ(readFile(file), "keep me");
+}
+
+TEST_F(SecureDeleteTest, FolderWipeRemovesLinksButNeverWhatTheyPointTo) {
+    ScratchDir outside;
+    const auto target = outside.write("target.txt", "must survive");
+    const auto targetDir = outside.write("kept/inner.txt", "also survives").parent_path();
+    const auto victim = dir.path() / "victim";
+    dir.write("victim/own.txt", "wiped");
+    dir.write("victim/sub/deeper.txt", "removed");
+    fs::create_symlink(target, victim / "file-link");
+    fs::create_symlink(targetDir, victim / "dir-link");
+    fs::create_symlink(target, victim / "sub" / "nested-link");
+
+    EXPECT_TRUE(shred.WipeFolder(victim.string()));
+    EXPECT_FALSE(fs::exists(fs::symlink_status(victim)));
+    EXPECT_EQ(readFile(target), "must survive");
+    EXPECT_EQ(readFile(targetDir / "inner.txt"), "also survives");
+
+    // A link named directly is removed, its target untouched.
+    fs::create_symlink(target, dir.path() / "direct-link");
+    EXPECT_TRUE(shred.WipeFile((dir.path() / "direct-link").string()));
+    EXPECT_FALSE(fs::exists(fs::symlink_status(dir.path() / "direct-link")));
+    EXPECT_EQ(readFile(target), "must survive");
+}

@@ -1,0 +1,227 @@
+#include "wipe/FreeSpaceWipe.h"
+
+#include "core/NumberFormat.h"
+#include "core/Rounding.h"
+#include "wipe/Gutmann.h"
+#include "wipe/Random.h"
+#include "wipe/Removal.h"
+#include "wipe/WipeTexts.h"
+
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <thread>
+
+namespace wipe {
+namespace {
+
+constexpr std::int64_t TwoTo31 = std::int64_t{1} << 31;
+constexpr std::int64_t TwoTo32 = std::int64_t{1} << 32;
+
+core::Currency bytes(std::int64_t whole) {
+    return core::Currency::fromWhole(whole);
+}
+
+/// Seconds with at most two decimals and no trailing zeros: "3", "2.5", "0.01".
+std::string secondsText(double seconds) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.2f", seconds);
+    std::string s = text;
+    while (s.back() == '0')
+        s.pop_back();
+    if (s.back() == '.')
+        s.pop_back();
+    return s;
+}
+
+} // namespace
+
+core::Currency FreeSpaceWipe::fixedIncrement() {
+    return bytes(2147483648LL / 1024);
+}
+
+core::Currency FreeSpaceWipe::removableIncrement() {
+    return core::Currency::fromRaw(1457664LL * core::Currency::Scale / 1024);
+}
+
+FreeSpaceWipe::FreeSpaceWipe(platform::Platform& platform, FreeSpaceView& view, core::ProblemSink& problems)
+    : m_platform(platform), m_view(view), m_problems(problems) {}
+
+std::string FreeSpaceWipe::tempPath(const std::string& dir) const {
+    return joinPath(m_platform.fileSystem(), dir, texts::TempFileName);
+}
+
+core::Currency FreeSpaceWipe::freeSpace(const std::string& dir) {
+    platform::DiskSpace space;
+    if (!m_platform.drives().space(dir, space))
+        return {};
+    return core::Currency::fromCount(space.freeToCaller);
+}
+
+FreeSpaceWipe::Outcome FreeSpaceWipe::wipeFixed(const std::string& dir) {
+    return start(dir, false);
+}
+
+FreeSpaceWipe::Outcome FreeSpaceWipe::wipeRemovable(const std::string& dir) {
+    return start(dir, true);
+}
+
+bool FreeSpaceWipe::accepts(const std::string& dir, bool removable) {
+    auto& drives = m_platform.drives();
+    const std::string root = drives.rootOf(dir);
+    const platform::DriveType type = drives.type(root);
+    if (!removable && type != platform::DriveType::Fixed) {
+        m_view.prompts().tell(texts::NotFixed, core::MessageTitle, core::MsgStyle::OkOnly);
+        return false;
+    }
+    if (removable && type != platform::DriveType::Removable) {
+        m_view.prompts().tell(texts::NotRemovable, core::MessageTitle, core::MsgStyle::OkOnly);
+        return false;
+    }
+    if (removable && !drives.isDirectory(root)) {
+        m_view.prompts().tell(texts::InsertDisk, core::MessageTitle, core::MsgStyle::OkOnly);
+        return false;
+    }
+    return true;
+}
+
+FreeSpaceWipe::Outcome FreeSpaceWipe::start(const std::string& dir, bool removable) {
+    if (!accepts(dir, removable))
+        return Outcome::Refused;
+    m_view.setWipeEnabled(false);
+    const core::Currency free = freeSpace(dir);
+    m_view.freeSpaceMeasured(free);
+    return run(dir, free, removable ? removableIncrement() : fixedIncrement());
+}
+
+FreeSpaceWipe::Outcome FreeSpaceWipe::run(const std::string& dir, core::Currency freeBytes, core::Currency increment) {
+    const std::string path = tempPath(dir);
+    Random file(m_platform.rawFiles());
+    m_running = true;
+    m_view.setWipeEnabled(false);
+    bool opened = false; // an error before the first open must not delete another wipe's file
+    try {
+        const double quotient = static_cast<double>(freeBytes.raw()) / static_cast<double>(increment.raw());
+        const std::int64_t count = core::Currency::fromRaw(core::roundHalfEven(quotient * core::Currency::Scale)).rounded();
+        const std::int64_t steps = core::roundHalfEven(quotient);
+        const auto chars = static_cast<std::size_t>(core::roundHalfEven(increment.toDouble()));
+
+        for (int pass = 1; pass <= Gutmann::PassCount; ++pass) {
+            m_view.passStarted(pass, increment);
+            file.OpenFile(path);
+            opened = true;
+            if (Gutmann::isRandom(pass)) {
+                // The two halves of the table are seeded differently on purpose.
+                const double t = PatternRandom::secondsSinceMidnight();
+                m_random.reseed(pass <= 4 ? std::sin(t) : std::tan(t));
+            }
+            const Gutmann::Values values = Gutmann::values(pass, m_random);
+            const auto block1 = Gutmann::wideBlock(values[0], chars);
+            const auto block2 = Gutmann::wideBlock(values[1], chars);
+            const auto block3 = Gutmann::wideBlock(values[2], chars);
+
+            FreeSpaceProgress now{pass, increment, 0, count, {}, {}, 0};
+            for (std::int64_t i = 1; i <= steps; ++i) {
+                // The seek halves come from the 64-bit position itself; for the fixed increment that
+                // is exactly what the offset and high-half bookkeeping below amounts to, and it stays
+                // right for the removable increment past 2 GiB, where the offset no longer fits.
+                const std::int64_t position = core::roundHalfEven(now.wiped.toDouble());
+                const auto highPos = static_cast<std::int32_t>(position >> 32);
+                const auto lowPos = static_cast<std::int32_t>(static_cast<std::uint32_t>(position));
+                file.WriteBytes(block1);
+                file.SeekAbsolute(highPos, lowPos);
+                file.WriteBytes(block2);
+                file.SeekAbsolute(highPos, lowPos);
+                file.WriteBytes(block3);
+                file.SeekAbsolute(highPos, lowPos);
+                m_view.pumpEvents();
+
+                now.offset = now.offset + increment;
+                now.wiped = now.wiped + increment;
+                now.index = i;
+                m_view.progress(now);
+                if (now.offset == bytes(TwoTo31))
+                    now.offset = bytes(-TwoTo31);
+                if (now.wiped == bytes(TwoTo32))
+                    now.high = 1;
+                else if (now.wiped == bytes((std::int64_t{now.high} + 1) * TwoTo32))
+                    ++now.high;
+
+                if (m_view.interrupted() || (m_view.exitRequested() && exitConfirmed())) {
+                    file.Flush();
+                    file.CloseFile();
+                    removeTemp(path);
+                    m_view.setWipeEnabled(true);
+                    m_view.setExitRequested(false);
+                    m_running = false;
+                    m_view.prompts().tell(texts::MayExit, core::MessageTitle, core::MsgStyle::OkOnly);
+                    return Outcome::Exited;
+                }
+                if (m_view.pauseRequested())
+                    pause();
+            }
+            file.Flush(); // the pass must be on the device before its file is released
+            file.CloseFile();
+            removeTemp(path);
+        }
+    } catch (...) {
+        if (file.IsOpen())
+            file.CloseFile();
+        if (opened)
+            removeTemp(path);
+        m_view.setWipeEnabled(true);
+        m_running = false;
+        throw;
+    }
+    m_running = false;
+    return Outcome::Completed;
+}
+
+bool FreeSpaceWipe::exitConfirmed() {
+    if (m_view.prompts().askYesNo(texts::ConfirmExit, core::MessageTitle, core::MsgStyle::YesNo))
+        return true;
+    m_view.setExitRequested(false);
+    return false;
+}
+
+void FreeSpaceWipe::pause() {
+    const double start = PatternRandom::secondsSinceMidnight();
+    double now = start;
+    while (now < start + 500000) {
+        m_view.pumpEvents();
+        if (!m_view.pauseRequested() || m_view.interrupted())
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // no busy loop while paused
+        now = PatternRandom::secondsSinceMidnight();
+    }
+    now = PatternRandom::secondsSinceMidnight();
+    m_view.prompts().tell(texts::PausedFor + secondsText(now - start) + texts::Seconds, core::MessageTitle,
+                          core::MsgStyle::OkOnly);
+}
+
+void FreeSpaceWipe::removeTemp(const std::string& path) {
+    truncateAndDelete(m_platform, path, m_problems);
+}
+
+bool FreeSpaceWipe::requestQuit() {
+    if (!m_running)
+        return true;
+    if (m_view.prompts().askYesNo(texts::StillRunning, core::MessageTitle, core::MsgStyle::YesNo))
+        m_view.setExitRequested(true);
+    return false;
+}
+
+bool FreeSpaceWipe::offerStaleRemoval(const std::string& dir) {
+    const std::string path = tempPath(dir);
+    const auto info = m_platform.fileSystem().info(path);
+    if (!info)
+        return false;
+    if (info->isRegular && !m_platform.rawFiles().open(path))
+        return false; // held open: a wipe is running on it right now
+    if (!m_view.prompts().askYesNo(texts::staleTempFile(path, core::formatGrouped(static_cast<std::int64_t>(info->size))),
+                                   core::MessageTitle, core::MsgStyle::YesNo | core::MsgStyle::Question))
+        return false;
+    return truncateAndDelete(m_platform, path, m_problems);
+}
+
+} // namespace wipe

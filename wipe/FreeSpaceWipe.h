@@ -1,0 +1,75 @@
+#pragma once
+// The free-space wipe: fills the free space of a drive with the temporary file WNXTEMP.000 and
+// writes it over in the 35 passes of the Gutmann method, deleting the file after each pass, so
+// that what deleted files left in the free space is overwritten. A run advances by a fixed
+// increment, writing three blocks over the same place per increment, and reads the exit and pause
+// check boxes once per increment. Every pass reaches the device before the file is deleted, and the
+// file is removed on every way out of a run, errors included.
+
+#include "core/Currency.h"
+#include "core/ProblemSink.h"
+#include "platform/Platform.h"
+#include "wipe/FreeSpaceView.h"
+#include "wipe/PatternRandom.h"
+
+#include <string>
+
+namespace wipe {
+
+class FreeSpaceWipe {
+public:
+    enum class Outcome {
+        Refused,   ///< wrong drive kind or no medium: a message was shown and nothing written
+        Completed, ///< all 35 passes ran
+        Exited,    ///< stopped through the exit request or an interruption; the file is gone
+    };
+
+    /// 2,147,483,648 / 1024 bytes: the increment on fixed drives.
+    static core::Currency fixedIncrement();
+    /// 1,457,664 / 1024 = 1423.5 bytes: the increment on removable drives.
+    static core::Currency removableIncrement();
+
+    FreeSpaceWipe(platform::Platform& platform, FreeSpaceView& view, core::ProblemSink& problems);
+
+    /// The temporary file's path in folder `dir`.
+    std::string tempPath(const std::string& dir) const;
+    /// The bytes the caller may still write on the drive holding `dir`, whole bytes; 0 on failure.
+    core::Currency freeSpace(const std::string& dir);
+
+    /// Whether the drive holding `dir` is of the kind asked for (fixed, or removable with a medium);
+    /// when not, shows the refusal message and returns false.
+    bool accepts(const std::string& dir, bool removable);
+    /// "Wipe Hard Drive FreeSpace": refuses with its message unless `dir`'s drive is fixed, else
+    /// runs with the fixed increment over the free space measured now. Errors of the file object
+    /// propagate (FileError) after the temporary file has been removed and the buttons re-enabled.
+    Outcome wipeFixed(const std::string& dir);
+    /// "Wipe A:\ or Small Drives": the same for a removable drive with a medium in it.
+    Outcome wipeRemovable(const std::string& dir);
+    /// The run itself: WNXTEMP.000 in `dir`, `freeBytes` (whole bytes) to cover, `increment` bytes
+    /// per step. Leaves the wipe buttons disabled after a complete run.
+    Outcome run(const std::string& dir, core::Currency freeBytes, core::Currency increment);
+
+    /// "Exit Program": true when the window may close now. While a run goes on, asks whether to
+    /// quit and on Yes ticks the exit request, which the run confirms at its next increment.
+    bool requestQuit();
+    /// Whether a run is in progress.
+    bool running() const { return m_running; }
+
+    /// When `dir` holds a temporary file that no running wipe holds open (a crash left it), asks
+    /// whether to remove it and does on Yes. True when a stale file was found and removed.
+    bool offerStaleRemoval(const std::string& dir);
+
+private:
+    Outcome start(const std::string& dir, bool removable);
+    bool exitConfirmed();
+    void pause();
+    void removeTemp(const std::string& path);
+
+    platform::Platform& m_platform;
+    FreeSpaceView& m_view;
+    core::ProblemSink& m_problems;
+    PatternRandom m_random;
+    bool m_running = false;
+};
+
+} // namespace wipe

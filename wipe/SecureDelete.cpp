@@ -1,0 +1,153 @@
+#include "wipe/SecureDelete.h"
+
+#include "core/Rounding.h"
+#include "wipe/Removal.h"
+#include "wipe/WipeTexts.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace wipe {
+namespace {
+
+// Blocks are a fifth of the file, so a large file's block is written from this much memory at a
+// time; the bytes reaching the file are the same.
+constexpr std::size_t ChunkBytes = std::size_t{1} << 20;
+
+std::string hex2(unsigned value) {
+    char text[16];
+    std::snprintf(text, sizeof text, "%02X", value);
+    return text;
+}
+
+} // namespace
+
+SecureDelete::SecureDelete(platform::Platform& platform, SecureDeleteView& view, core::ProblemSink& problems)
+    : SecureDelete(platform, view, problems, PatternRandom()) {}
+
+SecureDelete::SecureDelete(platform::Platform& platform, SecureDeleteView& view, core::ProblemSink& problems,
+                           PatternRandom random)
+    : m_platform(platform), m_view(view), m_problems(problems), m_random(random) {}
+
+std::string SecureDelete::passText(const Gutmann::Values& values) {
+    // The first value shows the code of its own first decimal digit: that is how the window has
+    // always printed it, and users compare against it.
+    const auto firstDigit = static_cast<unsigned char>(std::to_string(values[0])[0]);
+    return "Block1: 0x" + hex2(firstDigit) + " , Block2: 0x" + hex2(values[1]) + " , Block3: 0x" + hex2(values[2]);
+}
+
+bool SecureDelete::WipeSelectedFiles(const std::string& fileName, const std::vector<std::string>& paths) {
+    auto& prompts = m_view.prompts();
+    if (fileName.empty()) {
+        prompts.tell(texts::SelectFile, core::MessageTitle, core::MsgStyle::OkOnly);
+        return false;
+    }
+    if (!prompts.askYesNo(texts::ConfirmFiles, core::MessageTitle, core::MsgStyle::YesNo))
+        return false;
+    for (const auto& path : paths) {
+        if (m_view.interrupted())
+            break;
+        WipeFile(path);
+    }
+    return true;
+}
+
+bool SecureDelete::WipeFolder(const std::string& folder) {
+    if (!m_view.prompts().askYesNo(texts::WipeFolderPrefix + folder + texts::WipeFolderSuffix, core::MessageTitle,
+                                   core::MsgStyle::YesNo | core::MsgStyle::Exclamation))
+        return false;
+    auto& files = m_platform.fileSystem();
+    const auto info = files.info(folder);
+    if (!info || !info->isDirectory() || info->isLink()) {
+        m_problems.skipped(folder, "is not a folder");
+        return true;
+    }
+    std::vector<std::string> own;
+    files.list(folder, "*", [&](const platform::FileInfo& fi) {
+        if (fi.isRegular)
+            own.push_back(joinPath(files, folder, fi.name));
+        return true;
+    });
+    for (const auto& path : own) {
+        if (m_view.interrupted())
+            return true; // the rest, and the folder, stay as they are
+        WipeFile(path);
+    }
+    // Subfolders go without being overwritten, and links are removed, never followed.
+    removeTree(files, folder, m_problems);
+    return true;
+}
+
+bool SecureDelete::WipeFile(const std::string& path) {
+    auto& files = m_platform.fileSystem();
+    const auto info = files.info(path);
+    if (!info) {
+        m_problems.skipped(path, "does not exist");
+        return true;
+    }
+    if (info->isDirectory() && !info->isLink()) {
+        m_problems.skipped(path, "is a folder");
+        return false;
+    }
+    if (info->isRegular) {
+        files.makeNormal(path);
+        if (info->size > 0 && !overwrite(path, info->size) && !m_view.stopRequested() && !m_view.interrupted())
+            m_problems.skipped(path, "could not be overwritten; it is deleted all the same");
+    }
+    return truncateAndDelete(m_platform, path, m_problems);
+}
+
+bool SecureDelete::overwrite(const std::string& path, std::uint64_t length) {
+    const std::int64_t blockLength = core::roundHalfEven(static_cast<double>(length) * 0.2);
+    for (int pass = 1; pass <= Gutmann::PassCount; ++pass) {
+        m_view.passStarted(path, pass);
+        auto file = m_platform.rawFiles().open(path);
+        if (!file)
+            return false;
+        const Gutmann::Values values = Gutmann::values(pass, m_random);
+        if (blockLength > 0)
+            m_view.passValues(passText(values));
+        // The length is read again each pass: a pass may have written a little past the old end.
+        const std::int64_t current = file->seek(0, platform::RawFile::From::End);
+        file->seek(0, platform::RawFile::From::Begin);
+        // A block length of 0 (files of 1 or 2 bytes) leaves nothing to count: nothing is written.
+        const std::int64_t count =
+            blockLength > 0 && current >= 0 ? core::roundHalfEven(static_cast<double>(current) / blockLength) : 0;
+        FileWipeProgress now{path, pass, 0, static_cast<std::uint64_t>(count * blockLength * 3)};
+        for (std::int64_t i = 1; i <= count; ++i) {
+            if (m_view.stopRequested() || m_view.interrupted())
+                return false;
+            const std::int64_t position = file->seek(0, platform::RawFile::From::Current);
+            for (const std::uint8_t value : values) {
+                file->seek(position, platform::RawFile::From::Begin);
+                if (!writeBlock(*file, value, static_cast<std::uint64_t>(blockLength), now))
+                    return false;
+                m_view.pumpEvents();
+            }
+        }
+        file->flush(); // this pass reaches the device before the next one overwrites it
+    }
+    return true;
+}
+
+bool SecureDelete::writeBlock(platform::RawFile& file, std::uint8_t value, std::uint64_t length, FileWipeProgress& now) {
+    const std::size_t chunk = static_cast<std::size_t>(std::min<std::uint64_t>(length, ChunkBytes));
+    if (m_chunk.size() < chunk)
+        m_chunk.resize(chunk);
+    std::fill(m_chunk.begin(), m_chunk.begin() + static_cast<std::ptrdiff_t>(chunk), value);
+    for (std::uint64_t left = length; left > 0;) {
+        const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(left, chunk));
+        file.write(m_chunk.data(), n);
+        left -= n;
+        now.written += n;
+        m_view.progress(now);
+        if (left > 0) {
+            m_view.pumpEvents();
+            if (m_view.interrupted())
+                return false;
+        }
+    }
+    return true;
+}
+
+} // namespace wipe
