@@ -45,7 +45,7 @@ std::string trimKey(const std::string& key) {
 // starts no valid sequence stands for itself, so nothing read is ever dropped.
 void appendUtf8Char(const std::string& s, std::size_t& pos, std::u16string& out) {
     const auto b0 = static_cast<unsigned char>(s[pos]);
-    int extra = b0 >= 0xF0 && b0 <= 0xF4 ? 3 : b0 >= 0xE0 ? 2 : b0 >= 0xC2 && b0 < 0xE0 ? 1 : 0;
+    const int extra = b0 >= 0xC2 && b0 <= 0xDF ? 1 : b0 >= 0xE0 && b0 <= 0xEF ? 2 : b0 >= 0xF0 && b0 <= 0xF4 ? 3 : 0;
     if (b0 < 0x80 || extra == 0 || pos + extra >= s.size()) {
         out.push_back(b0);
         ++pos;

@@ -340,3 +340,15 @@ TEST(LinuxRegistry, RefusesEveryWriteWhileTheWineserverOfThePrefixHoldsItsLock) 
     EXPECT_EQ(p.registry.deleteValue(k, "Plain"), RegResult::Success);
     EXPECT_EQ(p.text().find("\"Plain\""), std::string::npos);
 }
+
+TEST(WineHive, HandEditedUtf8IsReadAndAStrayByteStandsForItself) {
+    const std::string text = testsupport::HiveHeader + "\n[Software\\\\Tavi] 1\n\"Raw\"=\"caf\xc3\xa9 \xff!\"\n";
+    WineHive hive;
+    ASSERT_TRUE(hive.parse(text));
+    EXPECT_EQ(hive.text(), text);
+    const HiveValue* raw = hive.value("SOFTWARE\\tavi", "raw");
+    ASSERT_NE(raw, nullptr);
+    using namespace std::string_literals;
+    EXPECT_EQ(std::string(raw->data.begin(), raw->data.end()), "caf\xc3\xa9 \xc3\xbf!\0"s);
+    EXPECT_EQ(WineHive::formatValue("Raw", *raw), "\"Raw\"=\"caf\\xe9 \\xff!\"");
+}
