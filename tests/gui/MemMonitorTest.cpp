@@ -2,7 +2,7 @@
 
 #include "memory/ui/MemMonitor.h"
 #include "platform/Platform.h"
-#include "tests/support/Scratch.h"
+#include "tests/support/QtTestMain.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -44,14 +44,6 @@ private slots:
     }
 };
 
-int main(int argc, char** argv) {
-    testsupport::enterScratchEnvironment();
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    MemMonitorTest test;
-    const int rc = QTest::qExec(&test, argc, argv);
-    testsupport::leaveScratchEnvironment();
-    return rc;
-}
+SCOURMILL_QTEST_MAIN(MemMonitorTest)
 
 #include "MemMonitorTest.moc"

@@ -1,0 +1,92 @@
+#include "app/HoverHelp.h"
+
+#include <QMenu>
+#include <QMenuBar>
+
+namespace app {
+
+const std::vector<HelpMenuSpec>& mainWindowHelp() {
+    // The texts are the program's own, odd spacing and spelling included.
+    static const std::vector<HelpMenuSpec> specs = {
+        {"mainhelp", "mainhelp  ", "GGCommand1",
+         {{"mainshowcache", " Cache  is a place where data is stored for"},
+          {"mainshowcache2", "quicker access to avoid reads from a slower"},
+          {"mainshowcache3", "device such as a disk. This shows whats in cache."}}},
+        {"mainhelp2", "mainhelp2", "GGCommand2",
+         {{"wipecache", "Wipes the Cache clean of ALL entries"},
+          {"wipecache2", "also cleans ram and swap file mem allocations"}}},
+        {"mainhelp3", "mainhelp3", "GGCommand3",
+         {{"wipecachetemp", "Cleans cache, history, cookies as well as files placed in "},
+          {"wipecachetemp2", "temporary directories on hard drive."},
+          {"wipecachetemp3", "also cleans ram and swap file mem allocations"}}},
+        {"mainhelp4", "mainhelp4", "GGCommand4", {{"manageindex", "The Ultimate control over recorded activity."}}},
+        {"mainhelp5", "mainhelp5", "GGCommand8",
+         {{"wipefree", "Cleans Hard drive free space above"},
+          {"wipefree2", "Dept. of Defense standards utilizing"},
+          {"wipefree3", "the Gutmann method's research on magnetic data."}}},
+        {"mainhelp6", "mainhelp6", "GGCommand9",
+         {{"securefile", "Wipes files and folders above Dept. of Defense"},
+          {"securefile2", "standards utilizing the Gutmann method's research"},
+          {"securefile3", "on magnetic data"}}},
+        {"mainhelp7", "mainhelp7", "GGCommand10",
+         {{"autoclean", "When running in your system tray, IE internet"},
+          {"autoclean2", "activity will automatically be erased on browzer closing"}}},
+        {"mainhelp8", "mainhelp8", "GGCommand11",
+         {{"cleanitem", "Will delete recorded activity in programs"},
+          {"cleanitem2", "from the \"Please Choose Item to Clean\" list"}}},
+        {"mainhelp9", "mainhelp9", "GGCommand12",
+         {{"hideme", "Keeps program running in the background"}, {"hideme2", "from your system tray"}}},
+        {"mainhelp10", "mainhelp10", "List1",
+         {{"mylist", "Cache information is viewed here."}, {"mylist2", "Double Click to open location in browser"}}},
+    };
+    return specs;
+}
+
+HoverHelp::HoverHelp(QWidget* window, QMenuBar* bar, const std::vector<HelpMenuSpec>& specs) : QObject(window) {
+    for (const HelpMenuSpec& spec : specs) {
+        auto* menu = new QMenu(QString::fromUtf8(spec.title), window);
+        menu->setObjectName(spec.menu);
+        for (const HelpLine& line : spec.lines)
+            menu->addAction(QString::fromUtf8(line.text))->setObjectName(line.entry);
+        // A tool tip, not a pop-up: no mouse grab, no focus, clicks pass through to what is below.
+        menu->setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput);
+        menu->setAttribute(Qt::WA_ShowWithoutActivating);
+        menu->setAttribute(Qt::WA_TransparentForMouseEvents);
+        bar->addMenu(menu);
+        m_menus.emplace_back(QString::fromUtf8(spec.control), menu);
+    }
+}
+
+QMenu* HoverHelp::menuFor(const QString& control) const {
+    for (const auto& [name, menu] : m_menus)
+        if (name == control)
+            return menu;
+    return nullptr;
+}
+
+void HoverHelp::popUp(const QString& control, const QPoint& globalPos) {
+    QMenu* menu = menuFor(control);
+    if (!menu)
+        return;
+    for (const auto& [name, other] : m_menus)
+        if (other != menu)
+            other->hide();
+    menu->adjustSize();
+    // Just beside the pointer, so the pointer never rests on the help itself.
+    menu->move(globalPos + QPoint(2, 2));
+    menu->show();
+}
+
+void HoverHelp::hide() {
+    for (const auto& [name, menu] : m_menus)
+        menu->hide();
+}
+
+QMenu* HoverHelp::shown() const {
+    for (const auto& [name, menu] : m_menus)
+        if (menu->isVisible())
+            return menu;
+    return nullptr;
+}
+
+} // namespace app

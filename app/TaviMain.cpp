@@ -1,0 +1,360 @@
+#include "app/TaviMain.h"
+
+#include "app/HoverHelp.h"
+#include "app/Icons.h"
+#include "app/WindowSet.h"
+#include "app/autoclean/AutoCleanState.h"
+#include "app/autoclean/CheckProcess.h"
+#include "app/tray/SysTray.h"
+#include "cleaning/Registry.h"
+#include "controls/ggcommand/GGCommand.h"
+#include "controls/ggcommand/Design.h"
+#include "platform/Platform.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QCursor>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QScreen>
+#include <QThread>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <cstdlib>
+#include <ctime>
+
+namespace app {
+namespace {
+
+const QStringList ChooserItems = {"Recent Documents", "IE Typed URL's",  "MS Media Player", "Find Files or Folders",
+                                  "Find Computers",   "MS Paint",        "Run Menu",        "Word Pad",
+                                  "WinZip File",      "WinZip Extract",  "Recycle Bin",     "Do Em All"};
+
+const QString HelpOn = "HELP ON";
+const QString HelpOff = "HELP OFF";
+
+/// Buttons with hover help, by number; List1 has its own on every mouse move.
+constexpr int HelpButtons[] = {1, 2, 3, 4, 8, 9, 10, 11, 12};
+
+void pumpEvents() {
+    QCoreApplication::processEvents();
+}
+
+} // namespace
+
+TaviMain::TaviMain(platform::Platform& platform, WindowSet& windows, QWidget* parent)
+    : QWidget(parent), m_platform(platform), m_windows(windows), m_prompts(this) {
+    setObjectName("TaviMain");
+    setWindowTitle("Tavi Scourmill");
+    setWindowIcon(programIcon());
+    buildControls();
+    buildMenus();
+    ggcommand::applyDesign(*this, ":/design/TaviMain.design");
+    connectCommands();
+    load();
+}
+
+TaviMain::~TaviMain() = default;
+
+ggcommand::GGCommand* TaviMain::button(int number) const {
+    return findChild<ggcommand::GGCommand*>(QString("GGCommand%1").arg(number));
+}
+
+void TaviMain::buildControls() {
+    // Created in the window's own order, which is also the tab order.
+    m_timer1 = new QTimer(this);
+    m_timer1->setObjectName("Timer1");
+    m_timer1->setInterval(5000);
+
+    const auto makeButton = [this](QWidget* parent, int number) {
+        auto* b = new ggcommand::GGCommand(parent);
+        b->setObjectName(QString("GGCommand%1").arg(number));
+        b->setMinimumWidth(215);
+        b->setFixedHeight(36);
+        return b;
+    };
+
+    auto* frame4 = new QGroupBox("Internet Controls", this);
+    frame4->setObjectName("Frame4");
+    auto* internet = new QVBoxLayout(frame4);
+    for (int n : {5, 4, 3, 2, 1})
+        internet->addWidget(makeButton(frame4, n));
+    internet->addStretch();
+
+    auto* frame3 = new QGroupBox("Scourmill Controls", this);
+    frame3->setObjectName("Frame3");
+    auto* scourmill = new QGridLayout(frame3);
+    const int order[] = {14, 12, 11, 10, 9, 8, 6, 7};
+    for (int i = 0; i < 8; ++i)
+        scourmill->addWidget(makeButton(frame3, order[i]), i % 4, i / 4);
+
+    m_combo1 = new QComboBox(this);
+    m_combo1->setObjectName("Combo1");
+    m_combo1->setEditable(true);
+    m_combo1->setEditText("Please Choose Item to Clean");
+    m_combo1->setInsertPolicy(QComboBox::NoInsert);
+
+    m_tClosed = new QTimer(this);
+    m_tClosed->setObjectName("TClosed");
+    m_tClosed->setInterval(2000);
+    m_tCheck = new QTimer(this);
+    m_tCheck->setObjectName("TCheck");
+    m_tCheck->setInterval(2000);
+
+    m_list1 = new QListWidget(this);
+    m_list1->setObjectName("List1");
+    m_list1->setMouseTracking(true);
+    m_list1->viewport()->setMouseTracking(true);
+    m_list1->viewport()->installEventFilter(this);
+
+    m_picture1 = new QLabel(this);
+    m_picture1->setObjectName("Picture1");
+    m_picture1->setPixmap(cleaningIcon().pixmap(32, 32));
+    m_picture1->hide();
+
+    m_lblConnected = new QLabel(this);
+    m_lblConnected->setObjectName("lblconnected");
+    auto* label1 = new QLabel("Tavi Scourmill: erases what the browser and your programs leave behind.", this);
+    label1->setObjectName("Label1");
+    label1->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+
+    auto* grid = new QGridLayout(this);
+    grid->addWidget(frame4, 0, 0);
+    grid->addWidget(frame3, 0, 1);
+    grid->addWidget(m_combo1, 1, 0, 1, 2);
+    grid->addWidget(m_list1, 2, 0, 1, 2);
+    grid->addWidget(m_lblConnected, 3, 0);
+    grid->addWidget(label1, 3, 1);
+    grid->setRowStretch(2, 1);
+}
+
+void TaviMain::buildMenus() {
+    // The menu bar is never shown: its first menu is the tray's pop-up menu, the others the help.
+    m_menuBar = new QMenuBar(this);
+    m_menuBar->setObjectName("MenuBar");
+    m_menuBar->hide();
+
+    m_mnuFile = m_menuBar->addMenu("File");
+    m_mnuFile->setObjectName("Mnu_File");
+    const auto entry = [this](const char* name, const QString& caption, auto slot) {
+        QAction* a = m_mnuFile->addAction(caption);
+        a->setObjectName(name);
+        connect(a, &QAction::triggered, this, slot);
+    };
+    entry("Mnu_Show", "I'm Done HIDING!", [this] {
+        ShowCache();
+        showFromTray();
+    });
+    entry("Mnu_All", "Temp/Hist/Cookies", [this] { emit button(3)->Click(); });
+    entry("Mnu_dat", "Manage Dat Files", [this] { emit button(4)->Click(); });
+    entry("Mnu_WipeFreeSpace", "WipeFreeSpace", [this] { emit button(8)->Click(); });
+    entry("Mnu_FilesFolders", "Secure Delete", [this] { emit button(9)->Click(); });
+    entry("Mnu_AutoClean", "Enable/Disable Auto Clean", [this] { emit button(10)->Click(); });
+    m_mnuFile->addSeparator()->setObjectName("Mnu_Bar");
+    entry("Mnu_Exit", "Exit", [this] { exitProgram(); });
+
+    m_help = new HoverHelp(this, m_menuBar, mainWindowHelp());
+}
+
+void TaviMain::connectCommands() {
+    connect(button(1), &ggcommand::GGCommand::Click, this, [this] { ShowCache(); });
+    connect(button(2), &ggcommand::GGCommand::Click, this, [this] { wipeListedCacheEntries(); });
+    connect(button(3), &ggcommand::GGCommand::Click, this, [this] {
+        CleanTempFolder();
+        CleanAll();
+    });
+    connect(button(5), &ggcommand::GGCommand::Click, this, [this] { startPopUpStopper(); });
+    connect(button(7), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("MemMonitor"); });
+    connect(button(10), &ggcommand::GGCommand::Click, this, [this] { toggleAutoClean(); });
+    connect(button(12), &ggcommand::GGCommand::Click, this, [this] { hideMe(); });
+    connect(button(14), &ggcommand::GGCommand::Click, this, [this] { toggleHelp(); });
+
+    for (int n : HelpButtons) {
+        const QString name = QString("GGCommand%1").arg(n);
+        connect(button(n), &ggcommand::GGCommand::MouseEnter, this, [this, name] { hoverHelp(name); });
+        connect(button(n), &ggcommand::GGCommand::MouseExit, this, [this] { m_help->hide(); });
+    }
+    connect(m_list1, &QListWidget::itemDoubleClicked, this, [this] { openListedLine(); });
+
+    connect(m_timer1, &QTimer::timeout, this, [this] { refreshConnection(); });
+    connect(m_tCheck, &QTimer::timeout, this, [this] { checkTick(); });
+    connect(m_tClosed, &QTimer::timeout, this, [this] { closedTick(); });
+
+    m_tray = new tray::SysTray(this);
+    connect(m_tray, &tray::SysTray::doubleClicked, this, [this] { showFromTray(); });
+    connect(m_tray, &tray::SysTray::rightButtonDown, this, [this] { m_mnuFile->popup(QCursor::pos()); });
+}
+
+void TaviMain::load() {
+    adjustSize();
+    centreOnScreen();
+    m_combo1->addItems(ChooserItems);
+    m_combo1->setEditText("Please Choose Item to Clean");
+    // Kept as the system always did; nothing in this window uses it.
+    m_systemDirectory = QString::fromStdString(m_platform.knownFolders().systemDirectory()).left(255);
+    m_tray->AddTrayIcon(windowTitle(), windowIcon());
+    ShowCache();
+    readFolderPaths();
+    m_tempPath = QString::fromStdString(m_platform.knownFolders().tempPath());
+    std::srand(static_cast<unsigned>(std::time(nullptr)));
+    m_timer1->start();
+}
+
+void TaviMain::centreOnScreen() {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        return;
+    const QRect area = screen->geometry();
+    // Each half is truncated before the subtraction.
+    move(area.width() / 2 - width() / 2, area.height() / 2 - height() / 2);
+}
+
+void TaviMain::readFolderPaths() {
+    const std::string key = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+    const auto read = [&](const char* value) {
+        const std::string recorded =
+            cleaning::GetRegString(m_platform.registry(), platform::CurrentUserRoot, key, value);
+        return QString::fromStdString(m_platform.knownFolders().fromRegistryPath(recorded));
+    };
+    m_historyPath = read("History");
+    m_cachePath = read("Cache");
+    m_cookiesPath = read("Cookies");
+}
+
+void TaviMain::ShowCache() {
+    m_list1->clear();
+    for (const std::string& url : m_platform.urlCache().entries())
+        m_list1->addItem(QString::fromStdString(url));
+}
+
+void TaviMain::CleanAll() {
+    // The full clean arrives with the trace-cleaning routines; until then it cleans nothing.
+}
+
+void TaviMain::CleanTempFolder() {
+    // Arrives with the trace-cleaning routines.
+}
+
+void TaviMain::wipeListedCacheEntries() {
+    // Only what the list shows now is deleted: an empty list erases nothing, on purpose.
+    for (int i = 0; i < m_list1->count(); ++i)
+        m_platform.urlCache().deleteEntry(m_list1->item(i)->text().toStdString());
+    m_list1->clear();
+}
+
+void TaviMain::startPopUpStopper() {
+    // A missing program is not reported.
+    m_platform.shell().startProgram(m_platform.shell().executableName("tavipop"));
+}
+
+void TaviMain::toggleHelp() {
+    ggcommand::GGCommand* toggle = button(14);
+    if (toggle->caption() == HelpOn)
+        toggle->setCaption(HelpOff);
+    else if (toggle->caption() == HelpOff)
+        toggle->setCaption(HelpOn);
+}
+
+void TaviMain::hoverHelp(const QString& control) {
+    // The caption names what the next click does: "HELP OFF" means help is on.
+    if (button(14)->caption() == HelpOff)
+        m_help->popUp(control, QCursor::pos());
+}
+
+bool TaviMain::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_list1->viewport()) {
+        if (event->type() == QEvent::MouseMove)
+            hoverHelp("List1");
+        else if (event->type() == QEvent::Leave)
+            m_help->hide();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void TaviMain::hideMe() {
+    m_help->hide();
+    // Without a notification area a hidden window could never come back: minimize instead.
+    if (tray::SysTray::available())
+        hide();
+    else
+        showMinimized();
+}
+
+void TaviMain::showFromTray() {
+    showNormal();
+    raise();
+    activateWindow();
+}
+
+void TaviMain::openListedLine() {
+    const QListWidgetItem* item = m_list1->currentItem();
+    if (item)
+        m_platform.shell().open(item->text().toStdString());
+}
+
+void TaviMain::refreshConnection() {
+    // Set once, never cleared: the label stays after the connection drops.
+    if (m_platform.connectivity().connected())
+        m_lblConnected->setText("Connected to the Internet");
+}
+
+bool TaviMain::browserRunning() {
+    return autoclean::IsProcessRunning(m_platform.processes(), autoclean::watchedBrowsers(), pumpEvents);
+}
+
+namespace {
+
+autoclean::AutoCleanState readState(const ggcommand::GGCommand* toggle, const QTimer* check, const QTimer* closed) {
+    return {toggle->caption().toStdString(), check->isActive(), closed->isActive()};
+}
+
+void writeState(const autoclean::AutoCleanState& s, ggcommand::GGCommand* toggle, QTimer* check, QTimer* closed) {
+    toggle->setCaption(QString::fromStdString(s.caption));
+    if (s.checkEnabled != check->isActive())
+        s.checkEnabled ? check->start() : check->stop();
+    if (s.closedEnabled != closed->isActive())
+        s.closedEnabled ? closed->start() : closed->stop();
+}
+
+} // namespace
+
+void TaviMain::toggleAutoClean() {
+    writeState(autoclean::toggled(readState(button(10), m_tCheck, m_tClosed)), button(10), m_tCheck, m_tClosed);
+}
+
+void TaviMain::checkTick() {
+    const bool running = browserRunning();
+    writeState(autoclean::afterCheckTick(readState(button(10), m_tCheck, m_tClosed), running), button(10), m_tCheck,
+               m_tClosed);
+}
+
+void TaviMain::closedTick() {
+    if (!autoclean::mustClean(browserRunning()))
+        return;
+    m_tray->ShowIcon(QIcon(m_picture1->pixmap()));
+    QThread::msleep(500);
+    CleanAll();
+    m_tray->ShowIcon(windowIcon());
+    writeState(autoclean::afterClean(readState(button(10), m_tCheck, m_tClosed)), button(10), m_tCheck, m_tClosed);
+    emit autoCleaned();
+}
+
+void TaviMain::exitProgram() {
+    m_tray->RemoveTrayIcon();
+    emit exitRequested();
+}
+
+void TaviMain::closeEvent(QCloseEvent* event) {
+    m_help->hide();
+    m_tray->RemoveTrayIcon();
+    event->accept();
+    emit exitRequested();
+}
+
+} // namespace app

@@ -1,0 +1,112 @@
+#pragma once
+// The main window: every command of the program starts at one of its buttons, its tray menu or its
+// recent-item chooser. It owns the tray icon, the AutoClean watch and the folder paths the cleaning
+// routines use; the work itself is done by the core, and the tool windows come from the WindowSet.
+
+#include "controls/prompts/MessageBoxPrompts.h"
+
+#include <QString>
+#include <QWidget>
+
+class QComboBox;
+class QLabel;
+class QListWidget;
+class QMenu;
+class QMenuBar;
+class QTimer;
+
+namespace ggcommand {
+class GGCommand;
+}
+namespace platform {
+class Platform;
+}
+namespace tray {
+class SysTray;
+}
+
+namespace app {
+
+class HoverHelp;
+class WindowSet;
+
+class TaviMain : public QWidget {
+    Q_OBJECT
+public:
+    /// Builds the window and runs its start-up: centred on the screen, chooser filled, tray icon
+    /// added, cache list filled, folder paths read.
+    TaviMain(platform::Platform& platform, WindowSet& windows, QWidget* parent = nullptr);
+    ~TaviMain() override;
+
+    /// Fills List1 with the source address of every entry of the browser cache.
+    void ShowCache();
+    /// The full clean of cache, cookies and URL history.
+    void CleanAll();
+    /// Overwrites and deletes the temporary folder's files and its first-level subfolders.
+    void CleanTempFolder();
+
+    QString historyPath() const { return m_historyPath; }
+    QString cachePath() const { return m_cachePath; }
+    QString cookiesPath() const { return m_cookiesPath; }
+    QString tempPath() const { return m_tempPath; }
+    tray::SysTray& sysTray() const { return *m_tray; }
+    HoverHelp& hoverHelp() const { return *m_help; }
+
+signals:
+    /// The program should end now (Exit from the tray menu, or the window was closed).
+    void exitRequested();
+    /// An AutoClean clean has just finished.
+    void autoCleaned();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    ggcommand::GGCommand* button(int number) const;
+    void buildControls();
+    void buildMenus();
+    void connectCommands();
+    void load();
+    void centreOnScreen();
+    void readFolderPaths();
+
+    void wipeListedCacheEntries();
+    void startPopUpStopper();
+    void toggleHelp();
+    void hoverHelp(const QString& control);
+    void hideMe();
+    void showFromTray();
+    void openListedLine();
+    void exitProgram();
+
+    void refreshConnection();
+    void toggleAutoClean();
+    void checkTick();
+    void closedTick();
+    bool browserRunning();
+
+    platform::Platform& m_platform;
+    WindowSet& m_windows;
+    prompts::MessageBoxPrompts m_prompts;
+
+    QTimer* m_timer1 = nullptr;
+    QTimer* m_tCheck = nullptr;
+    QTimer* m_tClosed = nullptr;
+    QComboBox* m_combo1 = nullptr;
+    QListWidget* m_list1 = nullptr;
+    QLabel* m_lblConnected = nullptr;
+    QLabel* m_picture1 = nullptr;
+    QMenuBar* m_menuBar = nullptr;
+    QMenu* m_mnuFile = nullptr;
+    HoverHelp* m_help = nullptr;
+    tray::SysTray* m_tray = nullptr;
+
+    QString m_systemDirectory;
+    QString m_historyPath;
+    QString m_cachePath;
+    QString m_cookiesPath;
+    QString m_tempPath;
+};
+
+} // namespace app

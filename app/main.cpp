@@ -1,0 +1,75 @@
+// Tavi Scourmill, the desktop program.
+
+#include "app/Screenshots.h"
+#include "app/TaviMain.h"
+#include "app/WindowSet.h"
+#include "platform/Platform.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QEvent>
+#include <QTextStream>
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+/// For the start-up benchmark: prints the wall-clock time of the main window's first paint.
+class FirstPaintProbe : public QObject {
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint) {
+            const auto now = std::chrono::system_clock::now().time_since_epoch();
+            QTextStream(stderr) << "first-paint-ns " << std::chrono::duration_cast<std::chrono::nanoseconds>(now).count()
+                                << "\n";
+            watched->removeEventFilter(this);
+        }
+        return false;
+    }
+};
+
+bool wantsScreenshots(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i)
+        if (std::strcmp(argv[i], "--screenshot") == 0 || std::strncmp(argv[i], "--screenshot=", 13) == 0)
+            return true;
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // Screenshots need no display: lay the windows out offscreen.
+    if (wantsScreenshots(argc, argv) && !std::getenv("QT_QPA_PLATFORM"))
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    QApplication app(argc, argv);
+    QApplication::setApplicationName("Tavi Scourmill");
+    QApplication::setQuitOnLastWindowClosed(false); // the tray keeps the program alive
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription("Tavi Scourmill: erases what the browser and common programs leave behind.\n"
+                                     "The same commands are available on the terminal: scourmill-cli --help");
+    parser.addHelpOption();
+    const QCommandLineOption screenshot("screenshot", "Save every window as DIR/<WindowName>.png and exit.", "DIR");
+    parser.addOption(screenshot);
+    parser.process(app);
+
+    auto platform = platform::createNative();
+    if (!platform) {
+        QTextStream(stderr) << "Tavi Scourmill does not support this system yet.\n";
+        return 2;
+    }
+    app::WindowSet windows(*platform);
+    app::TaviMain main(*platform, windows);
+    QObject::connect(&main, &app::TaviMain::exitRequested, &app, &QApplication::quit, Qt::QueuedConnection);
+
+    if (parser.isSet(screenshot))
+        return app::saveScreenshots(main, windows, parser.value(screenshot)) == 0 ? 0 : 1;
+
+    FirstPaintProbe probe;
+    if (std::getenv("SCOURMILL_STARTUP_PROBE"))
+        main.installEventFilter(&probe);
+    main.show();
+    return app.exec();
+}
