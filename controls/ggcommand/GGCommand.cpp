@@ -176,11 +176,15 @@ void GGCommand::setGradientInverseOnPress(bool inverse) {
 
 void GGCommand::setMousePointer(int pointer) {
     m_props.mousePointer = toInt16(pointer);
+    applyCursor();
+    changed("MousePointer", false);
+}
+
+void GGCommand::applyCursor() {
     if (m_props.mousePointer == 0)
         unsetCursor();
     else
         setCursor(cursorShape(m_props.mousePointer));
-    changed("MousePointer", false);
 }
 
 void GGCommand::setButtonEnabled(bool enabled) {
@@ -248,7 +252,7 @@ void GGCommand::setProperties(const ButtonProperties& properties) {
     m_picture = properties.picture.empty() ? QPixmap() : QPixmap(QString::fromStdString(properties.picture));
     setFont(toQFont(properties.font));
     setEnabled(properties.enabled);
-    setMousePointer(properties.mousePointer);
+    applyCursor();
     applyEdge();
     run(m_machine.refresh(behaviour()));
 }

@@ -185,6 +185,7 @@ private:
     void run(const std::vector<Step>& steps);
     void changed(const char* key, bool repaint = true);
     void applyEdge();
+    void applyCursor();
     void createToolTip();
     void destroyToolTip();
     BehaviourOptions behaviour() const;

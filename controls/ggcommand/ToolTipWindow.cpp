@@ -15,6 +15,7 @@ constexpr int Padding = 4;
 constexpr int IconSize = 16;
 constexpr int StemHeight = 12;
 constexpr int BalloonRadius = 8;
+constexpr int MaxTextWidth = 400;
 // The tip stays up for ten double-click intervals, as the platform's tips do.
 constexpr int VisibleDoubleClicks = 10;
 
@@ -32,7 +33,7 @@ QStyle::StandardPixmap iconPixmap(int icon) {
 } // namespace
 
 ToolTipWindow::ToolTipWindow(QWidget* owner, const ToolTipLook& look)
-    : QWidget(owner, Qt::ToolTip | Qt::FramelessWindowHint), m_look(look), m_owner(owner) {
+    : QWidget(owner, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput), m_look(look), m_owner(owner) {
     setObjectName("GGCommandToolTip");
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -63,12 +64,18 @@ void ToolTipWindow::dismiss() {
     hide();
 }
 
+int ToolTipWindow::inset() const {
+    // The outline takes one unit; a balloon's rounded corners need some more room.
+    return Padding + 1 + (m_look.balloon ? BalloonRadius / 2 : 0);
+}
+
 void ToolTipWindow::relayout() {
+    ensurePolished();
     QFont titleFont = font();
     titleFont.setBold(true);
     const QFontMetrics textMetrics(font());
     const QFontMetrics titleMetrics(titleFont);
-    const QRect textBox = textMetrics.boundingRect(QRect(0, 0, 400, 10000), Qt::TextWordWrap, m_look.text);
+    const QRect textBox = textMetrics.boundingRect(QRect(0, 0, MaxTextWidth, 10000), Qt::TextWordWrap, m_look.text);
     int width = textBox.width();
     int height = textBox.height();
     if (hasTitle()) {
@@ -76,9 +83,8 @@ void ToolTipWindow::relayout() {
         width = std::max(width, iconWidth + titleMetrics.horizontalAdvance(m_look.title));
         height += std::max(titleMetrics.height(), m_look.icon != 0 ? IconSize : 0) + Padding;
     }
-    const int radius = m_look.balloon ? BalloonRadius : 0;
-    resize(width + 2 * (Padding + radius / 2) + 2, height + 2 * (Padding + radius / 2) + 2 +
-                                                        (m_look.balloon ? StemHeight : 0));
+    // The body is one unit smaller than the window (its outline is drawn inside).
+    resize(width + 2 * inset() + 1, height + 2 * inset() + 1 + (m_look.balloon ? StemHeight : 0));
 }
 
 QRect ToolTipWindow::bodyRect() const {
@@ -91,6 +97,7 @@ QRect ToolTipWindow::bodyRect() const {
 void ToolTipWindow::popUp() {
     if (!m_owner)
         return;
+    relayout();
     QPoint anchor;
     if (m_look.centered)
         anchor = m_owner->mapToGlobal(QPoint(m_owner->width() / 2, m_owner->height()));
@@ -105,7 +112,6 @@ void ToolTipWindow::popUp() {
     m_stemX = std::clamp(anchor.x() - left, BalloonRadius + StemHeight, std::max(BalloonRadius + StemHeight, width() - BalloonRadius - StemHeight));
     move(left, anchor.y());
     show();
-    raise();
     m_fallAsleep.start(VisibleDoubleClicks * QApplication::doubleClickInterval());
 }
 
@@ -128,8 +134,7 @@ void ToolTipWindow::paintEvent(QPaintEvent*) {
         painter.drawRect(body);
     }
 
-    const int inset = Padding + 1 + (m_look.balloon ? BalloonRadius / 2 : 0);
-    QRect content = body.adjusted(inset, inset, -inset, -inset);
+    QRect content = body.adjusted(inset(), inset(), -inset(), -inset());
     painter.setPen(m_look.foreground);
     if (hasTitle()) {
         QFont titleFont = font();

@@ -47,6 +47,7 @@ private:
     void popUp();
     void relayout();
     QRect bodyRect() const;
+    int inset() const;
 
     ToolTipLook m_look;
     QPointer<QWidget> m_owner;

@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <QSignalSpy>
+#include <QStyle>
 #include <QStringList>
 #include <QTest>
 
@@ -175,6 +176,17 @@ private slots:
         QCOMPARE(m_button->toolTipWindow()->look().text, QString("Wipes the cache now"));
         QTest::mouseMove(m_button, QPoint(80, 80));
         QVERIFY(!m_button->toolTipWindow());
+
+        // Centred tips hang below the middle of the button.
+        m_button->setToolTipCentered(true);
+        QTest::mouseMove(m_button, QPoint(10, 15));
+        auto* tip = m_button->toolTipWindow();
+        QVERIFY(tip && !tip->isVisible());
+        tip->arm(0);
+        QTRY_VERIFY(tip->isVisible());
+        const QPoint bottomMiddle = m_button->mapToGlobal(QPoint(m_button->width() / 2, m_button->height()));
+        QCOMPARE(tip->geometry().center().x(), bottomMiddle.x());
+        QCOMPARE(tip->y(), bottomMiddle.y());
     }
 
     void designRoundTripLeavesOutDefaults() {
@@ -224,6 +236,11 @@ private slots:
             b->setGradientOrientation(i == 5 ? 1 : 0);
             b->setAlwaysShowBorder(i == 3);
         }
+        testsupport::ScratchDir pictures;
+        const QString icon = QString::fromStdString((pictures.path() / "icon.png").string());
+        window.style()->standardIcon(QStyle::SP_TrashIcon).pixmap(16, 16).save(icon);
+        window.findChild<GGCommand*>("GGCommand1")->setPicture(icon);
+        window.findChild<GGCommand*>("GGCommand1")->setPictureXOffset(6);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         auto* hovered = window.findChild<GGCommand*>("GGCommand2");
@@ -232,6 +249,20 @@ private slots:
         QTest::mousePress(pressed, Qt::LeftButton, {}, QPoint(50, 10));
         window.grab().save(QDir(dir).filePath("ggcommand-buttons.png"));
         QTest::mouseRelease(pressed, Qt::LeftButton, {}, QPoint(50, 10));
+
+        auto* tipped = window.findChild<GGCommand*>("GGCommand4");
+        for (int style : {0, 1}) {
+            tipped->setToolTipText("Keeps program running in the background\nfrom your system tray");
+            tipped->setToolTipTitle("Hide Me");
+            tipped->setToolTipIcon(1 + style);
+            tipped->setToolTipStyle(style);
+            QTest::mouseMove(tipped, QPoint(60, 10));
+            QVERIFY(tipped->toolTipWindow());
+            tipped->toolTipWindow()->arm(0);
+            QTRY_VERIFY(tipped->toolTipWindow()->isVisible());
+            tipped->toolTipWindow()->grab().save(QDir(dir).filePath(QString("ggcommand-tip%1.png").arg(style)));
+            QTest::mouseMove(&window, QPoint(5, 250));
+        }
     }
 };
 
