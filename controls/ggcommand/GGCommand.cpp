@@ -78,43 +78,35 @@ void GGCommand::setCaption(const QString& caption) {
 }
 
 void GGCommand::setCaptionAlignment(int alignment) {
-    m_props.captionAlignment = alignment;
-    changed("CaptionAlignment");
+    assign(&ButtonProperties::captionAlignment, alignment, "CaptionAlignment");
 }
 
 void GGCommand::setCaptionXOffset(int offset) {
-    m_props.captionXOffset = toInt16(offset);
-    changed("CaptionXOffset");
+    assign(&ButtonProperties::captionXOffset, toInt16(offset), "CaptionXOffset");
 }
 
 void GGCommand::setCaptionYOffset(int offset) {
-    m_props.captionYOffset = toInt16(offset);
-    changed("CaptionYOffset");
+    assign(&ButtonProperties::captionYOffset, toInt16(offset), "CaptionYOffset");
 }
 
 void GGCommand::setUseHoverProperties(bool use) {
-    m_props.useHoverProperties = use;
-    changed("UseHoverProperties");
+    assign(&ButtonProperties::useHoverProperties, use, "UseHoverProperties");
 }
 
 void GGCommand::setFontBoldOnHover(bool bold) {
-    m_props.fontBoldOnHover = bold;
-    changed("FontBoldOnHover");
+    assign(&ButtonProperties::fontBoldOnHover, bold, "FontBoldOnHover");
 }
 
 void GGCommand::setFontColorOnHover(uint color) {
-    m_props.fontColorOnHover = color;
-    changed("FontColorOnHover");
+    assign(&ButtonProperties::fontColorOnHover, color, "FontColorOnHover");
 }
 
 void GGCommand::setBackColor(uint color) {
-    m_props.backColor = color;
-    changed("BackColor");
+    assign(&ButtonProperties::backColor, color, "BackColor");
 }
 
 void GGCommand::setForeColor(uint color) {
-    m_props.foreColor = color;
-    changed("ForeColor");
+    assign(&ButtonProperties::foreColor, color, "ForeColor");
 }
 
 void GGCommand::setPicture(const QString& path) {
@@ -124,23 +116,19 @@ void GGCommand::setPicture(const QString& path) {
 }
 
 void GGCommand::setPictureAlignment(int alignment) {
-    m_props.pictureAlignment = alignment;
-    changed("PictureAlignment");
+    assign(&ButtonProperties::pictureAlignment, alignment, "PictureAlignment");
 }
 
 void GGCommand::setPictureXOffset(int offset) {
-    m_props.pictureXOffset = toInt16(offset);
-    changed("PictureXOffset");
+    assign(&ButtonProperties::pictureXOffset, toInt16(offset), "PictureXOffset");
 }
 
 void GGCommand::setPictureYOffset(int offset) {
-    m_props.pictureYOffset = toInt16(offset);
-    changed("PictureYOffset");
+    assign(&ButtonProperties::pictureYOffset, toInt16(offset), "PictureYOffset");
 }
 
 void GGCommand::setAlwaysShowBorder(bool show) {
-    m_props.alwaysShowBorder = show;
-    changed("AlwaysShowBorder");
+    assign(&ButtonProperties::alwaysShowBorder, show, "AlwaysShowBorder");
 }
 
 void GGCommand::setBorder3DStyle(int style) {
@@ -150,28 +138,23 @@ void GGCommand::setBorder3DStyle(int style) {
 }
 
 void GGCommand::setGradientOrientation(int orientation) {
-    m_props.gradientOrientation = orientation;
-    changed("GradientOrientation");
+    assign(&ButtonProperties::gradientOrientation, orientation, "GradientOrientation");
 }
 
 void GGCommand::setUseGradientFill(bool use) {
-    m_props.useGradientFill = use;
-    changed("UseGradientFill");
+    assign(&ButtonProperties::useGradientFill, use, "UseGradientFill");
 }
 
 void GGCommand::setGradientFromColor(uint color) {
-    m_props.gradientFromColor = color;
-    changed("GradientFromColor");
+    assign(&ButtonProperties::gradientFromColor, color, "GradientFromColor");
 }
 
 void GGCommand::setGradientToColor(uint color) {
-    m_props.gradientToColor = color;
-    changed("GradientToColor");
+    assign(&ButtonProperties::gradientToColor, color, "GradientToColor");
 }
 
 void GGCommand::setGradientInverseOnPress(bool inverse) {
-    m_props.gradientInverseOnPress = inverse;
-    changed("GradientInverseOnPress", false);
+    assign(&ButtonProperties::gradientInverseOnPress, inverse, "GradientInverseOnPress", false);
 }
 
 void GGCommand::setMousePointer(int pointer) {
@@ -200,33 +183,27 @@ void GGCommand::setToolTipText(const QString& text) {
 }
 
 void GGCommand::setToolTipTitle(const QString& title) {
-    m_props.toolTipTitle = title.toStdString();
-    changed("ToolTipTitle", false);
+    assign(&ButtonProperties::toolTipTitle, title.toStdString(), "ToolTipTitle", false);
 }
 
 void GGCommand::setToolTipIcon(int icon) {
-    m_props.toolTipIcon = icon;
-    changed("ToolTipIcon", false);
+    assign(&ButtonProperties::toolTipIcon, icon, "ToolTipIcon", false);
 }
 
 void GGCommand::setToolTipStyle(int style) {
-    m_props.toolTipStyle = style;
-    changed("ToolTipStyle", false);
+    assign(&ButtonProperties::toolTipStyle, style, "ToolTipStyle", false);
 }
 
 void GGCommand::setToolTipBackColor(uint color) {
-    m_props.toolTipBackColor = color;
-    changed("ToolTipBackColor", false);
+    assign(&ButtonProperties::toolTipBackColor, color, "ToolTipBackColor", false);
 }
 
 void GGCommand::setToolTipForeColor(uint color) {
-    m_props.toolTipForeColor = color;
-    changed("ToolTipForeColor", false);
+    assign(&ButtonProperties::toolTipForeColor, color, "ToolTipForeColor", false);
 }
 
 void GGCommand::setToolTipCentered(bool centered) {
-    m_props.toolTipCentered = centered;
-    changed("ToolTipCentered", false);
+    assign(&ButtonProperties::toolTipCentered, centered, "ToolTipCentered", false);
 }
 
 void GGCommand::setDontReleaseCapture(bool keep) {
@@ -260,6 +237,12 @@ void GGCommand::setProperties(const ButtonProperties& properties) {
 ButtonProperties GGCommand::defaultProperties() const {
     const QFont holderFont = parentWidget() ? parentWidget()->font() : QApplication::font();
     return ButtonProperties::defaults(objectName().toStdString(), toFontSpec(holderFont));
+}
+
+template <class Field>
+void GGCommand::assign(Field ButtonProperties::*field, std::type_identity_t<Field> value, const char* key, bool repaint) {
+    m_props.*field = value;
+    changed(key, repaint);
 }
 
 void GGCommand::changed(const char* key, bool repaint) {

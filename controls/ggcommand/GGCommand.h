@@ -21,6 +21,8 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <type_traits>
+
 namespace ggcommand {
 
 class GGCommand : public QWidget {
@@ -183,6 +185,9 @@ private:
     MouseArgs mouseArgs(const QMouseEvent* event, int buttons) const;
     bool buttonUnderPointer(const QPoint& local) const;
     void run(const std::vector<Step>& steps);
+    /// Stores a design property, repaints when it shows on the face, and reports it changed.
+    template <class Field>
+    void assign(Field ButtonProperties::*field, std::type_identity_t<Field> value, const char* key, bool repaint = true);
     void changed(const char* key, bool repaint = true);
     void applyEdge();
     void applyCursor();
