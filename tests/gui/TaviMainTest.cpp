@@ -24,6 +24,8 @@
 #include <QTest>
 #include <QTimer>
 
+#include <filesystem>
+
 using ggcommand::GGCommand;
 
 class TaviMainTest : public QObject {
@@ -181,6 +183,35 @@ private slots:
             QVERIFY(!m_main->isVisible());
         else
             QVERIFY(m_main->isMinimized()); // no notification area to come back from
+    }
+
+    void listDoubleClickAndPopUpStopperStartRealPrograms() {
+        // Stand-ins for the desktop's default handler and the pop-up stopper, found on the search
+        // path; each writes down how it was called.
+        testsupport::ScratchDir bin;
+        const auto marker = [&](const char* name) { return bin.path() / (std::string(name) + ".called"); };
+        for (const char* name : {"xdg-open", "tavipop"}) {
+            const auto script = bin.write(name, "#!/bin/sh\necho \"$@\" > \"$0.called\"\n");
+            std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+        }
+        const QByteArray savedPath = qgetenv("PATH");
+        qputenv("PATH", QByteArray::fromStdString(bin.str()) + ":" + savedPath);
+
+        auto* list = m_main->findChild<QListWidget*>("List1");
+        list->addItem("http://example.invalid/page?a=1&b=2");
+        QListWidgetItem* item = list->item(0);
+        const QPoint at = list->visualItemRect(item).center();
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+        QTRY_VERIFY(std::filesystem::exists(marker("xdg-open")));
+        QTRY_COMPARE(QString::fromStdString(testsupport::readFile(marker("xdg-open"))),
+                     QString("http://example.invalid/page?a=1&b=2\n"));
+
+        QTest::mouseClick(button(5), Qt::LeftButton);
+        QTRY_VERIFY(std::filesystem::exists(marker("tavipop")));
+        std::filesystem::remove(bin.path() / "tavipop");
+        QTest::mouseClick(button(5), Qt::LeftButton); // missing now: nothing is reported
+        qputenv("PATH", savedPath);
     }
 
     void wipeCacheEmptiesTheListAndTheConnectionLabelStaysSet() {
