@@ -5,9 +5,9 @@
 
 namespace app {
 
-const std::vector<HelpMenuSpec>& mainWindowHelp() {
+const std::vector<HelpMenu>& mainWindowHelp() {
     // The texts are the program's own, odd spacing and spelling included.
-    static const std::vector<HelpMenuSpec> specs = {
+    static const std::vector<HelpMenu> menus = {
         {"mainhelp", "mainhelp  ", "GGCommand1",
          {{"mainshowcache", " Cache  is a place where data is stored for"},
           {"mainshowcache2", "quicker access to avoid reads from a slower"},
@@ -39,21 +39,21 @@ const std::vector<HelpMenuSpec>& mainWindowHelp() {
         {"mainhelp10", "mainhelp10", "List1",
          {{"mylist", "Cache information is viewed here."}, {"mylist2", "Double Click to open location in browser"}}},
     };
-    return specs;
+    return menus;
 }
 
-HoverHelp::HoverHelp(QWidget* window, QMenuBar* bar, const std::vector<HelpMenuSpec>& specs) : QObject(window) {
-    for (const HelpMenuSpec& spec : specs) {
-        auto* menu = new QMenu(QString::fromUtf8(spec.title), window);
-        menu->setObjectName(spec.menu);
-        for (const HelpLine& line : spec.lines)
+HoverHelp::HoverHelp(QWidget* window, QMenuBar* bar, const std::vector<HelpMenu>& menus) : QObject(window) {
+    for (const HelpMenu& help : menus) {
+        auto* menu = new QMenu(QString::fromUtf8(help.title), window);
+        menu->setObjectName(help.menu);
+        for (const HelpLine& line : help.lines)
             menu->addAction(QString::fromUtf8(line.text))->setObjectName(line.entry);
         // A tool tip, not a pop-up: no mouse grab, no focus, clicks pass through to what is below.
         menu->setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput);
         menu->setAttribute(Qt::WA_ShowWithoutActivating);
         menu->setAttribute(Qt::WA_TransparentForMouseEvents);
         bar->addMenu(menu);
-        m_menus.emplace_back(QString::fromUtf8(spec.control), menu);
+        m_menus.emplace_back(QString::fromUtf8(help.control), menu);
     }
 }
 

@@ -20,7 +20,7 @@ struct HelpLine {
     const char* text;
 };
 
-struct HelpMenuSpec {
+struct HelpMenu {
     const char* menu;    ///< the menu's object name
     const char* title;   ///< its caption on the (hidden) menu bar
     const char* control; ///< the control it explains
@@ -28,13 +28,13 @@ struct HelpMenuSpec {
 };
 
 /// The main window's ten help menus, in menu-bar order.
-const std::vector<HelpMenuSpec>& mainWindowHelp();
+const std::vector<HelpMenu>& mainWindowHelp();
 
 class HoverHelp : public QObject {
     Q_OBJECT
 public:
-    /// Builds one menu per spec as children of `window` and adds them to `bar`.
-    HoverHelp(QWidget* window, QMenuBar* bar, const std::vector<HelpMenuSpec>& specs);
+    /// Builds one menu per entry of `menus` as children of `window` and adds them to `bar`.
+    HoverHelp(QWidget* window, QMenuBar* bar, const std::vector<HelpMenu>& menus);
 
     /// Shows the help of `control` at `globalPos` (moving it there if it is already up).
     void popUp(const QString& control, const QPoint& globalPos);
