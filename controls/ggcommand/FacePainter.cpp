@@ -2,6 +2,9 @@
 
 #include "controls/ggcommand/Gradient.h"
 
+#include <algorithm>
+#include <cstdlib>
+
 #include <QFontMetrics>
 #include <QPainter>
 
@@ -12,13 +15,20 @@ namespace {
 // 15 twips per pixel.
 constexpr int TwipsPerPixel = 15;
 
+// Lines are one unit wide whatever the screen's scale, so they are filled as unit-high or
+// unit-wide rectangles rather than drawn with a pen.
+void fillLine(QPainter& painter, int x1, int y1, int x2, int y2, const QColor& color) {
+    if (y1 == y2)
+        painter.fillRect(QRect(std::min(x1, x2), y1, std::abs(x2 - x1) + 1, 1), color);
+    else
+        painter.fillRect(QRect(x1, std::min(y1, y2), 1, std::abs(y2 - y1) + 1), color);
+}
+
 void drawBevel(QPainter& painter, const QRect& r, const QColor& topLeft, const QColor& bottomRight) {
-    painter.setPen(topLeft);
-    painter.drawLine(r.left(), r.top(), r.right(), r.top());
-    painter.drawLine(r.left(), r.top(), r.left(), r.bottom());
-    painter.setPen(bottomRight);
-    painter.drawLine(r.left(), r.bottom(), r.right(), r.bottom());
-    painter.drawLine(r.right(), r.top(), r.right(), r.bottom());
+    fillLine(painter, r.left(), r.top(), r.right(), r.top(), topLeft);
+    fillLine(painter, r.left(), r.top(), r.left(), r.bottom(), topLeft);
+    fillLine(painter, r.left(), r.bottom(), r.right(), r.bottom(), bottomRight);
+    fillLine(painter, r.right(), r.top(), r.right(), r.bottom(), bottomRight);
 }
 
 } // namespace
@@ -32,8 +42,9 @@ void paintFace(QImage& face, const ButtonProperties& properties, const QString& 
                const QPixmap& picture, bool inverse, CaptionLook look, const SystemColors& colors, FaceLayout& layout) {
     if (face.isNull())
         return;
-    const int width = face.width();
-    const int height = face.height();
+    const QSize size = face.deviceIndependentSize().toSize();
+    const int width = size.width();
+    const int height = size.height();
     face.fill(toQColor(properties.backColor, colors));
     QPainter painter(&face);
 
@@ -41,16 +52,15 @@ void paintFace(QImage& face, const ButtonProperties& properties, const QString& 
         const auto lines = gradientLines(colors.translate(properties.gradientFromColor),
                                          colors.translate(properties.gradientToColor), inverse,
                                          properties.gradientOrientation, width, height);
-        for (const auto& line : lines) {
-            painter.setPen(QColor(line.color.red, line.color.green, line.color.blue));
-            painter.drawLine(line.x1, line.y1, line.x2, line.y2);
-        }
+        for (const auto& line : lines)
+            fillLine(painter, line.x1, line.y1, line.x2, line.y2, QColor(line.color.red, line.color.green, line.color.blue));
     }
 
     const Extent faceExtent{static_cast<double>(width), static_cast<double>(height)};
     if (!picture.isNull()) {
-        const Extent pictureSize{pictureExtent(himetricFromPixels(picture.width()), TwipsPerPixel),
-                                 pictureExtent(himetricFromPixels(picture.height()), TwipsPerPixel)};
+        const QSize pixels = picture.deviceIndependentSize().toSize();
+        const Extent pictureSize{pictureExtent(himetricFromPixels(pixels.width()), TwipsPerPixel),
+                                 pictureExtent(himetricFromPixels(pixels.height()), TwipsPerPixel)};
         if (const auto at = picturePosition(properties.pictureAlignment, faceExtent, pictureSize,
                                             properties.pictureXOffset, properties.pictureYOffset))
             layout.picture = *at;
@@ -75,7 +85,7 @@ void paintFrame(QImage& face, int state, const ButtonProperties& properties, con
         return;
     const FrameColors frame = frameColors(state, properties.alwaysShowBorder, properties.backColor);
     QPainter painter(&face);
-    drawBevel(painter, face.rect(), toQColor(frame.topLeft, colors), toQColor(frame.bottomRight, colors));
+    drawBevel(painter, QRect(QPoint(0, 0), face.deviceIndependentSize().toSize()), toQColor(frame.topLeft, colors), toQColor(frame.bottomRight, colors));
 }
 
 void paintWindowEdge(QPainter& painter, const QRect& outer, const WindowEdge& edge, const SystemColors& colors) {

@@ -268,7 +268,7 @@ void GGCommand::applyEdge() {
     const int width = m_edge.width();
     setContentsMargins(width, width, width, width);
     // The face's size changes with the edge; resizeEvent is not sent for that, so rebuild here.
-    m_face = QImage(contentsRect().size(), QImage::Format_RGB32);
+    newFace();
     run(m_machine.resized());
 }
 
@@ -298,6 +298,13 @@ void GGCommand::run(const std::vector<Step>& steps) {
     }
 }
 
+void GGCommand::newFace() {
+    // Sharp on scaled screens: the face has the screen's pixels, drawn in the button's units.
+    const qreal scale = devicePixelRatioF();
+    m_face = QImage(contentsRect().size() * scale, QImage::Format_RGB32);
+    m_face.setDevicePixelRatio(scale);
+}
+
 void GGCommand::paintEvent(QPaintEvent*) {
     // The face is retained: uncovering the button only copies it back.
     QPainter painter(this);
@@ -306,7 +313,7 @@ void GGCommand::paintEvent(QPaintEvent*) {
 }
 
 void GGCommand::resizeEvent(QResizeEvent*) {
-    m_face = QImage(contentsRect().size(), QImage::Format_RGB32);
+    newFace();
     run(m_machine.resized());
 }
 

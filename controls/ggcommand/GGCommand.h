@@ -190,6 +190,7 @@ private:
     void assign(Field ButtonProperties::*field, std::type_identity_t<Field> value, const char* key, bool repaint = true);
     void changed(const char* key, bool repaint = true);
     void applyEdge();
+    void newFace();
     void applyCursor();
     void createToolTip();
     void destroyToolTip();

@@ -162,6 +162,27 @@ private slots:
         QCOMPARE(m_button->grab().toImage(), enabled);
     }
 
+    void frameFollowsThePointer() {
+        m_button->setBackColor(0x0000FF);
+        const auto corners = [this] {
+            const QImage face = m_button->grab().toImage();
+            return std::pair{pixel(face, 0, 0), pixel(face, face.width() - 1, face.height() - 1)};
+        };
+        const QColor red(255, 0, 0), white(255, 255, 255), shadow(128, 128, 128);
+        QTest::mouseMove(m_button, QPoint(80, 15));
+        QCOMPARE(corners(), std::pair(white, shadow)); // raised
+        QTest::mousePress(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        QCOMPARE(corners(), std::pair(shadow, white)); // sunken
+        QTest::mouseRelease(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        QCOMPARE(corners(), std::pair(white, shadow));
+        QTest::mouseMove(m_button, QPoint(80, 80));
+        QCOMPARE(corners(), std::pair(red, red)); // painted over in the background colour
+        m_button->setAlwaysShowBorder(true);
+        QTest::mouseMove(m_button, QPoint(80, 15));
+        QTest::mouseMove(m_button, QPoint(80, 80));
+        QCOMPARE(corners(), std::pair(white, shadow));
+    }
+
     void tooltipLivesFromEnterToExit() {
         QTest::mouseMove(m_button, QPoint(80, 15));
         QVERIFY(!m_button->toolTipWindow()); // no text, no tip
