@@ -275,7 +275,12 @@ void GGCommand::applyEdge() {
 // ---- painting -----------------------------------------------------------------------------------
 
 void GGCommand::run(const std::vector<Step>& steps) {
+    // An event handler may close and delete the window holding the button (a Click that ends
+    // the program does); what is left of the steps is then dropped.
+    const QPointer<GGCommand> alive(this);
     for (const Step& step : steps) {
+        if (!alive)
+            return;
         switch (step.kind) {
         case Step::Click: emit Click(); break;
         case Step::DblClick: emit DblClick(); break;
@@ -354,7 +359,7 @@ void GGCommand::leaveEvent(QEvent* event) {
     // Holding the capture, the button would see the pointer's next move outside; Qt reports
     // the leaving instead, so treat it as that move.
     // A button being disabled also gets a leave; its face must not change for that.
-    if (!m_machine.captured() || !isEnabled() || (QApplication::mouseButtons() & Qt::LeftButton))
+    if (!m_machine.captured() || !isEnabled() || QApplication::mouseButtons() != Qt::NoButton)
         return;
     const QPointF at = QPointF(mapFromGlobal(QCursor::pos())) - QPointF(contentsRect().topLeft());
     const MouseArgs args{buttonCode(QApplication::mouseButtons()), shiftCode(QApplication::keyboardModifiers()),
@@ -372,7 +377,12 @@ void GGCommand::mouseReleaseEvent(QMouseEvent* event) {
     run(m_machine.release(mouseArgs(event, buttonCode(event->button())), behaviour()));
 }
 
-void GGCommand::mouseDoubleClickEvent(QMouseEvent*) {
+void GGCommand::mouseDoubleClickEvent(QMouseEvent* event) {
+    // Only the left button double-clicks; for the others the second press is a press.
+    if (event->button() != Qt::LeftButton) {
+        mousePressEvent(event);
+        return;
+    }
     run(m_machine.doubleClick());
 }
 

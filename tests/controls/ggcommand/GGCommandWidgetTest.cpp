@@ -86,6 +86,18 @@ private slots:
         QVERIFY(!log.names().mid(4).contains("Click"));
     }
 
+    void clickMayDeleteTheButton() {
+        QPointer<GGCommand> button = m_button;
+        connect(m_button, &GGCommand::Click, m_window, [this] {
+            delete m_window;
+            m_window = nullptr;
+        });
+        QTest::mouseMove(m_button, QPoint(80, 15));
+        QTest::mousePress(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        QTest::mouseRelease(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        QVERIFY(!button);
+    }
+
     void keysNeverClick() {
         QSignalSpy clicks(m_button, &GGCommand::Click);
         m_button->setFocus();
