@@ -147,14 +147,16 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(const std::string& dir, core::Currency
                 else if (now.wiped == bytes((std::int64_t{now.high} + 1) * TwoTo32))
                     ++now.high;
 
-                if (m_view.interrupted() || (m_view.exitRequested() && exitConfirmed())) {
+                const bool interrupted = m_view.interrupted();
+                if (interrupted || (m_view.exitRequested() && exitConfirmed())) {
                     file.Flush();
                     file.CloseFile();
                     removeTemp(path);
                     m_view.setWipeEnabled(true);
                     m_view.setExitRequested(false);
                     m_running = false;
-                    m_view.prompts().tell(texts::MayExit, core::MessageTitle, core::MsgStyle::OkOnly);
+                    if (!interrupted) // whoever interrupted is leaving, not waiting for a message
+                        m_view.prompts().tell(texts::MayExit, core::MessageTitle, core::MsgStyle::OkOnly);
                     return Outcome::Exited;
                 }
                 if (m_view.pauseRequested())
@@ -203,12 +205,13 @@ void FreeSpaceWipe::removeTemp(const std::string& path) {
     truncateAndDelete(m_platform, path, m_problems);
 }
 
-bool FreeSpaceWipe::requestQuit() {
-    if (!m_running)
+bool FreeSpaceWipe::requestQuit(bool wipeEnabled) {
+    if (wipeEnabled)
         return true;
-    if (m_view.prompts().askYesNo(texts::StillRunning, core::MessageTitle, core::MsgStyle::YesNo))
-        m_view.setExitRequested(true);
-    return false;
+    if (!m_view.prompts().askYesNo(texts::StillRunning, core::MessageTitle, core::MsgStyle::YesNo))
+        return false;
+    m_view.setExitRequested(true);
+    return !m_running;
 }
 
 bool FreeSpaceWipe::offerStaleRemoval(const std::string& dir) {

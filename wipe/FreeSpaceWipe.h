@@ -49,9 +49,11 @@ public:
     /// per step. Leaves the wipe buttons disabled after a complete run.
     Outcome run(const std::string& dir, core::Currency freeBytes, core::Currency increment);
 
-    /// "Exit Program": true when the window may close now. While a run goes on, asks whether to
-    /// quit and on Yes ticks the exit request, which the run confirms at its next increment.
-    bool requestQuit();
+    /// "Exit Program", with the wipe buttons' state: true when the window may close now. With the
+    /// buttons disabled, asks whether to quit and on Yes ticks the exit request, which a running
+    /// wipe confirms at its next increment; when no run is left to read it (the buttons stay
+    /// disabled after a complete run), Yes closes at once.
+    bool requestQuit(bool wipeEnabled);
     /// Whether a run is in progress.
     bool running() const { return m_running; }
 

@@ -109,7 +109,13 @@ TEST_F(FreeSpaceWipeTest, ExitRequestIsConfirmedAtTheNextIncrementAndNoKeepsWipi
 }
 
 TEST_F(FreeSpaceWipeTest, QuitWhileRunningTicksTheExitBoxAndPauseWaitsForTheUntick) {
-    EXPECT_TRUE(wipe.requestQuit()); // idle: the window may close
+    EXPECT_TRUE(wipe.requestQuit(true)); // buttons enabled: the window may close
+    view.ask.answers = {false};
+    EXPECT_FALSE(wipe.requestQuit(false));
+    EXPECT_FALSE(view.exitBox);
+    EXPECT_TRUE(wipe.requestQuit(false)); // Yes, and no run is left to read the box: close now
+    view.exitBox = false;
+    view.ask.asked.clear();
     int pumps = 0;
     view.onPump = [&] {
         if (view.pauseBox && ++pumps == 3)
@@ -119,7 +125,7 @@ TEST_F(FreeSpaceWipeTest, QuitWhileRunningTicksTheExitBoxAndPauseWaitsForTheUnti
         if (now.pass == 1 && now.index == 1)
             view.pauseBox = true;
         if (now.pass == 2 && now.index == 1) {
-            EXPECT_FALSE(wipe.requestQuit());
+            EXPECT_FALSE(wipe.requestQuit(view.wipeEnabled));
         }
     };
     EXPECT_EQ(wipe.run(dir.str(), Currency::fromWhole(40), Currency::fromWhole(4)), FreeSpaceWipe::Outcome::Exited);

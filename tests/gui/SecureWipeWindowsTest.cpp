@@ -1,0 +1,182 @@
+// The two secure-deletion windows on the offscreen platform, driven by object name: their controls
+// and captions, the Advanced toggle, the missing Close item, refusals, a real free-space run on a
+// loop-mounted image, and the file and folder wipes of the secure delete window on scratch files.
+
+#include "platform/Platform.h"
+#include "tests/support/LoopImage.h"
+#include "tests/support/QtTestMain.h"
+#include "tests/support/Scratch.h"
+#include "tests/wipe/Recorders.h"
+#include "wipe/ui/TaviSecureWipe.h"
+#include "wipe/ui/frmSize.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFrame>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+
+#include <filesystem>
+
+namespace fs = std::filesystem;
+using testsupport::ScratchDir;
+
+class SecureWipeWindowsTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<platform::Platform> m_platform = platform::createNative();
+
+    template <class T>
+    static T* child(QWidget& window, const char* name) {
+        auto* found = window.findChild<T*>(name);
+        if (!found)
+            qFatal("no control named %s", name);
+        return found;
+    }
+
+    static void screenshot(QWidget& window, const QString& suffix = {}) {
+        const QByteArray dir = qgetenv("SCOURMILL_SCREENSHOTS");
+        if (!dir.isEmpty())
+            window.grab().save(QString::fromLocal8Bit(dir) + "/" + window.objectName() + suffix + ".png");
+    }
+
+private slots:
+    void freeSpaceWindowHasItsControlsAndTogglesItsDetailPanel() {
+        testsupport::RecordingPrompts ask;
+        wipe::ui::TaviSecureWipe window(*m_platform, nullptr, &ask);
+        window.show();
+        QCOMPARE(window.windowTitle(), QString("Tavi Secure FreeSpace Wipe"));
+        QCOMPARE(child<QPushButton>(window, "Command1")->text(), QString("Exit Program"));
+        QCOMPARE(child<QPushButton>(window, "Command2")->text(), QString("Wipe Hard Drive FreeSpace"));
+        QCOMPARE(child<QPushButton>(window, "Command3")->text(), QString("Wipe A:\\ or Small Drives"));
+        QCOMPARE(child<QCheckBox>(window, "Check1")->text(), QString("Check to Pause Wiping"));
+        QCOMPARE(child<QCheckBox>(window, "Check2")->text(), QString("Check to Exit Wiping"));
+        for (const char* name : {"Text1", "Text2", "Text3", "Text4", "Text5", "Text6", "Text8"})
+            child<QLineEdit>(window, name);
+        child<QFrame>(window, "Line1");
+        child<QFrame>(window, "Line2");
+        QVERIFY(child<QComboBox>(window, "Drive1")->count() > 0);
+        QVERIFY(!child<QLineEdit>(window, "Text3")->text().isEmpty());
+
+        auto* advanced = child<QPushButton>(window, "Command4");
+        QCOMPARE(advanced->text(), QString("Advanced Off"));
+        QCOMPARE(window.height(), 3870 / 15);
+        advanced->click();
+        QCOMPARE(advanced->text(), QString("Advanced On"));
+        QCOMPARE(window.height(), 5940 / 15);
+        screenshot(window);
+        advanced->click();
+        QCOMPARE(window.height(), 3870 / 15);
+
+        // No Close item: closing from outside is refused; "Exit Program" closes while idle.
+        QVERIFY(!(window.windowFlags() & Qt::WindowCloseButtonHint));
+        window.close();
+        QVERIFY(window.isVisible());
+        child<QPushButton>(window, "Command1")->click();
+        QVERIFY(!window.isVisible());
+        QVERIFY(ask.asked.empty());
+    }
+
+    void wrongDriveKindIsRefused() {
+        testsupport::RecordingPrompts ask;
+        wipe::ui::TaviSecureWipe window(*m_platform, nullptr, &ask);
+        auto* drives = child<QComboBox>(window, "Drive1");
+        drives->setCurrentIndex(drives->findText("/"));
+        child<QPushButton>(window, "Command3")->click();
+        QCOMPARE(ask.told, std::vector<std::string>{"The drive you chose is not a removable drive"});
+        QVERIFY(child<QPushButton>(window, "Command2")->isEnabled());
+    }
+
+    void fullRunOnALoopMountedDriveEndsWithTheButtonsDisabled() {
+        ScratchDir dir;
+        testsupport::LoopImage image(dir.path(), 8);
+        if (!image.mounted())
+            QSKIP(qPrintable("no loop-mounted drive to wipe: " + QString::fromStdString(image.reason())));
+        testsupport::RecordingPrompts ask;
+        wipe::ui::TaviSecureWipe window(*m_platform, nullptr, &ask);
+        window.show();
+        auto* drives = child<QComboBox>(window, "Drive1");
+        drives->setCurrentIndex(drives->findText(QString::fromStdString(image.mountPoint().string())));
+        QVERIFY(drives->currentIndex() >= 0);
+        child<QPushButton>(window, "Command2")->click();
+        QCOMPARE(child<QLineEdit>(window, "Text2")->text(), QString("35"));
+        QCOMPARE(child<QLineEdit>(window, "Text4")->text(), QString("2097152"));
+        QVERIFY(child<QLineEdit>(window, "Text1")->text().contains(" / "));
+        QVERIFY(!child<QPushButton>(window, "Command2")->isEnabled()); // the plain ending, as designed
+        QVERIFY(!fs::exists(image.mountPoint() / "WNXTEMP.000"));
+        QVERIFY(ask.told.empty());
+        child<QPushButton>(window, "Command4")->click();
+        screenshot(window, "-after-run");
+        child<QPushButton>(window, "Command1")->click();
+        QCOMPARE(ask.asked, std::vector<std::string>{"Tavi Wipe is still running. Are you sure you wish to quit?"});
+        QVERIFY(!window.isVisible());
+        QVERIFY(child<QPushButton>(window, "Command2")->isEnabled()); // shown again, it starts afresh
+    }
+
+    void secureDeleteWindowListsFiltersAndWipesTheSelection() {
+        ScratchDir dir;
+        dir.write("a.txt", "alpha");
+        dir.write("b.TXT", "bravo");
+        dir.write("c.DOC", "charlie");
+        dir.write("sub/d.txt", "delta");
+        testsupport::RecordingPrompts ask;
+        wipe::ui::frmSize window(*m_platform, nullptr, &ask, QString::fromStdString(dir.str()));
+        window.show();
+        QCOMPARE(window.windowTitle(), QString("Tavi SecureDelete"));
+        QCOMPARE(child<QLabel>(window, "lblDirName")->text(), QString::fromStdString(dir.str()));
+        QCOMPARE(child<QLabel>(window, "Label2")->text(), QString("Wipe Charachter"));
+        auto* types = child<QComboBox>(window, "cboFileType");
+        QCOMPARE(types->count(), 3);
+        QCOMPARE(types->currentText(), QString("All Files (*.*)"));
+        auto* files = child<QListWidget>(window, "filFiles");
+        QCOMPARE(files->count(), 3);
+        types->setCurrentIndex(1);
+        QCOMPARE(files->count(), 1);
+        QCOMPARE(files->item(0)->text(), QString("b.TXT"));
+        types->setCurrentIndex(0);
+        auto* folders = child<QListWidget>(window, "DirDirectory");
+        QVERIFY(!folders->findItems("sub", Qt::MatchEndsWith).isEmpty());
+
+        child<QPushButton>(window, "CmdOK")->click();
+        QCOMPARE(ask.told, std::vector<std::string>{"You must select a file!"});
+
+        files->item(0)->setSelected(true);
+        files->item(2)->setSelected(true);
+        child<QLineEdit>(window, "txtFileName")->setText(files->item(0)->text());
+        screenshot(window);
+        child<QPushButton>(window, "CmdOK")->click();
+        QCOMPARE(ask.asked.back(),
+                 std::string("Are you ABSOLUTELY sure you wish to Delete Selected Files completely and FOREVER?"));
+        QVERIFY(!fs::exists(dir.path() / "a.txt"));
+        QVERIFY(!fs::exists(dir.path() / "c.DOC"));
+        QVERIFY(fs::exists(dir.path() / "b.TXT"));
+        QCOMPARE(files->count(), 1);
+        QCOMPARE(child<QLineEdit>(window, "Text2")->text(), QString("35"));
+
+        auto* endWipe = child<QPushButton>(window, "Command2");
+        endWipe->click();
+        QCOMPARE(child<QLabel>(window, "Label2")->text(), QString("EndWipe"));
+        endWipe->click();
+        QCOMPARE(child<QLabel>(window, "Label2")->text(), QString("Wipe Charachter"));
+    }
+
+    void secureDeleteWindowWipesTheCurrentFolder() {
+        ScratchDir dir;
+        dir.write("victim/own.txt", "own");
+        dir.write("victim/deeper/x.txt", "x");
+        testsupport::RecordingPrompts ask;
+        wipe::ui::frmSize window(*m_platform, nullptr, &ask, QString::fromStdString((dir.path() / "victim").string()));
+        ask.answers = {false};
+        child<QPushButton>(window, "Command1")->click();
+        QCOMPARE(ask.asked.back(), "Wipe " + (dir.path() / "victim").string() + " completely and FOREVER?");
+        QVERIFY(fs::exists(dir.path() / "victim" / "own.txt"));
+        child<QPushButton>(window, "Command1")->click();
+        QVERIFY(!fs::exists(dir.path() / "victim"));
+        QCOMPARE(window.path(), QString::fromStdString(dir.str()));
+    }
+};
+
+SCOURMILL_QTEST_MAIN(SecureWipeWindowsTest)
+#include "SecureWipeWindowsTest.moc"

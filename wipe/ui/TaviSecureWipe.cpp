@@ -1,0 +1,216 @@
+#include "wipe/ui/TaviSecureWipe.h"
+
+#include "controls/prompts/MessageBoxPrompts.h"
+#include "core/NumberFormat.h"
+#include "platform/Platform.h"
+#include "wipe/FileError.h"
+#include "wipe/ui/BusyCursor.h"
+#include "wipe/ui/GaugeLines.h"
+
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QAbstractItemView>
+#include <QScreen>
+
+namespace wipe::ui {
+namespace {
+
+constexpr int TwipsPerPixel = 15;
+constexpr int WidthPixels = 440;
+
+QString text(const std::string& s) {
+    return QString::fromStdString(s);
+}
+
+} // namespace
+
+TaviSecureWipe::TaviSecureWipe(platform::Platform& platform, QWidget* parent, core::Prompts* prompts)
+    : QWidget(parent, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint),
+      m_platform(platform), m_ownPrompts(prompts ? nullptr : std::make_unique<prompts::MessageBoxPrompts>(this)),
+      m_prompts(prompts ? prompts : m_ownPrompts.get()), m_engine(platform, *this, m_quiet) {
+    setObjectName("TaviSecureWipe");
+    setWindowTitle("Tavi Secure FreeSpace Wipe");
+    buildControls();
+    setFixedSize(WidthPixels, CollapsedTwips / TwipsPerPixel);
+    if (const QScreen* screen = QGuiApplication::primaryScreen())
+        move(screen->geometry().center() - rect().center());
+    // Quitting the program in the middle of a run ends the run cleanly, temporary file removed.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { m_quitting = true; });
+
+    for (const auto& root : m_platform.drives().roots())
+        m_drive1->addItem(text(root));
+    // A crash may have left a temporary file on the drive the user turns to: offer to remove it.
+    connect(m_drive1, &QComboBox::currentIndexChanged, this, [this] {
+        showFreeSpace();
+        m_engine.offerStaleRemoval(chosenRoot().toStdString());
+    });
+    showFreeSpace();
+}
+
+TaviSecureWipe::~TaviSecureWipe() = default;
+
+void TaviSecureWipe::buildControls() {
+    auto* frame = new QGroupBox("Wipe Drives", this);
+    frame->setObjectName("Frame1");
+    frame->setGeometry(8, 8, 400, 150);
+    m_drive1 = new QComboBox(frame);
+    m_drive1->setObjectName("Drive1");
+    m_drive1->setGeometry(12, 42, 150, 26);
+    m_drive1->view()->setMinimumWidth(320); // mount points are longer than drive letters
+    auto* freeLabel = new QLabel("Free Space Available for Wiping", frame);
+    freeLabel->setObjectName("Label3");
+    freeLabel->setGeometry(172, 22, 220, 18);
+    m_text3 = new QLineEdit(frame);
+    m_text3->setObjectName("Text3");
+    m_text3->setReadOnly(true);
+    m_text3->setAlignment(Qt::AlignRight);
+    m_text3->setGeometry(172, 42, 216, 26);
+    m_command2 = new QPushButton("Wipe Hard Drive FreeSpace", frame);
+    m_command2->setObjectName("Command2");
+    m_command2->setGeometry(12, 90, 186, 32);
+    m_command3 = new QPushButton("Wipe A:\\ or Small Drives", frame);
+    m_command3->setObjectName("Command3");
+    m_command3->setGeometry(204, 90, 184, 32);
+
+    m_check1 = new QCheckBox("Check to Pause Wiping", this);
+    m_check1->setObjectName("Check1");
+    m_check1->setGeometry(20, 168, 190, 22);
+    m_check2 = new QCheckBox("Check to Exit Wiping", this);
+    m_check2->setObjectName("Check2");
+    m_check2->setGeometry(216, 168, 190, 22);
+
+    m_command4 = new QPushButton("Advanced Off", this);
+    m_command4->setObjectName("Command4");
+    m_command4->setGeometry(8, 214, 130, 32);
+    m_command1 = new QPushButton("Exit Program", this);
+    m_command1->setObjectName("Command1");
+    m_command1->setGeometry(278, 214, 130, 32);
+    m_gauge = new GaugeLines(this, 420, 12, 232, true);
+
+    // The detail panel, below the collapsed height.
+    m_text4 = addField("Text4", "Label4", "Increment in Bytes ", 8, 262, 200);
+    m_text5 = addField("Text5", "Label5", "Bytes Currently Wiped", 220, 262, 200);
+    m_text1 = addField("Text1", "Label1", "3 writes/Increment", 8, 306, 200);
+    m_text2 = addField("Text2", "Label2", "Current Write of 35 ", 220, 306, 200);
+    m_text6 = addField("Text6", "Label6", "Actual Offset in file seek ", 8, 350, 200);
+    m_text8 = addField("Text8", "Label8", "Actual HighVal", 220, 350, 200);
+
+    connect(m_command2, &QPushButton::clicked, this, [this] { wipe(false); });
+    connect(m_command3, &QPushButton::clicked, this, [this] { wipe(true); });
+    connect(m_command4, &QPushButton::clicked, this, &TaviSecureWipe::toggleAdvanced);
+    connect(m_command1, &QPushButton::clicked, this, &TaviSecureWipe::exitProgram);
+}
+
+QLineEdit* TaviSecureWipe::addField(const char* name, const char* labelName, const char* caption, int x, int y,
+                                    int width) {
+    auto* label = new QLabel(caption, this);
+    label->setObjectName(labelName);
+    label->setGeometry(x, y, width, 16);
+    auto* field = new QLineEdit(this);
+    field->setObjectName(name);
+    field->setReadOnly(true);
+    field->setGeometry(x, y + 17, width, 24);
+    return field;
+}
+
+QString TaviSecureWipe::chosenRoot() const {
+    return m_drive1->currentText();
+}
+
+void TaviSecureWipe::showFreeSpace() {
+    if (m_drive1->count() > 0)
+        m_text3->setText(text(core::formatGrouped(m_engine.freeSpace(chosenRoot().toStdString()))));
+}
+
+void TaviSecureWipe::wipe(bool removable) {
+    if (m_drive1->count() == 0)
+        return;
+    BusyCursor busy;
+    const std::string root = chosenRoot().toStdString();
+    try {
+        if (removable)
+            m_engine.wipeRemovable(root);
+        else
+            m_engine.wipeFixed(root);
+    } catch (const wipe::FileError& e) {
+        m_prompts->tell(e.description(), e.source(), core::MsgStyle::Critical);
+    }
+}
+
+void TaviSecureWipe::toggleAdvanced() {
+    if (m_command4->text() == "Advanced Off") {
+        m_command4->setText("Advanced On");
+        setFixedSize(WidthPixels, ExpandedTwips / TwipsPerPixel);
+    } else if (m_command4->text() == "Advanced On") {
+        m_command4->setText("Advanced Off");
+        setFixedSize(WidthPixels, CollapsedTwips / TwipsPerPixel);
+    }
+}
+
+void TaviSecureWipe::exitProgram() {
+    if (!m_engine.requestQuit(m_command2->isEnabled()))
+        return;
+    // Leaving unloads the window: shown again, it starts afresh.
+    m_mayClose = true;
+    close();
+    m_mayClose = false;
+    setWipeEnabled(true);
+    m_check1->setChecked(false);
+    m_check2->setChecked(false);
+}
+
+void TaviSecureWipe::closeEvent(QCloseEvent* event) {
+    // No Close item: only "Exit Program" (or the program quitting) closes this window.
+    if (m_mayClose || m_quitting)
+        event->accept();
+    else
+        event->ignore();
+}
+
+void TaviSecureWipe::pumpEvents() {
+    QCoreApplication::processEvents();
+}
+
+void TaviSecureWipe::passStarted(int pass, core::Currency increment) {
+    if (pass == 1)
+        m_gauge->reset();
+    m_gauge->advance();
+    m_text2->setText(QString::number(pass));
+    m_text4->setText(text(increment.toString()));
+}
+
+void TaviSecureWipe::progress(const wipe::FreeSpaceProgress& now) {
+    m_text8->setText(QString::number(now.high));
+    m_text1->setText(QString::number(now.index) + " / " + QString::number(now.count));
+    m_text5->setText(text(core::formatGrouped(now.wiped)));
+    m_text6->setText(text(core::formatGrouped(now.offset)));
+}
+
+bool TaviSecureWipe::exitRequested() {
+    return m_check2->isChecked();
+}
+
+void TaviSecureWipe::setExitRequested(bool on) {
+    m_check2->setChecked(on);
+}
+
+bool TaviSecureWipe::pauseRequested() {
+    return m_check1->isChecked();
+}
+
+void TaviSecureWipe::setWipeEnabled(bool enabled) {
+    m_command2->setEnabled(enabled);
+    m_command3->setEnabled(enabled);
+}
+
+void TaviSecureWipe::freeSpaceMeasured(core::Currency bytes) {
+    m_text3->setText(text(core::formatGrouped(bytes)));
+}
+
+} // namespace wipe::ui

@@ -1,0 +1,250 @@
+#include "wipe/ui/frmSize.h"
+
+#include "controls/prompts/MessageBoxPrompts.h"
+#include "platform/Platform.h"
+#include "wipe/WipeTexts.h"
+#include "wipe/ui/BusyCursor.h"
+#include "wipe/ui/GaugeLines.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace wipe::ui {
+namespace {
+
+struct FileType {
+    const char* item;
+    const char* pattern;
+};
+constexpr FileType FileTypes[] = {
+    {"All Files (*.*)", "*.*"}, {"Text Files (*.TXT)", "*.TXT"}, {"Doc Files (*.DOC)", "*.DOC"}};
+
+QString text(const std::string& s) {
+    return QString::fromStdString(s);
+}
+
+template <class T>
+T* named(T* widget, const char* name) {
+    widget->setObjectName(name);
+    return widget;
+}
+
+QStringList sortedNames(QStringList names) {
+    std::sort(names.begin(), names.end(),
+              [](const QString& a, const QString& b) { return QString::compare(a, b, Qt::CaseInsensitive) < 0; });
+    return names;
+}
+
+} // namespace
+
+frmSize::frmSize(platform::Platform& platform, QWidget* parent, core::Prompts* prompts, const QString& startFolder)
+    : QWidget(parent, Qt::Window), m_platform(platform),
+      m_ownPrompts(prompts ? nullptr : std::make_unique<prompts::MessageBoxPrompts>(this)),
+      m_prompts(prompts ? prompts : m_ownPrompts.get()), m_engine(platform, *this, m_quiet) {
+    setObjectName("frmSize");
+    setWindowTitle("Tavi SecureDelete");
+    buildControls();
+    setFixedSize(600, 344);
+    if (const QScreen* screen = QGuiApplication::primaryScreen())
+        move(screen->geometry().center() - rect().center());
+
+    for (const FileType& type : FileTypes)
+        m_cboFileType->addItem(type.item);
+    m_cboFileType->setCurrentIndex(0);
+    for (const auto& root : m_platform.drives().roots())
+        m_drvDrive->addItem(text(root));
+    setPath(startFolder.isEmpty() ? QDir::homePath() : startFolder);
+    const int drive = m_drvDrive->findText(text(m_platform.drives().rootOf(m_path.toStdString())));
+    m_drvDrive->setCurrentIndex(drive);
+
+    connect(m_drvDrive, &QComboBox::currentTextChanged, this, [this](const QString& root) { setPath(root); });
+    connect(m_cboFileType, &QComboBox::currentIndexChanged, this, [this](int index) {
+        if (index < 0 || index >= static_cast<int>(std::size(FileTypes)))
+            return;
+        m_pattern = FileTypes[index].pattern;
+        fillFiles();
+    });
+    connect(m_dirDirectory, &QListWidget::itemActivated, this,
+            [this](QListWidgetItem* item) { setPath(item->data(Qt::UserRole).toString()); });
+    connect(m_filFiles, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) { m_txtFileName->setText(item->text()); });
+    connect(m_filFiles, &QListWidget::itemDoubleClicked, this,
+            [this](QListWidgetItem* item) { m_txtFileName->setText(item->text()); });
+}
+
+frmSize::~frmSize() = default;
+
+void frmSize::buildControls() {
+    named(new QLabel("File Name:", this), "Label1")->setGeometry(8, 6, 220, 18);
+    m_txtFileName = named(new QLineEdit(this), "txtFileName");
+    m_txtFileName->setGeometry(8, 26, 220, 24);
+    m_filFiles = named(new QListWidget(this), "filFiles");
+    m_filFiles->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_filFiles->setGeometry(8, 54, 220, 180);
+
+    named(new QLabel("Directories:", this), "lblDirectories")->setGeometry(240, 6, 200, 18);
+    m_lblDirName = named(new QLabel(this), "lblDirName");
+    m_lblDirName->setGeometry(240, 26, 200, 20);
+    m_dirDirectory = named(new QListWidget(this), "DirDirectory");
+    m_dirDirectory->setGeometry(240, 54, 200, 180);
+
+    auto* ok = named(new QPushButton("&SecureWipeFiles", this), "CmdOK");
+    ok->setGeometry(452, 26, 140, 30);
+    auto* cancel = named(new QPushButton("&Cancel", this), "cmdCancel");
+    cancel->setGeometry(452, 62, 140, 30);
+    auto* wipeDir = named(new QPushButton("SecureWipeDirectory", this), "Command1");
+    wipeDir->setGeometry(452, 120, 140, 30);
+    auto* endWipe = named(new QPushButton("End wipe", this), "Command2");
+    endWipe->setGeometry(452, 156, 140, 30);
+    m_label2 = named(new QLabel(text(texts::StopFlagRun), this), "Label2");
+    m_label2->setGeometry(452, 196, 140, 18);
+    m_text2 = named(new QLineEdit(this), "Text2");
+    m_text2->setReadOnly(true);
+    m_text2->setGeometry(452, 216, 60, 24);
+
+    named(new QLabel("File Type:", this), "lblFileType")->setGeometry(8, 242, 220, 18);
+    m_cboFileType = named(new QComboBox(this), "cboFileType");
+    m_cboFileType->setGeometry(8, 262, 220, 26);
+    named(new QLabel("Drive:", this), "lblDrive")->setGeometry(240, 242, 200, 18);
+    m_drvDrive = named(new QComboBox(this), "drvDrive");
+    m_drvDrive->setGeometry(240, 262, 200, 26);
+
+    m_text1 = named(new QLineEdit(this), "Text1");
+    m_text1->setReadOnly(true);
+    m_text1->setGeometry(8, 298, 584, 24);
+    m_gauge = new GaugeLines(this, 8, 330, 584, false);
+
+    connect(ok, &QPushButton::clicked, this, &frmSize::wipeFiles);
+    connect(cancel, &QPushButton::clicked, this, &QWidget::close);
+    connect(wipeDir, &QPushButton::clicked, this, &frmSize::wipeDirectory);
+    connect(endWipe, &QPushButton::clicked, this, &frmSize::toggleEndWipe);
+}
+
+void frmSize::setPath(const QString& folder) {
+    m_path = folder;
+    m_lblDirName->setText(folder);
+    fillDirectories();
+    fillFiles();
+}
+
+void frmSize::fillDirectories() {
+    m_dirDirectory->clear();
+    const QChar sep = QChar::fromLatin1(m_platform.fileSystem().separator());
+    // The open folders from the root down to the current one, then the current folder's subfolders.
+    QStringList parts = m_path.split(sep, Qt::SkipEmptyParts);
+    const bool rooted = m_path.startsWith(sep);
+    QString walked = rooted ? QString(sep) : QString();
+    auto add = [this](const QString& caption, const QString& full, int level) {
+        auto* item = new QListWidgetItem(QString(level * 2, ' ') + caption, m_dirDirectory);
+        item->setData(Qt::UserRole, full);
+        return item;
+    };
+    int level = 0;
+    QListWidgetItem* current = rooted ? add(QString(sep), walked, level++) : nullptr;
+    for (const QString& part : parts) {
+        walked += (walked.isEmpty() || walked.endsWith(sep) ? "" : QString(sep)) + part;
+        current = add(part, walked, level++);
+    }
+    QStringList subfolders;
+    m_platform.fileSystem().list(m_path.toStdString(), "*", [&](const platform::FileInfo& fi) {
+        if (fi.isDirectory() && !fi.isLink())
+            subfolders << text(fi.name);
+        return true;
+    });
+    for (const QString& name : sortedNames(subfolders))
+        add(name, fullName(name), level);
+    m_dirDirectory->setCurrentItem(current);
+}
+
+void frmSize::fillFiles() {
+    m_filFiles->clear();
+    QStringList names;
+    m_platform.fileSystem().list(m_path.toStdString(), m_pattern.toStdString(), [&](const platform::FileInfo& fi) {
+        if (fi.isRegular)
+            names << text(fi.name);
+        return true;
+    });
+    m_filFiles->addItems(sortedNames(names));
+}
+
+QString frmSize::fullName(const QString& item) const {
+    const QChar sep = QChar::fromLatin1(m_platform.fileSystem().separator());
+    return m_path.endsWith(sep) ? m_path + item : m_path + sep + item;
+}
+
+void frmSize::wipeFiles() {
+    std::vector<std::string> paths;
+    for (int i = 0; i < m_filFiles->count(); ++i)
+        if (m_filFiles->item(i)->isSelected())
+            paths.push_back(fullName(m_filFiles->item(i)->text()).toStdString());
+    {
+        BusyCursor busy;
+        m_busy = true;
+        m_engine.WipeSelectedFiles(m_txtFileName->text().toStdString(), paths);
+        m_busy = false;
+        m_closing = false;
+    }
+    fillFiles();
+}
+
+void frmSize::wipeDirectory() {
+    {
+        BusyCursor busy;
+        m_busy = true;
+        m_engine.WipeFolder(m_path.toStdString());
+        m_busy = false;
+        m_closing = false;
+    }
+    // The folder is gone: show the nearest folder that is still there.
+    QString folder = m_path;
+    while (!m_platform.fileSystem().info(folder.toStdString()) && folder.contains(m_platform.fileSystem().separator())) {
+        folder.truncate(folder.lastIndexOf(m_platform.fileSystem().separator()));
+        if (folder.isEmpty())
+            folder = QString(QChar::fromLatin1(m_platform.fileSystem().separator()));
+    }
+    setPath(folder);
+}
+
+void frmSize::toggleEndWipe() {
+    if (m_label2->text() == text(texts::StopFlagRun))
+        m_label2->setText(text(texts::StopFlagEnd));
+    else if (m_label2->text() == text(texts::StopFlagEnd))
+        m_label2->setText(text(texts::StopFlagRun));
+    m_gauge->fill();
+}
+
+void frmSize::closeEvent(QCloseEvent* event) {
+    // Closed in the middle of a wipe: the file at hand is finished off, the rest left alone.
+    if (m_busy)
+        m_closing = true;
+    event->accept();
+}
+
+void frmSize::pumpEvents() {
+    QCoreApplication::processEvents();
+}
+
+void frmSize::passStarted(const std::string&, int pass) {
+    if (pass == 1)
+        m_gauge->reset();
+    m_gauge->advance();
+    m_text2->setText(QString::number(pass));
+}
+
+void frmSize::passValues(const std::string& line) {
+    m_text1->setText(text(line));
+}
+
+bool frmSize::stopRequested() {
+    return m_label2->text() == text(texts::StopFlagEnd);
+}
+
+} // namespace wipe::ui
