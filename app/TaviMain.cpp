@@ -171,6 +171,8 @@ void TaviMain::connectCommands() {
     });
     connect(button(5), &ggcommand::GGCommand::Click, this, [this] { startPopUpStopper(); });
     connect(button(7), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("MemMonitor"); });
+    connect(button(8), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("TaviSecureWipe"); });
+    connect(button(9), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("frmSize"); });
     connect(button(10), &ggcommand::GGCommand::Click, this, [this] { toggleAutoClean(); });
     connect(button(12), &ggcommand::GGCommand::Click, this, [this] { hideMe(); });
     connect(button(14), &ggcommand::GGCommand::Click, this, [this] { toggleHelp(); });

@@ -1,6 +1,8 @@
 #include "app/WindowSet.h"
 
 #include "memory/ui/MemMonitor.h"
+#include "wipe/ui/TaviSecureWipe.h"
+#include "wipe/ui/frmSize.h"
 
 namespace app {
 
@@ -8,6 +10,8 @@ WindowSet::WindowSet(platform::Platform& platform) : m_platform(platform) {
     // One line per tool window: {"Name", [](platform::Platform& p) { return new Window(p); }},
     m_factories = {
         {"MemMonitor", [](platform::Platform& p) { return new memory::ui::MemMonitor(p); }},
+        {"TaviSecureWipe", [](platform::Platform& p) { return new wipe::ui::TaviSecureWipe(p); }},
+        {"frmSize", [](platform::Platform& p) { return new wipe::ui::frmSize(p); }},
     };
 }
 

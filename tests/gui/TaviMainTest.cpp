@@ -89,6 +89,23 @@ private slots:
         QCOMPARE(m_main->tempPath(), QString(qgetenv("TMPDIR")));
     }
 
+    void secureDeletionButtonsAndTrayEntriesOpenOneWindowEach() {
+        const std::pair<int, const char*> opens[] = {{8, "TaviSecureWipe"}, {9, "frmSize"}};
+        const char* entries[] = {"Mnu_WipeFreeSpace", "Mnu_FilesFolders"};
+        for (int i = 0; i < 2; ++i) {
+            const QString name = opens[i].second;
+            QVERIFY(!m_windows->exists(name));
+            emit button(opens[i].first)->Click();
+            QWidget* window = m_windows->window(name);
+            QVERIFY(window && window->isVisible());
+            QVERIFY(window->isWindow());
+            window->hide();
+            m_main->findChild<QAction*>(entries[i])->trigger();
+            QCOMPARE(m_windows->window(name), window); // the same single instance, shown again
+            QVERIFY(window->isVisible());
+        }
+    }
+
     void trayMenuHoldsItsEntriesInOrder() {
         auto* menu = m_main->findChild<QMenu*>("Mnu_File");
         QStringList seen;
