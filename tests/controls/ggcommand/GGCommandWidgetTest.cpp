@@ -200,11 +200,17 @@ private slots:
         QVERIFY(!m_button->toolTipWindow()); // no text, no tip
         QTest::mouseMove(m_button, QPoint(80, 80));
 
-        m_button->setToolTipText("Wipes the cache");
+        m_button->setToolTipText("Wipes the cache"); // no tip yet: only stored
+        QVERIFY(!m_button->toolTipWindow());
         m_button->setToolTipIcon(2);
         QTest::mouseMove(m_button, QPoint(80, 15));
         QVERIFY(m_button->toolTipWindow());
-        QVERIFY(m_button->toolTipWindow()->hasTitle()); // icon without a title still makes one
+        QVERIFY(m_button->toolTipWindow()->hasTitle()); // an icon without a title still makes one
+        QTest::mouseMove(m_button, QPoint(80, 80));
+        m_button->setToolTipIcon(0);
+        m_button->setToolTipTitle("Wipe Cache");
+        QTest::mouseMove(m_button, QPoint(80, 15)); // each entry builds the tip anew
+        QVERIFY(m_button->toolTipWindow()->hasTitle());
         m_button->setToolTipText("Wipes the cache now");
         QCOMPARE(m_button->toolTipWindow()->look().text, QString("Wipes the cache now"));
         QTest::mouseMove(m_button, QPoint(80, 80));
