@@ -2,10 +2,12 @@
 
 #include "app/HoverHelp.h"
 #include "app/Icons.h"
+#include "app/RecycleProgress.h"
 #include "app/WindowSet.h"
 #include "app/autoclean/AutoCleanState.h"
 #include "app/autoclean/CheckProcess.h"
 #include "app/tray/SysTray.h"
+#include "cleaning/CleanIT.h"
 #include "cleaning/Registry.h"
 #include "controls/ggcommand/GGCommand.h"
 #include "controls/ggcommand/Design.h"
@@ -174,6 +176,10 @@ void TaviMain::connectCommands() {
     connect(button(8), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("TaviSecureWipe"); });
     connect(button(9), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("frmSize"); });
     connect(button(10), &ggcommand::GGCommand::Click, this, [this] { toggleAutoClean(); });
+    connect(button(11), &ggcommand::GGCommand::Click, this, [this] {
+        RecycleProgress progress(this);
+        cleaning::CleanIT(m_platform, m_prompts, nullptr, &progress).CleanMruItem(m_combo1->currentText().toStdString());
+    });
     connect(button(12), &ggcommand::GGCommand::Click, this, [this] { hideMe(); });
     connect(button(14), &ggcommand::GGCommand::Click, this, [this] { toggleHelp(); });
 

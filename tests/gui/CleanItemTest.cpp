@@ -1,0 +1,86 @@
+// "Clean Item" driven as a user drives it: the chooser's text typed or picked, the button clicked,
+// the hive of the scratch Wine prefix read back, the no-choice message box answered.
+
+#include "app/TaviMain.h"
+#include "app/WindowSet.h"
+#include "controls/ggcommand/GGCommand.h"
+#include "platform/Platform.h"
+#include "tests/support/Hive.h"
+#include "tests/support/QtTestMain.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QMessageBox>
+#include <QTest>
+#include <QTimer>
+
+class CleanItemTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<platform::Platform> m_platform;
+    std::unique_ptr<app::WindowSet> m_windows;
+    std::unique_ptr<app::TaviMain> m_main;
+    std::filesystem::path m_hive;
+
+    QComboBox* combo() { return m_main->findChild<QComboBox*>("Combo1"); }
+    void clickCleanItem() {
+        auto* button = m_main->findChild<ggcommand::GGCommand*>("GGCommand11");
+        QTest::mouseClick(button, Qt::LeftButton, {}, button->rect().center());
+    }
+    std::string hiveText() { return testsupport::readFile(m_hive); }
+
+private slots:
+    void init() {
+        m_hive = testsupport::writeUserReg(qEnvironmentVariable("WINEPREFIX").toStdString(),
+                                           "\n[Software\\\\Microsoft\\\\Internet Explorer\\\\TypedURLs] 1700000000\n"
+                                           "#time=1da16a0b0c0d0e0\n\"url1\"=\"http://a.example/\"\n"
+                                           "\"url2\"=\"http://b.example/\"\n\"url4\"=\"http://d.example/\"\n");
+        m_platform = platform::createNative();
+        m_windows = std::make_unique<app::WindowSet>(*m_platform);
+        m_main = std::make_unique<app::TaviMain>(*m_platform, *m_windows);
+        m_main->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_main.get()));
+    }
+
+    void cleanup() {
+        m_main.reset();
+        m_windows.reset();
+        m_platform.reset();
+    }
+
+    void cleansTheChosenListOnly() {
+        combo()->setCurrentIndex(1);
+        QCOMPARE(combo()->currentText(), QString("IE Typed URL's"));
+        clickCleanItem();
+        const std::string text = hiveText();
+        QVERIFY(text.find("url1") == std::string::npos);
+        QVERIFY(text.find("url2") == std::string::npos);
+        QVERIFY(text.find("\"url4\"=\"http://d.example/\"") != std::string::npos);
+    }
+
+    void anyOtherTextShowsTheNoChoiceMessageAndCleansNothing() {
+        const std::string before = hiveText();
+        for (const QString& typed : {QString("Please Choose Item to Clean"), QString("ie typed url's")}) {
+            combo()->setEditText(typed);
+            QString title, text;
+            int buttons = 0;
+            QTimer::singleShot(0, this, [&] {
+                auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+                QVERIFY(box);
+                title = box->windowTitle();
+                text = box->text();
+                buttons = static_cast<int>(box->buttons().size());
+                box->accept();
+            });
+            clickCleanItem();
+            QCOMPARE(title, QString("Tavi Message"));
+            QCOMPARE(text, QString("You must make a choice from the combobox pull down list. If you continue having "
+                                   "trouble,please contact Tavi support."));
+            QCOMPARE(buttons, 1);
+        }
+        QCOMPARE(hiveText(), before);
+    }
+};
+
+SCOURMILL_QTEST_MAIN(CleanItemTest)
+#include "CleanItemTest.moc"
