@@ -10,6 +10,35 @@ std::string fileSizeText(std::uint64_t length) {
     return "File Size in bytes = " + std::to_string(length);
 }
 
+std::string visibleText(std::string_view bytes, std::size_t lineWidth) {
+    std::string out;
+    out.reserve(bytes.size() + bytes.size() / 2);
+    std::size_t column = 0;
+    for (const char c : bytes) {
+        const auto b = static_cast<unsigned char>(c);
+        if (lineWidth && column == lineWidth) {
+            out += '\n';
+            column = 0;
+        }
+        ++column;
+        if (b >= 0x20 && b < 0x7f) {
+            out += c;
+            continue;
+        }
+        // Record files are mostly zeros: a light dot for them keeps the text readable.
+        const unsigned code = b == 0 ? 0x2219 : (b < 0x20 || b == 0x7f) ? 0x25ab : b;
+        if (code < 0x800) {
+            out += static_cast<char>(0xc0 | (code >> 6));
+            out += static_cast<char>(0x80 | (code & 0x3f));
+        } else {
+            out += static_cast<char>(0xe0 | (code >> 12));
+            out += static_cast<char>(0x80 | ((code >> 6) & 0x3f));
+            out += static_cast<char>(0x80 | (code & 0x3f));
+        }
+    }
+    return out;
+}
+
 bool RawReport::read(const std::string& path, const std::function<void(std::uint64_t length)>& start,
                      const std::function<void(std::string_view bytes)>& chunk) {
     const auto file = m_files.openForReading(path);

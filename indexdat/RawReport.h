@@ -17,6 +17,13 @@ namespace indexdat {
 /// The size line: "File Size in bytes = " and the length in plain decimal, without separators.
 std::string fileSizeText(std::uint64_t length);
 
+/// The bytes as a reader can see them, in UTF-8: one visible character per byte, printable ASCII
+/// as it is, a zero byte as a bullet operator (U+2219), the other control bytes and DEL as a small
+/// white square (U+25AB), bytes from 0x80 up as their Latin-1 characters (glyphs common fonts
+/// have); a line break after every `lineWidth` bytes (0: none), so that a
+/// large file can be shown without one endless line.
+std::string visibleText(std::string_view bytes, std::size_t lineWidth);
+
 class RawReport {
 public:
     explicit RawReport(platform::RawFiles& files) : m_files(files) {}

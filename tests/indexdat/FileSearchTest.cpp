@@ -3,6 +3,8 @@
 // the size quirk of large files and the overflow of its 16-bit counters.
 
 #include "indexdat/FileSearch.h"
+#include "indexdat/FolderList.h"
+#include "indexdat/RawReport.h"
 #include "platform/Platform.h"
 #include "tests/support/Scratch.h"
 
@@ -119,4 +121,29 @@ TEST(StripNulls, CutsAtTheFirstZeroInPlace) {
     EXPECT_EQ(s, "index.dat");
     std::string plain = "plain";
     EXPECT_EQ(indexdat::StripNulls(plain), "plain");
+}
+
+TEST_F(FileSearchTest, TheFolderListShowsThePathDownThenTheSubfoldersByName) {
+    fs::create_directories(dir.path() / "tavi" / "zeta");
+    fs::create_directories(dir.path() / "tavi" / "Alpha");
+    dir.write("tavi/file.txt", "");
+    fs::create_directory_symlink(dir.path(), dir.path() / "tavi" / "up");
+    const auto lines = indexdat::folderLines(p->fileSystem(), "/", dir.str() + "/tavi");
+    ASSERT_GE(lines.size(), 4u);
+    EXPECT_EQ(lines[0].path, "/");
+    const auto& chosen = lines[lines.size() - 3];
+    for (std::size_t i = 1; i + 3 < lines.size(); ++i)
+        EXPECT_TRUE(lines[i].open && lines[i].depth == static_cast<int>(i)) << lines[i].path;
+    EXPECT_EQ(chosen.path, dir.str() + "/tavi");
+    EXPECT_TRUE(chosen.open);
+    EXPECT_EQ(lines[lines.size() - 2].label, "Alpha");
+    EXPECT_EQ(lines.back().path, dir.str() + "/tavi/zeta");
+    EXPECT_EQ(lines.back().depth, chosen.depth + 1);
+    EXPECT_FALSE(lines.back().open);
+}
+
+TEST(RawView, EveryByteStaysOneVisibleCharacter) {
+    EXPECT_EQ(indexdat::visibleText(std::string("a\0\n\x7f\xe9", 5), 0), "a\u2219\u25ab\u25ab\u00e9");
+    EXPECT_EQ(indexdat::visibleText("abcdefg", 3), "abc\ndef\ng");
+    EXPECT_EQ(indexdat::visibleText("", 3), "");
 }

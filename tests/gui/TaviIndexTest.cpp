@@ -1,0 +1,167 @@
+// The index.dat manager window on the offscreen platform, driven by its controls' names: how it
+// opens, the help toggle and its pop-ups, the overwrite question answered in a real message box,
+// and the raw view of a large file.
+
+#include "controls/ggcommand/GGCommand.h"
+#include "indexdat/ActivityWipe.h"
+#include "indexdat/ui/HoverHelp.h"
+#include "indexdat/ui/TaviIndex.h"
+#include "platform/Platform.h"
+#include "tests/indexdat/RecordFile.h"
+#include "tests/support/QtTestMain.h"
+
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTimer>
+
+#include <filesystem>
+#include <fstream>
+
+namespace fs = std::filesystem;
+using ggcommand::GGCommand;
+
+class TaviIndexTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<platform::Platform> m_platform;
+    std::string m_record;
+    fs::path m_file;
+
+    static std::string readAll(const fs::path& p) { return testsupport::readFile(p); }
+
+    /// Answers the next message box with `button` and remembers its text.
+    static void answerNextBox(QMessageBox::StandardButton button, QString* text) {
+        QTimer::singleShot(0, [button, text] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!box) {
+                answerNextBox(button, text);
+                return;
+            }
+            *text = box->windowTitle() + "|" + box->text();
+            box->button(button)->click();
+        });
+    }
+
+    template <class T>
+    T* child(QWidget& w, const char* name) {
+        T* found = w.findChild<T*>(name);
+        if (!found)
+            qFatal("no control %s", name);
+        return found;
+    }
+
+private slots:
+    void initTestCase() {
+        const fs::path users = fs::path(qEnvironmentVariable("WINEPREFIX").toStdString()) / "drive_c" / "users";
+        fs::create_directories(users / "tavi" / "Cookies");
+        m_record = testsupport::RecordFile()
+                       .url("Visited: tavi@http://www.example.com/")
+                       .url("Cookie:tavi@shop.example.net/")
+                       .bytes();
+        m_file = users / "tavi" / "Cookies" / "index.dat";
+        std::ofstream(m_file, std::ios::binary) << m_record;
+        m_platform = platform::createNative();
+    }
+
+    void opensWithTheFirstFileFoundReportedAndShown() {
+        indexdat::ui::TaviIndex window(*m_platform);
+        QCOMPARE(window.objectName(), QString("TaviIndex"));
+        QCOMPARE(window.windowTitle(), QString("Tavi Manage Index.dat Files"));
+        QCOMPARE(child<GGCommand>(window, "GGCommand1")->caption(), QString("Show Selected Files"));
+        QCOMPARE(child<GGCommand>(window, "GGCommand5")->caption(), QString("Delete All Hidden Activity"));
+        QCOMPARE(child<QLineEdit>(window, "Text2")->text(), QString("index.dat"));
+        auto* list1 = child<QListWidget>(window, "List1");
+        QCOMPARE(list1->count(), 1);
+        QCOMPARE(list1->item(0)->text(), QString::fromStdString(m_file.string()));
+        QCOMPARE(list1->currentRow(), 0);
+        auto* list2 = child<QListWidget>(window, "List2");
+        QCOMPARE(list2->count(), 2);
+        QCOMPARE(list2->item(0)->text(), QString("http://www.example.com/"));
+        QCOMPARE(list2->item(1)->text(), QString("Cookie:tavi@shop.example.net/"));
+        QCOMPARE(child<QLineEdit>(window, "Text1")->text(),
+                 QString("File Size in bytes = %1").arg(m_record.size()));
+        QCOMPARE(child<QLineEdit>(window, "Text3")->text(), QString("1/3"));
+        QVERIFY(child<QLineEdit>(window, "Text4")->text().endsWith(" Bytes"));
+        const QString raw = child<QPlainTextEdit>(window, "RichTextBox1")->toPlainText();
+        QVERIFY(raw.startsWith(QString::fromUtf8("Client UrlCache MMF Ver 5.2\u2219")));
+        QVERIFY(raw.contains("tavi@http://www.example.com/"));
+        QCOMPARE(QApplication::overrideCursor(), nullptr);
+        // For a look at the window: SCOURMILL_SCREENSHOTS=DIR saves it as DIR/TaviIndex.png.
+        if (const QString dir = qEnvironmentVariable("SCOURMILL_SCREENSHOTS"); !dir.isEmpty())
+            QVERIFY(window.grab().save(dir + "/TaviIndex.png"));
+    }
+
+    void theHelpToggleSwitchesThePopUps() {
+        indexdat::ui::TaviIndex window(*m_platform);
+        window.show();
+        auto* help = child<GGCommand>(window, "GGCommand7");
+        QCOMPARE(help->caption(), QString("HELP ON"));
+        auto* listAll = child<GGCommand>(window, "GGCommand6");
+        emit listAll->MouseEnter();
+        QMenu* hlp5 = window.hoverHelp().menu("hlp5");
+        QVERIFY(hlp5 && !hlp5->isVisible());
+
+        QTest::mouseClick(help, Qt::LeftButton);
+        QCOMPARE(help->caption(), QString("HELP OFF"));
+        emit listAll->MouseEnter();
+        QVERIFY(hlp5->isVisible());
+        QCOMPARE(hlp5->actions().size(), 2);
+        QCOMPARE(hlp5->actions()[0]->text(), QString("Shows all activity in every occurence of every "));
+        emit listAll->MouseExit();
+        QVERIFY(!hlp5->isVisible());
+        QVERIFY(window.hoverHelp().menu("hlp") != nullptr);
+        QCOMPARE(window.findChildren<QMenu*>().size(), 11);
+
+        QTest::mouseClick(help, Qt::LeftButton);
+        QCOMPARE(help->caption(), QString("HELP ON"));
+    }
+
+    void answeringNoStillRefreshesAndYesOverwrites() {
+        indexdat::ui::TaviIndex window(*m_platform);
+        window.show();
+        auto* raw = child<QPlainTextEdit>(window, "RichTextBox1");
+        raw->setPlainText("stale");
+        QString asked;
+        answerNextBox(QMessageBox::No, &asked);
+        QTest::mouseClick(child<GGCommand>(window, "GGCommand4"), Qt::LeftButton);
+        QCOMPARE(asked, QString("Tavi Manage Index.dat Files|TaviWipe %1 ?").arg(QString::fromStdString(m_file.string())));
+        QCOMPARE(child<QListWidget>(window, "List2")->count(), 0);
+        QVERIFY(raw->toPlainText().startsWith("Client UrlCache"));
+        QCOMPARE(readAll(m_file), m_record);
+
+        answerNextBox(QMessageBox::Yes, &asked);
+        QTest::mouseClick(child<GGCommand>(window, "GGCommand4"), Qt::LeftButton);
+        QCOMPARE(readAll(m_file).size(), indexdat::lengthAfterWipe(m_record.size()));
+        QCOMPARE(child<QLineEdit>(window, "Text1")->text(),
+                 QString("File Size in bytes = %1").arg(indexdat::lengthAfterWipe(m_record.size())));
+        std::ofstream(m_file, std::ios::binary) << m_record; // for the other cases
+    }
+
+    void theRawViewShowsEveryByteOfALargeFileInLines() {
+        const fs::path big = m_file.parent_path() / "big" / "index.dat";
+        fs::create_directories(big.parent_path());
+        std::string bytes(4 << 20, '\0');
+        for (std::size_t i = 0; i < bytes.size(); ++i)
+            bytes[i] = static_cast<char>(i * 7);
+        std::ofstream(big, std::ios::binary) << bytes;
+        indexdat::ui::TaviIndex window(*m_platform);
+        auto* list1 = child<QListWidget>(window, "List1");
+        const auto found = list1->findItems(QString::fromStdString(big.string()), Qt::MatchExactly);
+        QCOMPARE(found.size(), 1);
+        list1->setCurrentItem(found[0]);
+        QTest::mouseClick(child<GGCommand>(window, "GGCommand3"), Qt::LeftButton);
+        auto* raw = child<QPlainTextEdit>(window, "RichTextBox1");
+        QCOMPARE(raw->blockCount(), static_cast<int>((bytes.size() + 95) / 96));
+        QCOMPARE(raw->document()->firstBlock().text().size(), 96);
+        fs::remove_all(big.parent_path());
+    }
+};
+
+SCOURMILL_QTEST_MAIN(TaviIndexTest)
+#include "TaviIndexTest.moc"
