@@ -172,6 +172,7 @@ void TaviMain::connectCommands() {
         CleanAll();
     });
     connect(button(5), &ggcommand::GGCommand::Click, this, [this] { startPopUpStopper(); });
+    connect(button(4), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("TaviIndex"); });
     connect(button(7), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("MemMonitor"); });
     connect(button(8), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("TaviSecureWipe"); });
     connect(button(9), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("frmSize"); });

@@ -3,6 +3,7 @@
 #include "memory/ui/MemMonitor.h"
 #include "wipe/ui/TaviSecureWipe.h"
 #include "wipe/ui/frmSize.h"
+#include "indexdat/ui/TaviIndex.h"
 
 namespace app {
 
@@ -12,6 +13,7 @@ WindowSet::WindowSet(platform::Platform& platform) : m_platform(platform) {
         {"MemMonitor", [](platform::Platform& p) { return new memory::ui::MemMonitor(p); }},
         {"TaviSecureWipe", [](platform::Platform& p) { return new wipe::ui::TaviSecureWipe(p); }},
         {"frmSize", [](platform::Platform& p) { return new wipe::ui::frmSize(p); }},
+        {"TaviIndex", [](platform::Platform& p) { return new indexdat::ui::TaviIndex(p); }},
     };
 }
 

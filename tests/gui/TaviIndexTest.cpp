@@ -2,6 +2,8 @@
 // opens, the help toggle and its pop-ups, the overwrite question answered in a real message box,
 // and the raw view of a large file.
 
+#include "app/TaviMain.h"
+#include "app/WindowSet.h"
 #include "controls/ggcommand/GGCommand.h"
 #include "indexdat/ActivityWipe.h"
 #include "indexdat/ui/HoverHelp.h"
@@ -10,6 +12,7 @@
 #include "tests/indexdat/RecordFile.h"
 #include "tests/support/QtTestMain.h"
 
+#include <QAction>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
@@ -160,6 +163,25 @@ private slots:
         QCOMPARE(raw->blockCount(), static_cast<int>((bytes.size() + 95) / 96));
         QCOMPARE(raw->document()->firstBlock().text().size(), 96);
         fs::remove_all(big.parent_path());
+    }
+
+    void theMainWindowOpensOneInstanceFromItsButtonAndTrayEntry() {
+        app::WindowSet windows(*m_platform);
+        app::TaviMain main(*m_platform, windows);
+        main.show();
+        QVERIFY(!windows.exists("TaviIndex"));
+        auto* manage = child<GGCommand>(main, "GGCommand4");
+        QCOMPARE(manage->caption(), QString("Manage Data (index.dat) Files"));
+        QTest::mouseClick(manage, Qt::LeftButton);
+        QWidget* opened = windows.window("TaviIndex");
+        QVERIFY(opened && opened->isVisible());
+        QCOMPARE(opened->windowTitle(), QString("Tavi Manage Index.dat Files"));
+        opened->hide();
+        auto* tray = main.findChild<QAction*>("Mnu_dat");
+        QVERIFY(tray);
+        tray->trigger();
+        QCOMPARE(windows.window("TaviIndex"), opened);
+        QVERIFY(opened->isVisible());
     }
 };
 

@@ -6,6 +6,7 @@
 #include "indexdat/ActivityWipe.h"
 #include "platform/Platform.h"
 #include "tests/indexdat/RecordFile.h"
+#include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
@@ -116,25 +117,18 @@ TEST_F(ActivityWipeTest, AnIndependentParserFindsNoLocationAfterwards) {
 }
 
 TEST_F(ActivityWipeTest, TheOldTextIsGoneFromTheDisk) {
-    const fs::path image = dir.path() / "disk.img";
-    const fs::path mnt = dir.path() / "mnt";
-    fs::create_directory(mnt);
-    if (std::system(("truncate -s 8M " + image.string() + " && mkfs.ext4 -q -F " + image.string() +
-                     " >/dev/null 2>&1")
-                        .c_str()) != 0 ||
-        std::system(("mount -o loop " + image.string() + " " + mnt.string() + " 2>/dev/null").c_str()) != 0)
-        GTEST_SKIP() << "cannot build and loop-mount an ext4 image here (needs root and loop devices)";
-
+    testsupport::LoopImage image(dir.path(), 8);
+    if (!image.mounted())
+        GTEST_SKIP() << image.reason();
     testsupport::RecordFile file;
     for (int i = 0; i < 40; ++i)
         file.url("Visited: tavi@http://secret" + std::to_string(i) + ".example.com/");
-    const auto path = mnt / "index.dat";
+    const auto path = image.mountPoint() / "index.dat";
     std::ofstream(path, std::ios::binary) << file.bytes();
-    std::system(("sync " + path.string()).c_str());
+    image.sync();
+    ASSERT_TRUE(image.imageContains("secret39.example.com"));
     wipe(path);
-    std::system(("umount " + mnt.string()).c_str());
-
-    const std::string raw = readFile(image);
-    EXPECT_EQ(raw.find("secret"), std::string::npos);
-    EXPECT_NE(raw.find("Client UrlCache MMF Ver 5.2"), std::string::npos); // the kept header
+    ASSERT_TRUE(image.unmount());
+    EXPECT_FALSE(image.imageContains("secret"));
+    EXPECT_TRUE(image.imageContains("Client UrlCache MMF Ver 5.2")); // the kept header
 }

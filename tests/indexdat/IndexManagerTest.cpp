@@ -99,7 +99,8 @@ TEST_F(IndexManagerTest, OpensOnTheWinePrefixUsersFolderWithTheFirstFileShown) {
 
 TEST_F(IndexManagerTest, ActionsWithoutASelectionAskForOne) {
     view.folder = dir.str();
-    manager.search(); // nothing found: the selection quietly fails
+    manager.load(); // nothing found: the selection quietly fails, and no message at start
+    EXPECT_TRUE(view.told.empty());
     EXPECT_EQ(view.counts, "0/1");
     EXPECT_EQ(view.total, "=0 Bytes");
     manager.reportAll();
