@@ -34,10 +34,6 @@
 namespace app {
 namespace {
 
-const QStringList ChooserItems = {"Recent Documents", "IE Typed URL's",  "MS Media Player", "Find Files or Folders",
-                                  "Find Computers",   "MS Paint",        "Run Menu",        "Word Pad",
-                                  "WinZip File",      "WinZip Extract",  "Recycle Bin",     "Do Em All"};
-
 const QString HelpOn = "HELP ON";
 const QString HelpOff = "HELP OFF";
 
@@ -99,7 +95,7 @@ void TaviMain::buildControls() {
     m_combo1 = new QComboBox(this);
     m_combo1->setObjectName("Combo1");
     m_combo1->setEditable(true);
-    m_combo1->setEditText("Please Choose Item to Clean");
+    m_combo1->setEditText(QString::fromStdString(cleaning::ChooserPrompt));
     m_combo1->setInsertPolicy(QComboBox::NoInsert);
 
     m_tClosed = new QTimer(this);
@@ -203,8 +199,9 @@ void TaviMain::connectCommands() {
 void TaviMain::load() {
     adjustSize();
     centreOnScreen();
-    m_combo1->addItems(ChooserItems);
-    m_combo1->setEditText("Please Choose Item to Clean");
+    for (const std::string& item : cleaning::ChooserItems)
+        m_combo1->addItem(QString::fromStdString(item));
+    m_combo1->setEditText(QString::fromStdString(cleaning::ChooserPrompt));
     // Kept as the system always did; nothing in this window uses it.
     m_systemDirectory = QString::fromStdString(m_platform.knownFolders().systemDirectory()).left(255);
     m_tray->AddTrayIcon(windowTitle(), windowIcon());
