@@ -82,8 +82,28 @@ private slots:
         QTest::mouseClick(m_button, Qt::LeftButton, {}, QPoint(80, 15));
         QCOMPARE(log.names().join(" "), QString("MouseEnter MouseDown Click MouseUp"));
         QTest::mouseDClick(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        // QTest leaves the button down after a double click; let it go before the next test.
+        QTest::mouseRelease(m_button, Qt::LeftButton, {}, QPoint(80, 15));
         QCOMPARE(log.names().mid(4).count("DblClick"), 1);
         QVERIFY(!log.names().mid(4).contains("Click"));
+    }
+
+    void aWidgetCoveringTheButtonCountsAsOutside() {
+        auto* cover = new QWidget(m_window);
+        cover->setGeometry(120, 20, 60, 30); // the right part of the button
+        cover->show();
+        EventLog log(*m_button);
+        QTest::mouseMove(m_button, QPoint(20, 15));
+        QTest::mouseMove(m_button, QPoint(130, 15)); // over the cover
+        QCOMPARE(log.names().join(" "), QString("MouseEnter MouseExit"));
+
+        // Held down, the button still sees the pointer, and the cover still ends the press.
+        QTest::mouseMove(m_button, QPoint(20, 15));
+        QTest::mousePress(m_button, Qt::LeftButton, {}, QPoint(20, 15));
+        QTest::mouseMove(m_button, QPoint(130, 15));
+        QTest::mouseRelease(m_button, Qt::LeftButton, {}, QPoint(130, 15));
+        QVERIFY2(!log.names().contains("Click"), qPrintable(log.names().join(' ')));
+        QCOMPARE(log.names().mid(2, 3).join(" "), QString("MouseEnter MouseDown MouseExit"));
     }
 
     void clickMayDeleteTheButton() {
