@@ -13,8 +13,10 @@ void HoverHelp::add(const QString& menuName, const QStringList& itemNames, const
                     QWidget* control, QWidget* pointerArea) {
     auto* menu = new QMenu(m_window);
     menu->setObjectName(menuName);
-    menu->setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint);
+    // A tool tip, not a pop-up: no grab, no focus, and clicks pass through to the window.
+    menu->setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput);
     menu->setAttribute(Qt::WA_ShowWithoutActivating);
+    menu->setAttribute(Qt::WA_TransparentForMouseEvents);
     for (int i = 0; i < lines.size(); ++i)
         menu->addAction(lines[i])->setObjectName(itemNames.value(i));
     m_byName[menuName] = menu;

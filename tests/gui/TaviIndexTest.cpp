@@ -38,16 +38,17 @@ class TaviIndexTest : public QObject {
 
     static std::string readAll(const fs::path& p) { return testsupport::readFile(p); }
 
-    /// Answers the next message box with `button` and remembers its text.
-    static void answerNextBox(QMessageBox::StandardButton button, QString* text) {
-        QTimer::singleShot(0, [button, text] {
+    /// Answers the coming message boxes with `buttons`, one each, and records their texts.
+    static void answerBoxes(QList<QMessageBox::StandardButton> buttons, QStringList* texts) {
+        if (buttons.isEmpty())
+            return;
+        QTimer::singleShot(0, [buttons, texts]() mutable {
             auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (!box) {
-                answerNextBox(button, text);
-                return;
+            if (box) {
+                *texts << box->windowTitle() + "|" + box->text();
+                box->button(buttons.takeFirst())->click();
             }
-            *text = box->windowTitle() + "|" + box->text();
-            box->button(button)->click();
+            answerBoxes(buttons, texts);
         });
     }
 
@@ -130,15 +131,16 @@ private slots:
         window.show();
         auto* raw = child<QPlainTextEdit>(window, "RichTextBox1");
         raw->setPlainText("stale");
-        QString asked;
-        answerNextBox(QMessageBox::No, &asked);
+        QStringList asked;
+        answerBoxes({QMessageBox::No}, &asked);
         QTest::mouseClick(child<GGCommand>(window, "GGCommand4"), Qt::LeftButton);
-        QCOMPARE(asked, QString("Tavi Manage Index.dat Files|TaviWipe %1 ?").arg(QString::fromStdString(m_file.string())));
+        QCOMPARE(asked, QStringList{QString("Tavi Manage Index.dat Files|TaviWipe %1 ?")
+                                        .arg(QString::fromStdString(m_file.string()))});
         QCOMPARE(child<QListWidget>(window, "List2")->count(), 0);
         QVERIFY(raw->toPlainText().startsWith("Client UrlCache"));
         QCOMPARE(readAll(m_file), m_record);
 
-        answerNextBox(QMessageBox::Yes, &asked);
+        answerBoxes({QMessageBox::Yes}, &asked);
         QTest::mouseClick(child<GGCommand>(window, "GGCommand4"), Qt::LeftButton);
         QCOMPARE(readAll(m_file).size(), indexdat::lengthAfterWipe(m_record.size()));
         QCOMPARE(child<QLineEdit>(window, "Text1")->text(),
@@ -163,6 +165,51 @@ private slots:
         QCOMPARE(raw->blockCount(), static_cast<int>((bytes.size() + 95) / 96));
         QCOMPARE(raw->document()->firstBlock().text().size(), 96);
         fs::remove_all(big.parent_path());
+    }
+
+    void deleteAllAsksOncePerMarkedFileAndEmptyListsAskForASelection() {
+        const fs::path root = m_file.parent_path() / "all";
+        for (const char* sub : {"a", "b", "c"})
+            fs::create_directories(root / sub);
+        std::ofstream(root / "a" / "index.dat", std::ios::binary) << m_record;
+        std::ofstream(root / "b" / "index.dat", std::ios::binary) << std::string(4096, 'x'); // no marker
+        std::ofstream(root / "c" / "index.dat", std::ios::binary) << m_record;
+        indexdat::ui::TaviIndex window(*m_platform);
+        window.setFolder(QString::fromStdString(root.string()));
+        QTest::mouseClick(child<GGCommand>(window, "GGCommand1"), Qt::LeftButton);
+        auto* list1 = child<QListWidget>(window, "List1");
+        QCOMPARE(list1->count(), 3);
+        QTest::mouseClick(child<GGCommand>(window, "GGCommand6"), Qt::LeftButton);
+        QCOMPARE(child<QListWidget>(window, "List2")->count(), 4);
+
+        QStringList asked;
+        answerBoxes({QMessageBox::Yes, QMessageBox::No}, &asked);
+        QTest::mouseClick(child<GGCommand>(window, "GGCommand5"), Qt::LeftButton);
+        QStringList expected;
+        for (int i = 0; i < list1->count(); ++i)
+            if (!list1->item(i)->text().contains("/b/"))
+                expected << "Tavi Manage Index.dat Files|TaviWipe " + list1->item(i)->text() + " ?";
+        QCOMPARE(asked, expected);
+        const fs::path firstAsked = expected[0].section(' ', 4, -2).toStdString();
+        const fs::path secondAsked = expected[1].section(' ', 4, -2).toStdString();
+        QCOMPARE(readAll(firstAsked).size(), indexdat::lengthAfterWipe(m_record.size()));
+        QCOMPARE(readAll(secondAsked), m_record);
+        QCOMPARE(list1->selectedItems().size(), 0);
+        QCOMPARE(QApplication::overrideCursor(), nullptr);
+
+        // A pattern that finds nothing: the "all" actions stay quiet, the single report asks.
+        child<QLineEdit>(window, "Text2")->setText("nothing.here");
+        QTest::mouseClick(child<GGCommand>(window, "GGCommand1"), Qt::LeftButton);
+        QCOMPARE(child<QLineEdit>(window, "Text3")->text(), QString("0/4"));
+        QCOMPARE(child<QLineEdit>(window, "Text4")->text(), QString("=0 Bytes"));
+        asked.clear();
+        QTest::mouseClick(child<GGCommand>(window, "GGCommand6"), Qt::LeftButton);
+        QTest::mouseClick(child<GGCommand>(window, "GGCommand5"), Qt::LeftButton);
+        answerBoxes({QMessageBox::Ok}, &asked);
+        QTest::mouseClick(child<GGCommand>(window, "GGCommand2"), Qt::LeftButton);
+        QCOMPARE(asked, QStringList{"Tavi Message|Please populate then select file in top listbox to display "
+                                    "contents in bottom list box"});
+        fs::remove_all(root);
     }
 
     void theMainWindowOpensOneInstanceFromItsButtonAndTrayEntry() {

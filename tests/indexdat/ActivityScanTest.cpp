@@ -176,11 +176,3 @@ TEST_F(ActivityScanTest, FindsEveryLocationAnIndependentParserFinds) {
         EXPECT_TRUE(found) << location;
     }
 }
-
-TEST_F(ActivityScanTest, AnUnreadableFileIsNotScanned) {
-    std::filesystem::create_symlink(dir.path() / "target", dir.path() / "link.dat");
-    dir.write("target", "http://x");
-    indexdat::ActivityScan scan(p->rawFiles());
-    EXPECT_FALSE(scan.scan((dir.path() / "missing.dat").string(), [](std::string_view) { return true; }));
-    EXPECT_FALSE(scan.scan((dir.path() / "link.dat").string(), [](std::string_view) { return true; }));
-}

@@ -115,14 +115,6 @@ TEST_F(FileSearchTest, ACounterPassing32767EndsTheSearchKeepingWhatItListed) {
     EXPECT_EQ(indexdat::countsText(3, 12), "3/13");
 }
 
-TEST(StripNulls, CutsAtTheFirstZeroInPlace) {
-    std::string s("index.dat\0garbage", 17);
-    EXPECT_EQ(indexdat::StripNulls(s), "index.dat");
-    EXPECT_EQ(s, "index.dat");
-    std::string plain = "plain";
-    EXPECT_EQ(indexdat::StripNulls(plain), "plain");
-}
-
 TEST_F(FileSearchTest, TheFolderListShowsThePathDownThenTheSubfoldersByName) {
     fs::create_directories(dir.path() / "tavi" / "zeta");
     fs::create_directories(dir.path() / "tavi" / "Alpha");

@@ -3,42 +3,25 @@
 
 #include "indexdat/ActivityWipe.h"
 #include "tests/indexdat/RecordFile.h"
+#include "tests/support/CliProcess.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
-#include <sys/wait.h>
+#include <cstdlib>
+#include <fstream>
 
 using testsupport::readFile;
 using testsupport::ScratchDir;
 
 namespace {
 
-struct CliRun {
-    int code = -1;
-    std::string out; ///< standard output only
-    std::string err;
-};
-
-CliRun cli(const std::string& args) {
-    CliRun r;
-    const std::string errFile = (testsupport::scratchRoot() / "cli-stderr.txt").string();
-    const std::string command =
-        std::string(SCOURMILL_CLI) + " " + args + " </dev/null 2>'" + errFile + "'";
-    FILE* pipe = ::popen(command.c_str(), "r");
-    std::array<char, 4096> buffer{};
-    while (std::size_t n = std::fread(buffer.data(), 1, buffer.size(), pipe))
-        r.out.append(buffer.data(), n);
-    const int status = ::pclose(pipe);
-    r.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    r.err = readFile(errFile);
-    return r;
+testsupport::CliResult cli(const std::string& args) {
+    return testsupport::runCommand(std::string(SCOURMILL_CLI) + " " + args);
 }
 
 std::string q(const std::filesystem::path& p) {
-    return "'" + p.string() + "'";
+    return testsupport::shellQuoted(p);
 }
 
 } // namespace
@@ -48,13 +31,22 @@ TEST(IndexDatCli, FindPrintsMatchesThenCountsAndTotal) {
     dir.write("tavi/History/index.dat", std::string(1500, 'x'));
     dir.write("tavi/Cookies/index.dat", std::string(234, 'y'));
     dir.write("tavi/Cookies/other.txt", "z");
-    CliRun r = cli("indexdat find " + q(dir.path() / "tavi"));
+    testsupport::CliResult r = cli("indexdat find " + q(dir.path() / "tavi"));
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_NE(r.out.find(dir.str() + "/tavi/History/index.dat\n"), std::string::npos);
     EXPECT_NE(r.out.find(dir.str() + "/tavi/Cookies/index.dat\n"), std::string::npos);
     EXPECT_EQ(r.out.substr(r.out.find("2/3\n")), "2/3\n=1,734 Bytes\n");
     r = cli("indexdat find --pattern '*.txt' " + q(dir.path()));
     EXPECT_EQ(r.out, dir.str() + "/tavi/Cookies/other.txt\n1/4\n=1 Bytes\n");
+    // Without DIR: the Wine prefix's users folder when there is one, else the home folder.
+    const std::filesystem::path home = std::getenv("HOME");
+    const std::filesystem::path users = std::filesystem::path(std::getenv("WINEPREFIX")) / "drive_c" / "users";
+    std::ofstream(home / "index.dat") << "h";
+    EXPECT_EQ(cli("indexdat find").out.rfind(home.string() + "/index.dat\n", 0), 0u);
+    std::filesystem::create_directories(users);
+    EXPECT_EQ(cli("indexdat find").out, "0/1\n=0 Bytes\n");
+    std::filesystem::remove_all(users.parent_path());
+    std::filesystem::remove(home / "index.dat");
     r = cli("indexdat find " + q(dir.path() / "nowhere"));
     EXPECT_EQ(r.code, 2);
     EXPECT_NE(r.err.find("nowhere"), std::string::npos);
@@ -64,7 +56,7 @@ TEST(IndexDatCli, ReportAndRawGiveTheBytesAsStored) {
     ScratchDir dir;
     const std::string content = std::string("Visited: u@http://a.example/x\ny\0Cookie:u@b/\0", 45);
     const auto path = dir.write("index.dat", content);
-    CliRun r = cli("indexdat report " + q(path));
+    testsupport::CliResult r = cli("indexdat report " + q(path));
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "http://a.example/x\ny\nCookie:u@b/\n");
     r = cli("indexdat report -0 " + q(path) + " " + q(path));
@@ -83,7 +75,7 @@ TEST(IndexDatCli, WipeOverwritesOnlyWhenAgreed) {
     const std::string content = testsupport::RecordFile().url("Visited: u@http://a.example/").bytes();
     const auto path = dir.write("index.dat", content);
     // No terminal to ask on: the answer is No and nothing changes.
-    CliRun r = cli("indexdat wipe " + q(path));
+    testsupport::CliResult r = cli("indexdat wipe " + q(path));
     EXPECT_EQ(r.code, 0);
     EXPECT_NE(r.err.find("TaviWipe " + path.string() + " ?"), std::string::npos);
     EXPECT_EQ(readFile(path), content);
