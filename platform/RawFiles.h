@@ -40,8 +40,9 @@ public:
     /// following a symbolic link. Only plain files open: a device, pipe or folder is refused.
     /// Returns null on failure, with lastError() set.
     virtual std::unique_ptr<RawFile> open(const std::string& path) = 0;
-    /// Opens an existing `path` for reading only, shared with other readers, never creating it and
-    /// never through a symbolic link. Writing through the handle fails. Null on failure.
+    /// Opens the existing regular file `path` for reading only, shared with other readers, never
+    /// creating it and never through a symbolic link. Writing through the handle fails. Null on
+    /// failure, and for folders, pipes and devices.
     virtual std::unique_ptr<RawFile> openForReading(const std::string& path) = 0;
     /// The calling thread's last OS error code (errno / GetLastError); 0 when none.
     virtual int lastError() const = 0;

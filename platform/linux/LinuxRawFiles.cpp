@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace platform::linux {
@@ -91,6 +92,14 @@ std::unique_ptr<RawFile> LinuxRawFiles::openForReading(const std::string& path) 
     const int fd = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0)
         return nullptr;
+    // A folder, pipe or device is no file to read bytes from (/dev/zero would never end).
+    struct stat st {};
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        const int err = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;
+        ::close(fd);
+        errno = err;
+        return nullptr;
+    }
     return std::make_unique<LinuxRawFile>(fd);
 }
 

@@ -119,6 +119,14 @@ private slots:
         QCOMPARE(hlp5->actions()[0]->text(), QString("Shows all activity in every occurence of every "));
         emit listAll->MouseExit();
         QVERIFY(!hlp5->isVisible());
+        // The lists and the raw view pop their help up on pointer moves.
+        auto* top = child<QListWidget>(window, "List1")->viewport();
+        QTest::mouseMove(top, QPoint(20, 20));
+        QVERIFY(window.hoverHelp().menu("hlp2")->isVisible());
+        QCOMPARE(window.hoverHelp().menu("hlp2")->actions()[1]->text(), QString("typed in field \"type file to find\""));
+        QEvent leave(QEvent::Leave);
+        QApplication::sendEvent(top, &leave);
+        QVERIFY(!window.hoverHelp().menu("hlp2")->isVisible());
         QVERIFY(window.hoverHelp().menu("hlp") != nullptr);
         QCOMPARE(window.findChildren<QMenu*>().size(), 11);
 

@@ -68,6 +68,8 @@ TEST(IndexDatCli, ReportAndRawGiveTheBytesAsStored) {
     EXPECT_EQ(r.out, "http://a.example/x\ny\nCookie:u@b/\n");
     EXPECT_NE(r.err.find("gone.dat"), std::string::npos);
     EXPECT_EQ(cli("indexdat raw").code, 2);
+    // Only regular files are read: a folder or a device that never ends is refused.
+    EXPECT_EQ(cli("indexdat report /dev/zero " + q(dir.path())).code, 1);
 }
 
 TEST(IndexDatCli, WipeOverwritesOnlyWhenAgreed) {
