@@ -63,6 +63,7 @@ TEST(IndexDatCli, ReportAndRawGiveTheBytesAsStored) {
     EXPECT_EQ(r.out, std::string("http://a.example/x\ny\0Cookie:u@b/\0http://a.example/x\ny\0Cookie:u@b/\0", 66));
     r = cli("indexdat raw " + q(path));
     EXPECT_EQ(r.out, "File Size in bytes = 45\n" + content);
+    EXPECT_EQ(cli("indexdat raw " + q(dir.write("empty.dat", ""))).out, "File Size in bytes = 0\n");
     r = cli("indexdat report " + q(path) + " " + q(dir.path() / "gone.dat"));
     EXPECT_EQ(r.code, 1);
     EXPECT_EQ(r.out, "http://a.example/x\ny\nCookie:u@b/\n");
