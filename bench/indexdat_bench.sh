@@ -65,11 +65,11 @@ mkdir -p "$tree"
             mkdir -p "user$u/folder$d"
         done
     done
-    # 99 files in each of the 1,000 folders, one of them an index.dat in every tenth folder.
+    # 100 files in each of the 1,000 folders, one of them an index.dat in every tenth folder.
     for dir in user*/folder*; do
-        (cd "$dir" && touch f{00..98}.tmp)
+        (cd "$dir" && touch f{00..99}.tmp)
     done
-    for ((u = 0; u < 100; u++)); do touch "user$u/folder0/index.dat"; done
+    for ((u = 0; u < 100; u++)); do mv "user$u/folder0/f00.tmp" "user$u/folder0/index.dat"; done
 )
 find "$tree" -type f | wc -l | xargs echo "files:"
 search() { "$cli" indexdat find "$tree"; }
