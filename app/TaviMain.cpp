@@ -1,6 +1,6 @@
 #include "app/TaviMain.h"
 
-#include "app/HoverHelp.h"
+#include "app/MainWindowHelp.h"
 #include "app/Icons.h"
 #include "app/RecycleProgress.h"
 #include "app/WindowSet.h"
@@ -10,6 +10,7 @@
 #include "cleaning/CleanIT.h"
 #include "cleaning/Registry.h"
 #include "controls/ggcommand/GGCommand.h"
+#include "controls/hoverhelp/HoverHelp.h"
 #include "controls/ggcommand/Design.h"
 #include "platform/Platform.h"
 
@@ -107,9 +108,6 @@ void TaviMain::buildControls() {
 
     m_list1 = new QListWidget(this);
     m_list1->setObjectName("List1");
-    m_list1->setMouseTracking(true);
-    m_list1->viewport()->setMouseTracking(true);
-    m_list1->viewport()->installEventFilter(this);
 
     m_picture1 = new QLabel(this);
     m_picture1->setObjectName("Picture1");
@@ -157,7 +155,18 @@ void TaviMain::buildMenus() {
     m_mnuFile->addSeparator()->setObjectName("Mnu_Bar");
     entry("Mnu_Exit", "Exit", [this] { exitProgram(); });
 
-    m_help = new HoverHelp(this, m_menuBar, mainWindowHelp());
+    m_help = new hoverhelp::HoverHelp(this, m_menuBar);
+    for (const HelpMenu& menu : mainWindowHelp()) {
+        QStringList names;
+        QStringList lines;
+        for (const HelpLine& line : menu.lines) {
+            names << line.entry;
+            lines << line.text;
+        }
+        QWidget* control = findChild<QWidget*>(menu.control);
+        QWidget* pointerArea = control == m_list1 ? m_list1->viewport() : nullptr; // List1: on every move
+        m_help->add(menu.menu, menu.title, names, lines, control, pointerArea);
+    }
 }
 
 void TaviMain::connectCommands() {
@@ -181,9 +190,9 @@ void TaviMain::connectCommands() {
     connect(button(14), &ggcommand::GGCommand::Click, this, [this] { toggleHelp(); });
 
     for (int n : HelpButtons) {
-        const QString name = QString("GGCommand%1").arg(n);
-        connect(button(n), &ggcommand::GGCommand::MouseEnter, this, [this, name] { hoverHelp(name); });
-        connect(button(n), &ggcommand::GGCommand::MouseExit, this, [this] { m_help->hide(); });
+        ggcommand::GGCommand* b = button(n);
+        connect(b, &ggcommand::GGCommand::MouseEnter, this, [this, b] { m_help->popUp(b); });
+        connect(b, &ggcommand::GGCommand::MouseExit, this, [this, b] { m_help->hide(b); });
     }
     connect(m_list1, &QListWidget::itemDoubleClicked, this, [this] { openListedLine(); });
 
@@ -265,26 +274,12 @@ void TaviMain::toggleHelp() {
         toggle->setCaption(HelpOff);
     else if (toggle->caption() == HelpOff)
         toggle->setCaption(HelpOn);
-}
-
-void TaviMain::hoverHelp(const QString& control) {
     // The caption names what the next click does: "HELP OFF" means help is on.
-    if (button(14)->caption() == HelpOff)
-        m_help->popUp(control, QCursor::pos());
-}
-
-bool TaviMain::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == m_list1->viewport()) {
-        if (event->type() == QEvent::MouseMove)
-            hoverHelp("List1");
-        else if (event->type() == QEvent::Leave)
-            m_help->hide();
-    }
-    return QWidget::eventFilter(watched, event);
+    m_help->setActive(toggle->caption() == HelpOff);
 }
 
 void TaviMain::hideMe() {
-    m_help->hide();
+    m_help->hideAll();
     // Without a notification area a hidden window could never come back: minimize instead.
     if (tray::SysTray::available())
         hide();
@@ -357,7 +352,6 @@ void TaviMain::exitProgram() {
 }
 
 void TaviMain::closeEvent(QCloseEvent* event) {
-    m_help->hide();
     m_tray->RemoveTrayIcon();
     event->accept();
     emit exitRequested();

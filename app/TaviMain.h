@@ -24,10 +24,12 @@ class Platform;
 namespace tray {
 class SysTray;
 }
+namespace hoverhelp {
+class HoverHelp;
+}
 
 namespace app {
 
-class HoverHelp;
 class WindowSet;
 
 class TaviMain : public QWidget {
@@ -50,7 +52,7 @@ public:
     QString cookiesPath() const { return m_cookiesPath; }
     QString tempPath() const { return m_tempPath; }
     tray::SysTray& sysTray() const { return *m_tray; }
-    HoverHelp& hoverHelp() const { return *m_help; }
+    hoverhelp::HoverHelp& hoverHelp() const { return *m_help; }
 
 signals:
     /// The program should end now (Exit from the tray menu, or the window was closed).
@@ -60,7 +62,6 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     ggcommand::GGCommand* button(int number) const;
@@ -74,7 +75,6 @@ private:
     void wipeListedCacheEntries();
     void startPopUpStopper();
     void toggleHelp();
-    void hoverHelp(const QString& control);
     void hideMe();
     void showFromTray();
     void openListedLine();
@@ -99,7 +99,7 @@ private:
     QLabel* m_picture1 = nullptr;
     QMenuBar* m_menuBar = nullptr;
     QMenu* m_mnuFile = nullptr;
-    HoverHelp* m_help = nullptr;
+    hoverhelp::HoverHelp* m_help = nullptr;
     tray::SysTray* m_tray = nullptr;
 
     QString m_systemDirectory;

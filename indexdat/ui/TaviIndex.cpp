@@ -6,7 +6,7 @@
 #include "indexdat/FolderList.h"
 #include "indexdat/IndexTexts.h"
 #include "indexdat/RawReport.h"
-#include "indexdat/ui/HoverHelp.h"
+#include "controls/hoverhelp/HoverHelp.h"
 #include "platform/Platform.h"
 
 #include <QApplication>
@@ -123,7 +123,7 @@ void TaviIndex::buildHelp() {
         }
         auto* control = menu.control.empty() ? nullptr : findChild<QWidget*>(QString::fromStdString(menu.control));
         auto* area = qobject_cast<QAbstractScrollArea*>(control);
-        m_help->add(QString::fromStdString(menu.name), names, lines, control, area ? area->viewport() : nullptr);
+        m_help->add(QString::fromStdString(menu.name), {}, names, lines, control, area ? area->viewport() : nullptr);
     }
 }
 

@@ -25,9 +25,13 @@ namespace platform {
 class Platform;
 }
 
+namespace hoverhelp {
+class HoverHelp;
+}
+
 namespace indexdat::ui {
 
-class HoverHelp;
+using hoverhelp::HoverHelp;
 
 class TaviIndex : public QWidget, public IndexView {
     Q_OBJECT

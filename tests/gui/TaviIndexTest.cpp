@@ -6,7 +6,7 @@
 #include "app/WindowSet.h"
 #include "controls/ggcommand/GGCommand.h"
 #include "indexdat/ActivityWipe.h"
-#include "indexdat/ui/HoverHelp.h"
+#include "controls/hoverhelp/HoverHelp.h"
 #include "indexdat/ui/TaviIndex.h"
 #include "platform/Platform.h"
 #include "tests/indexdat/RecordFile.h"

@@ -1,12 +1,12 @@
 // The main window driven as a user drives it: real widgets found by object name, real timers, a
 // real child process for AutoClean, on the offscreen platform.
 
-#include "app/HoverHelp.h"
 #include "app/TaviMain.h"
 #include "app/WindowSet.h"
 #include "app/autoclean/AutoCleanState.h"
 #include "app/tray/SysTray.h"
 #include "controls/ggcommand/GGCommand.h"
+#include "controls/hoverhelp/HoverHelp.h"
 #include "platform/Platform.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/QtTestMain.h"

@@ -1,17 +1,18 @@
-#include "indexdat/ui/HoverHelp.h"
+#include "controls/hoverhelp/HoverHelp.h"
 
 #include <QCursor>
 #include <QEvent>
 #include <QMenu>
+#include <QMenuBar>
 #include <QWidget>
 
-namespace indexdat::ui {
+namespace hoverhelp {
 
-HoverHelp::HoverHelp(QWidget* window) : QObject(window), m_window(window) {}
+HoverHelp::HoverHelp(QWidget* window, QMenuBar* menuBar) : QObject(window), m_window(window), m_menuBar(menuBar) {}
 
-void HoverHelp::add(const QString& menuName, const QStringList& itemNames, const QStringList& lines,
-                    QWidget* control, QWidget* pointerArea) {
-    auto* menu = new QMenu(m_window);
+void HoverHelp::add(const QString& menuName, const QString& title, const QStringList& itemNames,
+                    const QStringList& lines, QWidget* control, QWidget* pointerArea) {
+    auto* menu = new QMenu(title.isEmpty() ? menuName : title, m_window);
     menu->setObjectName(menuName);
     // A tool tip, not a pop-up: no grab, no focus, and clicks pass through to the window.
     menu->setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput);
@@ -19,6 +20,8 @@ void HoverHelp::add(const QString& menuName, const QStringList& itemNames, const
     menu->setAttribute(Qt::WA_TransparentForMouseEvents);
     for (int i = 0; i < lines.size(); ++i)
         menu->addAction(lines[i])->setObjectName(itemNames.value(i));
+    if (m_menuBar)
+        m_menuBar->addMenu(menu);
     m_byName[menuName] = menu;
     if (control)
         m_byControl[control] = menu;
@@ -32,8 +35,12 @@ void HoverHelp::add(const QString& menuName, const QStringList& itemNames, const
 void HoverHelp::setActive(bool active) {
     m_active = active;
     if (!active)
-        for (auto& [control, menu] : m_byControl)
-            menu->hide();
+        hideAll();
+}
+
+void HoverHelp::hideAll() {
+    for (auto& [name, menu] : m_byName)
+        menu->hide();
 }
 
 QMenu* HoverHelp::menu(const QString& menuName) const {
@@ -43,15 +50,27 @@ QMenu* HoverHelp::menu(const QString& menuName) const {
 
 void HoverHelp::popUp(QWidget* control) {
     const auto it = m_byControl.find(control);
-    if (!m_active || it == m_byControl.end() || it->second->isVisible())
+    if (!m_active || it == m_byControl.end())
         return;
-    it->second->popup(QCursor::pos() + QPoint(12, 16));
+    // Beside the pointer, so that the pointer never rests on the help itself.
+    const QPoint at = QCursor::pos() + QPoint(12, 16);
+    if (it->second->isVisible())
+        it->second->move(at);
+    else
+        it->second->popup(at);
 }
 
 void HoverHelp::hide(QWidget* control) {
     const auto it = m_byControl.find(control);
     if (it != m_byControl.end())
         it->second->hide();
+}
+
+QMenu* HoverHelp::shown() const {
+    for (const auto& [name, menu] : m_byName)
+        if (menu->isVisible())
+            return menu;
+    return nullptr;
 }
 
 bool HoverHelp::eventFilter(QObject* watched, QEvent* event) {
@@ -66,4 +85,4 @@ bool HoverHelp::eventFilter(QObject* watched, QEvent* event) {
     return false;
 }
 
-} // namespace indexdat::ui
+} // namespace hoverhelp

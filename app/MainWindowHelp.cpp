@@ -1,7 +1,4 @@
-#include "app/HoverHelp.h"
-
-#include <QMenu>
-#include <QMenuBar>
+#include "app/MainWindowHelp.h"
 
 namespace app {
 
@@ -40,53 +37,6 @@ const std::vector<HelpMenu>& mainWindowHelp() {
          {{"mylist", "Cache information is viewed here."}, {"mylist2", "Double Click to open location in browser"}}},
     };
     return menus;
-}
-
-HoverHelp::HoverHelp(QWidget* window, QMenuBar* bar, const std::vector<HelpMenu>& menus) : QObject(window) {
-    for (const HelpMenu& help : menus) {
-        auto* menu = new QMenu(QString::fromUtf8(help.title), window);
-        menu->setObjectName(help.menu);
-        for (const HelpLine& line : help.lines)
-            menu->addAction(QString::fromUtf8(line.text))->setObjectName(line.entry);
-        // A tool tip, not a pop-up: no mouse grab, no focus, clicks pass through to what is below.
-        menu->setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput);
-        menu->setAttribute(Qt::WA_ShowWithoutActivating);
-        menu->setAttribute(Qt::WA_TransparentForMouseEvents);
-        bar->addMenu(menu);
-        m_menus.emplace_back(QString::fromUtf8(help.control), menu);
-    }
-}
-
-QMenu* HoverHelp::menuFor(const QString& control) const {
-    for (const auto& [name, menu] : m_menus)
-        if (name == control)
-            return menu;
-    return nullptr;
-}
-
-void HoverHelp::popUp(const QString& control, const QPoint& globalPos) {
-    QMenu* menu = menuFor(control);
-    if (!menu)
-        return;
-    for (const auto& [name, other] : m_menus)
-        if (other != menu)
-            other->hide();
-    menu->adjustSize();
-    // Just beside the pointer, so the pointer never rests on the help itself.
-    menu->move(globalPos + QPoint(2, 2));
-    menu->show();
-}
-
-void HoverHelp::hide() {
-    for (const auto& [name, menu] : m_menus)
-        menu->hide();
-}
-
-QMenu* HoverHelp::shown() const {
-    for (const auto& [name, menu] : m_menus)
-        if (menu->isVisible())
-            return menu;
-    return nullptr;
 }
 
 } // namespace app
