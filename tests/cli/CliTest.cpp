@@ -1,31 +1,20 @@
 // The command line as a user runs it: a real process, its output and exit code.
 
+#include "tests/support/CliProcess.h"
+
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <vector>
 #include <string>
-#include <sys/wait.h>
 
 namespace {
 
-struct CliRun {
-    int code = -1;
-    std::string out;
-};
-
-CliRun run(const std::string& args) {
-    CliRun r;
-    const std::string command = std::string(SCOURMILL_CLI) + " " + args + " 2>&1";
-    FILE* pipe = ::popen(command.c_str(), "r");
-    std::array<char, 4096> buffer{};
-    while (std::size_t n = std::fread(buffer.data(), 1, buffer.size(), pipe))
-        r.out.append(buffer.data(), n);
-    const int status = ::pclose(pipe);
-    r.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+/// Runs scourmill-cli with `args`; output and messages together, as a user sees them.
+testsupport::CliResult run(const std::string& args) {
+    testsupport::CliResult r = testsupport::runCommand(std::string(SCOURMILL_CLI) + " " + args);
+    r.out += r.err;
     return r;
 }
 
@@ -40,7 +29,7 @@ std::uint64_t memTotalBytes() {
 } // namespace
 
 TEST(Cli, MemmonOncePrintsTheNineLinesWithTotalPhysicalFromMeminfo) {
-    const CliRun r = run("memmon --once");
+    const auto r = run("memmon --once");
     ASSERT_EQ(r.code, 0) << r.out;
     std::istringstream lines(r.out);
     std::vector<std::string> got;
@@ -56,7 +45,7 @@ TEST(Cli, MemmonOncePrintsTheNineLinesWithTotalPhysicalFromMeminfo) {
 }
 
 TEST(Cli, HelpVersionAndUsageErrors) {
-    CliRun r = run("--help");
+    auto r = run("--help");
     EXPECT_EQ(r.code, 0);
     EXPECT_NE(r.out.find("memmon"), std::string::npos);
     r = run("memmon --help");
@@ -74,7 +63,7 @@ TEST(Cli, CleanItemTakesOnlyExactChooserTextsAndPreviewChangesNothing) {
     const std::string hive = std::string(std::getenv("WINEPREFIX")) + "/user.reg";
     std::ofstream(hive) << "WINE REGISTRY Version 2\n\n[Software\\\\Microsoft\\\\Internet Explorer\\\\TypedURLs] 1\n"
                            "#time=1\n\"url1\"=\"http://a.example/\"\n\"url3\"=\"http://c.example/\"\n";
-    CliRun r = run("clean-item \"ie typed url's\"");
+    auto r = run("clean-item \"ie typed url's\"");
     EXPECT_EQ(r.code, 2);
     EXPECT_NE(r.out.find("You must make a choice from the combobox pull down list. If you continue having "
                          "trouble,please contact Tavi support."),
