@@ -1,7 +1,7 @@
 #pragma once
 // The recycle bin on Linux: the freedesktop.org Trash. Its folders are the home trash
 // ($XDG_DATA_HOME/Trash) and, at the top of each mounted filesystem, .Trash/<uid> (only when
-// .Trash is a real folder with the sticky bit, as the Trash specification demands) and
+// .Trash is a real folder with the sticky bit, as freedesktop.org requires of it) and
 // .Trash-<uid>. A root names one filesystem: a path on it, or a drive of the Wine prefix ("D:\").
 // Emptying never follows a link: a link in a trash folder is removed, never what it points to,
 // and a folder on another filesystem inside a trash folder is left alone. The sound flag is
