@@ -1,6 +1,7 @@
 #include "app/Screenshots.h"
 
 #include "app/WindowSet.h"
+#include "controls/prompts/MessageBoxPrompts.h"
 
 #include <QApplication>
 #include <QDir>
@@ -28,6 +29,7 @@ bool save(QWidget& window, const QDir& dir) {
 } // namespace
 
 int saveScreenshots(QWidget& mainWindow, WindowSet& windows, const QString& folder) {
+    prompts::MessageBoxPrompts::setUnattended(true);
     QDir dir(folder);
     if (!dir.mkpath(".")) {
         QTextStream(stderr) << "cannot create " << folder << "\n";

@@ -21,10 +21,7 @@ IndexManager::IndexManager(platform::Platform& platform, IndexView& view, core::
 
 void IndexManager::load() {
     search();
-    // With nothing found there is nothing to report: the empty list and the counts say so, and
-    // the window does not open on a message box asking the user to select a file.
-    if (m_view.selectedFile() < 0)
-        return;
+    // With nothing found, the report's selection check asks the user to populate the list first.
     reportSelected();
     rawReport();
 }

@@ -26,8 +26,8 @@ public:
     /// `problems` hears about files that could not be read or overwritten; the window passes none.
     IndexManager(platform::Platform& platform, IndexView& view, core::ProblemSink* problems = nullptr);
 
-    /// The window opens: search, then report and raw view of the first file found (without a
-    /// message when nothing was found).
+    /// The window opens: search, then report and raw view of the first file found; with nothing
+    /// found the report asks the user to populate and select first.
     void load();
     /// "Show Selected Files": fills the file list, the counts and the total; selects the first
     /// file. Ends quietly, keeping what it listed, when a counter or the total overflows.

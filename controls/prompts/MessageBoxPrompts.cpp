@@ -2,9 +2,12 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QTextStream>
 
 namespace prompts {
 namespace {
+
+bool g_unattended = false;
 
 QMessageBox::Icon iconFor(int style) {
     switch (style & 0x70) {
@@ -23,6 +26,10 @@ QMessageBox::Icon iconFor(int style) {
 
 int run(QWidget* owner, const std::string& text, const std::string& title, int style,
         QMessageBox::StandardButtons buttons) {
+    if (g_unattended) {
+        QTextStream(stderr) << QString::fromStdString(title) << ": " << QString::fromStdString(text) << "\n";
+        return buttons.testFlag(QMessageBox::No) ? QMessageBox::No : QMessageBox::Ok;
+    }
     QMessageBox box(iconFor(style), QString::fromStdString(title), QString::fromStdString(text), buttons,
                     owner ? owner : QApplication::activeWindow());
     box.setObjectName("MessageBox");
@@ -30,6 +37,10 @@ int run(QWidget* owner, const std::string& text, const std::string& title, int s
 }
 
 } // namespace
+
+void MessageBoxPrompts::setUnattended(bool unattended) {
+    g_unattended = unattended;
+}
 
 bool MessageBoxPrompts::askYesNo(const std::string& text, const std::string& title, int style) {
     return run(m_owner, text, title, style, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;

@@ -14,6 +14,10 @@ public:
     /// Boxes are parented to `owner` (may be null: the active window is used).
     explicit MessageBoxPrompts(QWidget* owner = nullptr) : m_owner(owner) {}
 
+    /// With nobody at the screen (the program saving screenshots), messages go to stderr and every
+    /// question is answered No, so that nothing waits and nothing is destroyed.
+    static void setUnattended(bool unattended);
+
     bool askYesNo(const std::string& text, const std::string& title, int style) override;
     void tell(const std::string& text, const std::string& title, int style) override;
 

@@ -101,6 +101,20 @@ private slots:
             QVERIFY(window.grab().save(dir + "/TaviIndex.png"));
     }
 
+    void opensWithTheSelectionMessageWhenNothingIsFound() {
+        const fs::path away = m_file.string() + ".away";
+        fs::rename(m_file, away);
+        QStringList asked;
+        answerBoxes({QMessageBox::Ok}, &asked);
+        {
+            indexdat::ui::TaviIndex window(*m_platform);
+            QCOMPARE(child<QListWidget>(window, "List1")->count(), 0);
+        }
+        fs::rename(away, m_file);
+        QCOMPARE(asked, QStringList{"Tavi Message|Please populate then select file in top listbox to display "
+                                    "contents in bottom list box"});
+    }
+
     void theHelpToggleSwitchesThePopUps() {
         indexdat::ui::TaviIndex window(*m_platform);
         window.show();
