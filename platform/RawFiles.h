@@ -26,6 +26,9 @@ public:
     virtual std::int64_t seek(std::int64_t distance, From from) = 0;
     /// Makes everything written so far reach the device. False on failure.
     virtual bool flush() = 0;
+    /// Starts writing `length` bytes from `offset` to the device without waiting for it, so that
+    /// the device works while the caller goes on; flush() still has to follow. May do nothing.
+    virtual void startFlush(std::int64_t /*offset*/, std::int64_t /*length*/) {}
     /// Ends the file at the current position. False on failure.
     virtual bool truncate() = 0;
     /// OS-level handle number, for display and identity only.

@@ -12,6 +12,7 @@ packages=(
     xvfb xauth
     e2fsprogs util-linux
     coreutils secure-delete libmsiecf-utils
+    bc
     fonts-liberation
 )
 

@@ -118,9 +118,10 @@ bool SecureDelete::overwrite(const std::string& path, std::uint64_t length) {
             if (m_view.stopRequested() || m_view.interrupted())
                 return false;
             const std::int64_t position = file->seek(0, platform::RawFile::From::Current);
-            for (const std::uint8_t value : values) {
+            for (std::size_t b = 0; b < values.size(); ++b) {
                 file->seek(position, platform::RawFile::From::Begin);
-                if (!writeBlock(*file, value, static_cast<std::uint64_t>(blockLength), now))
+                const bool last = b + 1 == values.size();
+                if (!writeBlock(*file, values[b], static_cast<std::uint64_t>(blockLength), now, last ? position : -1))
                     return false;
                 m_view.pumpEvents();
             }
@@ -130,7 +131,8 @@ bool SecureDelete::overwrite(const std::string& path, std::uint64_t length) {
     return true;
 }
 
-bool SecureDelete::writeBlock(platform::RawFile& file, std::uint8_t value, std::uint64_t length, FileWipeProgress& now) {
+bool SecureDelete::writeBlock(platform::RawFile& file, std::uint8_t value, std::uint64_t length, FileWipeProgress& now,
+                              std::int64_t finalAt) {
     const std::size_t chunk = static_cast<std::size_t>(std::min<std::uint64_t>(length, ChunkBytes));
     if (m_chunk.size() < chunk)
         m_chunk.resize(chunk);
@@ -138,6 +140,11 @@ bool SecureDelete::writeBlock(platform::RawFile& file, std::uint8_t value, std::
     for (std::uint64_t left = length; left > 0;) {
         const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(left, chunk));
         file.write(m_chunk.data(), n);
+        if (finalAt >= 0) {
+            // These bytes are final for this pass: the device takes them while the rest is written.
+            file.startFlush(finalAt, static_cast<std::int64_t>(n));
+            finalAt += static_cast<std::int64_t>(n);
+        }
         left -= n;
         now.written += n;
         m_view.progress(now);

@@ -41,7 +41,10 @@ public:
 
 private:
     bool overwrite(const std::string& path, std::uint64_t length);
-    bool writeBlock(platform::RawFile& file, std::uint8_t value, std::uint64_t length, FileWipeProgress& now);
+    /// Writes `length` bytes of `value` at the file position. `finalAt` is the position when these
+    /// bytes are the pass's last word on them (their way to the device starts at once), else -1.
+    bool writeBlock(platform::RawFile& file, std::uint8_t value, std::uint64_t length, FileWipeProgress& now,
+                    std::int64_t finalAt);
 
     platform::Platform& m_platform;
     SecureDeleteView& m_view;

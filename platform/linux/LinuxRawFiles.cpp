@@ -53,6 +53,10 @@ public:
 
     bool flush() override { return ::fdatasync(m_fd) == 0; }
 
+    void startFlush(std::int64_t offset, std::int64_t length) override {
+        ::sync_file_range(m_fd, offset, length, SYNC_FILE_RANGE_WRITE);
+    }
+
     bool truncate() override {
         const off_t here = ::lseek(m_fd, 0, SEEK_CUR);
         return here >= 0 && ::ftruncate(m_fd, here) == 0;

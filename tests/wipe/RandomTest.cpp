@@ -106,14 +106,6 @@ TEST_F(RandomTest, OpenFailuresCarryTheSystemTextAndTheExclusiveOpenRefusesASeco
     EXPECT_FALSE(third.IsOpen());
 }
 
-TEST(RandomDescriptions, SuffixAndUnknownForms) {
-    EXPECT_EQ(Random::describe(45600, "", 0, ""), "Unknown error.");
-    EXPECT_EQ(Random::describe(12345, "", 5, ""), "Unknown error.\r\nError 5\r\nUnknown Error.");
-    EXPECT_EQ(Random::describe(45602, "f", 2, "No such file"), "Error opening 'f'.\r\nError 2\r\nNo such file");
-    EXPECT_EQ(Random::describe(45603, "", 2, "ignored"), "There is no open file.");
-    EXPECT_EQ(Random::describe(45604, "Error 22.\r\n22", 22, "ignored"), "Seek Error.\r\nError 22.\r\n22");
-}
-
 TEST_F(RandomTest, WritesSeeksAndAutoFlush) {
     const auto path = dir.path() / "w.bin";
     Random r(platform->rawFiles());

@@ -2,6 +2,7 @@
 // Stand-ins for the people and windows around the wipe engines: prompts that answer from a script
 // and remember what was said, and views that record what a window would show.
 
+#include "core/ProblemSink.h"
 #include "core/Prompts.h"
 #include "wipe/FreeSpaceView.h"
 #include "wipe/SecureDeleteView.h"
@@ -28,6 +29,11 @@ struct RecordingPrompts final : core::Prompts {
         return a;
     }
     void tell(const std::string& text, const std::string&, int) override { told.push_back(text); }
+};
+
+struct RecordingSink final : core::ProblemSink {
+    std::vector<std::string> items;
+    void skipped(const std::string& item, const std::string&) override { items.push_back(item); }
 };
 
 struct FreeSpaceRecorder final : wipe::FreeSpaceView {

@@ -2,6 +2,7 @@
 // files, the "EndWipe" flag, the confirmations, and links in a folder being wiped.
 
 #include "platform/Platform.h"
+#include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
 #include "tests/wipe/Recorders.h"
 #include "wipe/SecureDelete.h"
@@ -10,6 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <algorithm>
+#include <fstream>
 #include <map>
 
 namespace fs = std::filesystem;
@@ -150,4 +153,22 @@ TEST_F(SecureDeleteTest, FolderWipeRemovesLinksButNeverWhatTheyPointTo) {
     EXPECT_TRUE(shred.WipeFile((dir.path() / "direct-link").string()));
     EXPECT_FALSE(fs::exists(fs::symlink_status(dir.path() / "direct-link")));
     EXPECT_EQ(readFile(target), "must survive");
+}
+
+TEST_F(SecureDeleteTest, FolderWipeNeverEntersAnotherFilesystemMountedBelowIt) {
+    const auto victim = dir.path() / "victim";
+    dir.write("victim/own.txt", "wiped");
+    const auto mountPoint = victim / "sub" / "mnt";
+    fs::create_directories(mountPoint);
+    if (!testsupport::runQuietly("mount -t tmpfs -o size=1m scourmill-test '" + mountPoint.string() + "'"))
+        GTEST_SKIP() << "cannot mount a filesystem inside the folder here";
+    std::ofstream(mountPoint / "elsewhere.txt") << "another filesystem";
+    testsupport::RecordingSink problems;
+    wipe::SecureDelete local(*platform, view, problems);
+    EXPECT_TRUE(local.WipeFolder(victim.string()));
+    EXPECT_EQ(readFile(mountPoint / "elsewhere.txt"), "another filesystem");
+    EXPECT_FALSE(fs::exists(victim / "own.txt"));
+    EXPECT_TRUE(fs::exists(mountPoint)); // the folders holding the mount point stay, and say why
+    EXPECT_NE(std::find(problems.items.begin(), problems.items.end(), mountPoint.string()), problems.items.end());
+    testsupport::runQuietly("umount '" + mountPoint.string() + "'");
 }

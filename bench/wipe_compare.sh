@@ -1,0 +1,78 @@
+#!/usr/bin/env bash
+# Secure deletion side by side, in one run on the same filesystem: the 35-pass secure delete of a
+# 256 MiB file against one `dd conv=notrunc,fsync` pass over it and against `srm` (secure-delete,
+# 38 passes), and the 35-pass free-space wipe of a 256 MiB filesystem against a `dd` fill of its
+# free space (zeros, conv=fsync) and against `sfill` (38 passes). Prints seconds and ratios per
+# pass. Needs root (loop mounts) and the secure-delete package.
+# Usage: bench/wipe_compare.sh [BUILD_DIR] [MiB]
+set -euo pipefail
+build=${1:-build}
+mib=${2:-256}
+cli="$(realpath "$build/cli/scourmill-cli")"
+[ -x "$cli" ] || { echo "build $cli first" >&2; exit 2; }
+[ "$(id -u)" -eq 0 ] || { echo "needs root for the loop mounts" >&2; exit 2; }
+command -v srm >/dev/null && command -v sfill >/dev/null || { echo "install secure-delete" >&2; exit 2; }
+
+work=$(mktemp -d)
+mounts=()
+cleanup() {
+    for m in "${mounts[@]}"; do umount "$m" 2>/dev/null || true; done
+    rm -rf "$work"
+}
+trap cleanup EXIT
+
+# A fresh ext4 filesystem of SIZE MiB with nothing reserved for root, mounted at DIR.
+fresh() {
+    local dir=$1 size=$2
+    mkdir -p "$dir"
+    truncate -s "${size}M" "$dir.img"
+    mkfs.ext4 -q -F -m 0 "$dir.img"
+    mount -o loop "$dir.img" "$dir"
+    mounts+=("$dir")
+}
+now() { date +%s.%N; }
+# Seconds that the command takes.
+timed() {
+    local t0 t1
+    t0=$(now)
+    "$@" >/dev/null 2>&1 || true
+    t1=$(now)
+    echo "$t1 - $t0" | bc -l
+}
+ratio() { printf '%.2f' "$(echo "$1 / $2" | bc -l)"; }
+# One line per tool: NAME, total seconds, passes.
+line() { printf '%-17s %8.2f s  (%.3f s a pass, %d passes)\n' "$1" "$2" "$(echo "$2 / $3" | bc -l)" "$3"; }
+
+echo "== secure delete of a ${mib} MiB file"
+fresh "$work/files" $((mib * 2 + 64))
+victim="$work/files/victim"
+plant() {
+    dd if=/dev/urandom of="$victim" bs=1M count="$mib" status=none
+    sync -f "$victim"
+}
+# The dd pass is short and noisy: the mean of five.
+dd_pass=0
+for _ in 1 2 3 4 5; do
+    plant
+    dd_pass=$(echo "$dd_pass + $(timed dd if=/dev/zero of="$victim" bs=1M count="$mib" conv=notrunc,fsync) / 5" | bc -l)
+done
+plant; ours=$(timed "$cli" shred --yes "$victim")
+plant; srm_all=$(timed srm "$victim")
+line "dd (one pass)" "$dd_pass" 1
+line "scourmill shred" "$ours" 35
+line "srm" "$srm_all" 38
+echo "throughput a pass, scourmill / dd:  $(ratio "$dd_pass" "$(echo "$ours / 35" | bc -l)")   (goal >= 0.80)"
+echo "throughput a pass, scourmill / srm: $(ratio "$(echo "$srm_all / 38" | bc -l)" "$(echo "$ours / 35" | bc -l)")   (goal > 1)"
+
+echo "== free-space wipe of a ${mib} MiB filesystem"
+fresh "$work/space" "$mib"
+dd_fill=$(timed dd if=/dev/zero of="$work/space/fill" bs=1M conv=fsync)
+rm -f "$work/space/fill"
+sync -f "$work/space"
+ours=$(timed "$cli" wipe-free-space --yes "$work/space")
+sfill_all=$(timed sfill -I "$work/space")
+line "dd fill" "$dd_fill" 1
+line "scourmill wipe" "$ours" 35
+line "sfill" "$sfill_all" 38
+echo "time a pass, scourmill / dd fill:   $(ratio "$(echo "$ours / 35" | bc -l)" "$dd_fill")   (goal <= 1.5)"
+echo "time a pass, scourmill / sfill:     $(ratio "$(echo "$ours / 35" | bc -l)" "$(echo "$sfill_all / 38" | bc -l)")   (goal < 1)"
