@@ -121,6 +121,7 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(const std::string& dir, core::Currency
             const auto block3 = Gutmann::wideBlock(values[2], chars);
 
             FreeSpaceProgress now{pass, increment, 0, count, {}, {}, 0};
+            std::int64_t previous = 0;
             for (std::int64_t i = 1; i <= steps; ++i) {
                 // The seek halves come from the 64-bit position itself; for the fixed increment that
                 // is exactly what the offset and high-half bookkeeping below amounts to, and it stays
@@ -134,6 +135,11 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(const std::string& dir, core::Currency
                 file.SeekAbsolute(highPos, lowPos);
                 file.WriteBytes(block3);
                 file.SeekAbsolute(highPos, lowPos);
+                // Nothing later in the pass writes before this increment's start again: what lies
+                // before it can go to the device while the run goes on.
+                if (position > previous)
+                    file.StartFlush(previous, position - previous);
+                previous = position;
                 m_view.pumpEvents();
 
                 now.offset = now.offset + increment;

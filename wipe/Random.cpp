@@ -108,6 +108,11 @@ void Random::Flush() {
     m_file->flush();
 }
 
+void Random::StartFlush(std::int64_t position, std::int64_t length) {
+    requireOpen();
+    m_file->startFlush(position, length);
+}
+
 void Random::SeekAbsolute(std::int32_t highPos, std::int32_t lowPos) {
     requireOpen();
     const auto position = static_cast<std::int64_t>((static_cast<std::uint64_t>(static_cast<std::uint32_t>(highPos)) << 32) |

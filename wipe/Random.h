@@ -46,6 +46,9 @@ public:
     void WriteBytes(std::span<const std::uint8_t> data);
     /// Makes everything written reach the device. Raises 45603 when closed.
     void Flush();
+    /// Starts `length` bytes from `position` on their way to the device without waiting; Flush
+    /// still has to follow. Raises 45603 when closed.
+    void StartFlush(std::int64_t position, std::int64_t length);
     /// Moves to the 64-bit position whose high and low 32-bit halves are given (the low half read
     /// as unsigned). A failed move is not reported. Raises 45603 when closed.
     void SeekAbsolute(std::int32_t highPos, std::int32_t lowPos);
