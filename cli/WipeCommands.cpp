@@ -54,7 +54,10 @@ public:
     core::Prompts& prompts() override { return m_ctx.prompts; }
     bool interrupted() override { return cli::interrupted(); }
     bool stopRequested() override { return false; }
-    void passStarted(const std::string&, int) override { m_bar.reset(); }
+    void passStarted(const std::string&, int) override {
+        watchInterrupts(); // from the first pass on; at the question Ctrl-C simply ends the program
+        m_bar.reset();
+    }
     void progress(const wipe::FileWipeProgress& now) override {
         const double inPass = now.total > 0 ? static_cast<double>(now.written) / static_cast<double>(now.total) : 1.0;
         const auto slash = now.path.find_last_of('/');
@@ -87,7 +90,6 @@ void reportInterrupted(Context& ctx, const std::string& what) {
 
 void wipeFreeSpace(Context& ctx, const std::string& dir, bool removable) {
     requireFolder(ctx.platform.fileSystem(), dir);
-    watchInterrupts();
     TerminalFreeSpaceView view(ctx);
     wipe::FreeSpaceWipe wipe(ctx.platform, view, ctx.problems);
     wipe.offerStaleRemoval(dir);
@@ -101,6 +103,7 @@ void wipeFreeSpace(Context& ctx, const std::string& dir, bool removable) {
         ctx.exitCode = 1;
         return;
     }
+    watchInterrupts(); // only now: at the questions Ctrl-C simply ends the program
     try {
         const auto outcome = wipe.run(dir, free,
                                       removable ? wipe::FreeSpaceWipe::removableIncrement()
@@ -124,7 +127,6 @@ void shredFiles(Context& ctx, const std::vector<std::string>& paths) {
         if (!info->isRegular)
             throw UsageError(path + ": not a plain file (links, folders and devices are never shredded)");
     }
-    watchInterrupts();
     TerminalSecureDeleteView view(ctx);
     wipe::SecureDelete shred(ctx.platform, view, ctx.problems);
     const bool ran = shred.WipeSelectedFiles(paths.front(), paths);
@@ -137,7 +139,6 @@ void shredFiles(Context& ctx, const std::vector<std::string>& paths) {
 
 void shredFolder(Context& ctx, const std::string& dir) {
     requireFolder(ctx.platform.fileSystem(), dir);
-    watchInterrupts();
     TerminalSecureDeleteView view(ctx);
     wipe::SecureDelete shred(ctx.platform, view, ctx.problems);
     const bool ran = shred.WipeFolder(dir);
