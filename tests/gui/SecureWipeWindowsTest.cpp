@@ -19,6 +19,7 @@
 #include <QPushButton>
 
 #include <filesystem>
+#include <fstream>
 
 namespace fs = std::filesystem;
 using testsupport::ScratchDir;
@@ -77,6 +78,23 @@ private slots:
         child<QPushButton>(window, "Command1")->click();
         QVERIFY(!window.isVisible());
         QVERIFY(ask.asked.empty());
+    }
+
+    void staleTemporaryFileIsOfferedForRemovalWhenTheDriveIsShown() {
+        ScratchDir dir;
+        testsupport::LoopImage image(dir.path(), 8);
+        if (!image.mounted())
+            QSKIP(qPrintable("no loop-mounted drive: " + QString::fromStdString(image.reason())));
+        const fs::path stale = image.mountPoint() / "WNXTEMP.000";
+        std::ofstream(stale) << "left behind by a crash";
+        testsupport::RecordingPrompts ask;
+        wipe::ui::TaviSecureWipe window(*m_platform, nullptr, &ask);
+        window.show();
+        auto* drives = child<QComboBox>(window, "Drive1");
+        drives->setCurrentIndex(drives->findText(QString::fromStdString(image.mountPoint().string())));
+        QVERIFY(!ask.asked.empty());
+        QVERIFY(ask.asked.back().find(stale.string()) != std::string::npos);
+        QVERIFY(!fs::exists(stale));
     }
 
     void wrongDriveKindIsRefused() {

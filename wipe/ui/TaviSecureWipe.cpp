@@ -17,6 +17,7 @@
 #include <QPushButton>
 #include <QAbstractItemView>
 #include <QScreen>
+#include <QTimer>
 
 namespace wipe::ui {
 namespace {
@@ -163,6 +164,15 @@ void TaviSecureWipe::exitProgram() {
     setWipeEnabled(true);
     m_check1->setChecked(false);
     m_check2->setChecked(false);
+}
+
+void TaviSecureWipe::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (m_staleChecked || m_drive1->count() == 0)
+        return;
+    // Once the window is on screen: a crash may have left a temporary file on the drive shown.
+    m_staleChecked = true;
+    QTimer::singleShot(0, this, [this] { m_engine.offerStaleRemoval(chosenRoot().toStdString()); });
 }
 
 void TaviSecureWipe::closeEvent(QCloseEvent* event) {

@@ -39,6 +39,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     // FreeSpaceView
@@ -68,6 +69,7 @@ private:
     wipe::FreeSpaceWipe m_engine;
     bool m_mayClose = false;
     bool m_quitting = false;
+    bool m_staleChecked = false;
 
     QComboBox* m_drive1 = nullptr;
     QPushButton *m_command1 = nullptr, *m_command2 = nullptr, *m_command3 = nullptr, *m_command4 = nullptr;
