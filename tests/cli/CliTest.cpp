@@ -11,13 +11,6 @@
 
 namespace {
 
-/// Runs scourmill-cli with `args`; output and messages together, as a user sees them.
-testsupport::CliResult run(const std::string& args) {
-    testsupport::CliResult r = testsupport::runCommand(std::string(SCOURMILL_CLI) + " " + args);
-    r.out += r.err;
-    return r;
-}
-
 std::uint64_t memTotalBytes() {
     std::ifstream in("/proc/meminfo");
     std::string key;
@@ -29,13 +22,13 @@ std::uint64_t memTotalBytes() {
 } // namespace
 
 TEST(Cli, MemmonOncePrintsTheNineLinesWithTotalPhysicalFromMeminfo) {
-    const auto r = run("memmon --once");
-    ASSERT_EQ(r.code, 0) << r.out;
+    const auto r = testsupport::runCli("memmon --once");
+    ASSERT_EQ(r.code, 0) << r.seen();
     std::istringstream lines(r.out);
     std::vector<std::string> got;
     for (std::string line; std::getline(lines, line);)
         got.push_back(line);
-    ASSERT_EQ(got.size(), 9u) << r.out;
+    ASSERT_EQ(got.size(), 9u) << r.seen();
     EXPECT_EQ(got[0], "Total Physical     " + std::to_string(memTotalBytes()));
     EXPECT_EQ(got[1].rfind("Available Physical     ", 0), 0u);
     EXPECT_EQ(got[6].rfind("Available Extended Virtual     0", 0), 0u);
@@ -45,42 +38,42 @@ TEST(Cli, MemmonOncePrintsTheNineLinesWithTotalPhysicalFromMeminfo) {
 }
 
 TEST(Cli, HelpVersionAndUsageErrors) {
-    auto r = run("--help");
+    auto r = testsupport::runCli("--help");
     EXPECT_EQ(r.code, 0);
-    EXPECT_NE(r.out.find("memmon"), std::string::npos);
-    r = run("memmon --help");
+    EXPECT_NE(r.seen().find("memmon"), std::string::npos);
+    r = testsupport::runCli("memmon --help");
     EXPECT_EQ(r.code, 0);
-    EXPECT_NE(r.out.find("--once"), std::string::npos);
-    r = run("--version");
+    EXPECT_NE(r.seen().find("--once"), std::string::npos);
+    r = testsupport::runCli("--version");
     EXPECT_EQ(r.code, 0);
-    EXPECT_NE(r.out.find("scourmill-cli"), std::string::npos);
-    EXPECT_EQ(run("no-such-command").code, 2);
-    EXPECT_EQ(run("memmon --bogus").code, 2);
-    EXPECT_EQ(run("").code, 2);
+    EXPECT_NE(r.seen().find("scourmill-cli"), std::string::npos);
+    EXPECT_EQ(testsupport::runCli("no-such-command").code, 2);
+    EXPECT_EQ(testsupport::runCli("memmon --bogus").code, 2);
+    EXPECT_EQ(testsupport::runCli("").code, 2);
 }
 
 TEST(Cli, CleanItemTakesOnlyExactChooserTextsAndPreviewChangesNothing) {
     const std::string hive = std::string(std::getenv("WINEPREFIX")) + "/user.reg";
     std::ofstream(hive) << "WINE REGISTRY Version 2\n\n[Software\\\\Microsoft\\\\Internet Explorer\\\\TypedURLs] 1\n"
                            "#time=1\n\"url1\"=\"http://a.example/\"\n\"url3\"=\"http://c.example/\"\n";
-    auto r = run("clean-item \"ie typed url's\"");
+    auto r = testsupport::runCli("clean-item \"ie typed url's\"");
     EXPECT_EQ(r.code, 2);
-    EXPECT_NE(r.out.find("You must make a choice from the combobox pull down list. If you continue having "
+    EXPECT_NE(r.seen().find("You must make a choice from the combobox pull down list. If you continue having "
                          "trouble,please contact Tavi support."),
               std::string::npos);
 
-    r = run("preview");
-    EXPECT_EQ(r.code, 0) << r.out;
-    EXPECT_NE(r.out.find("registry: HKEY_CURRENT_USER\\Software\\Microsoft\\Internet Explorer\\TypedURLs : url1\n"),
+    r = testsupport::runCli("preview");
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_NE(r.seen().find("registry: HKEY_CURRENT_USER\\Software\\Microsoft\\Internet Explorer\\TypedURLs : url1\n"),
               std::string::npos)
-        << r.out;
-    EXPECT_EQ(r.out.find("url3"), std::string::npos);
+        << r.seen();
+    EXPECT_EQ(r.seen().find("url3"), std::string::npos);
 
-    r = run("clean-item \"IE Typed URL's\"");
-    EXPECT_EQ(r.code, 0) << r.out;
+    r = testsupport::runCli("clean-item \"IE Typed URL's\"");
+    EXPECT_EQ(r.code, 0) << r.seen();
     std::ifstream in(hive);
     const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     EXPECT_EQ(text.find("url1"), std::string::npos);
     EXPECT_NE(text.find("\"url3\"=\"http://c.example/\""), std::string::npos);
-    EXPECT_EQ(run("clean-item").code, 2);
+    EXPECT_EQ(testsupport::runCli("clean-item").code, 2);
 }

@@ -1,6 +1,7 @@
 // shred, shred-dir and wipe-free-space as a user runs them: a real process, its answers, its exit
 // code, and what is left on disk, including after Ctrl-C or SIGTERM in the middle of a wipe.
 
+#include "tests/support/CliProcess.h"
 #include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
 
@@ -21,28 +22,6 @@ using testsupport::ScratchDir;
 
 namespace {
 
-struct CliRun {
-    int code = -1;
-    std::string out;
-};
-
-/// Runs the command line with `args` (shell-quoted by the caller), no terminal on stdin.
-CliRun run(const std::string& args) {
-    CliRun r;
-    const std::string command = std::string(SCOURMILL_CLI) + " " + args + " </dev/null 2>&1";
-    FILE* pipe = ::popen(command.c_str(), "r");
-    std::array<char, 4096> buffer{};
-    while (std::size_t n = std::fread(buffer.data(), 1, buffer.size(), pipe))
-        r.out.append(buffer.data(), n);
-    const int status = ::pclose(pipe);
-    r.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return r;
-}
-
-std::string quoted(const fs::path& p) {
-    return "'" + p.string() + "'";
-}
-
 bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
@@ -52,22 +31,22 @@ bool contains(const std::string& text, const std::string& part) {
 TEST(WipeCli, ShredDestroysOnlyWhatWasConfirmedAndRefusesWhatIsNotAPlainFile) {
     ScratchDir dir;
     const auto file = dir.write("diary.txt", "dear diary");
-    CliRun r = run("shred " + quoted(file));
+    testsupport::CliResult r = testsupport::runCli("shred " + testsupport::shellQuoted(file));
     EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(contains(r.out, "Are you ABSOLUTELY sure you wish to Delete Selected Files completely and FOREVER?"));
+    EXPECT_TRUE(contains(r.seen(), "Are you ABSOLUTELY sure you wish to Delete Selected Files completely and FOREVER?"));
     EXPECT_EQ(readFile(file), "dear diary");
 
     fs::create_symlink(file, dir.path() / "link");
     for (const fs::path& bad : {dir.path() / "link", dir.path(), dir.path() / "missing"}) {
-        r = run("shred --yes " + quoted(file) + " " + quoted(bad));
+        r = testsupport::runCli("shred --yes " + testsupport::shellQuoted(file) + " " + testsupport::shellQuoted(bad));
         EXPECT_EQ(r.code, 2) << bad;
-        EXPECT_TRUE(contains(r.out, bad.string())) << r.out;
+        EXPECT_TRUE(contains(r.seen(), bad.string())) << r.seen();
     }
     EXPECT_EQ(readFile(file), "dear diary"); // a bad argument stops everything before it starts
 
     const auto other = dir.write("letters.txt", std::string(5000, 'x'));
-    r = run("shred --yes " + quoted(file) + " " + quoted(other));
-    EXPECT_EQ(r.code, 0) << r.out;
+    r = testsupport::runCli("shred --yes " + testsupport::shellQuoted(file) + " " + testsupport::shellQuoted(other));
+    EXPECT_EQ(r.code, 0) << r.seen();
     EXPECT_FALSE(fs::exists(file));
     EXPECT_FALSE(fs::exists(other));
     EXPECT_TRUE(fs::exists(fs::symlink_status(dir.path() / "link"))); // a dangling link now, untouched
@@ -79,32 +58,32 @@ TEST(WipeCli, ShredDirRemovesTheFolderAndItsLinksButNotTheirTargets) {
     dir.write("victim/a.txt", "a");
     dir.write("victim/sub/b.txt", "b");
     fs::create_symlink(target, dir.path() / "victim" / "link");
-    CliRun r = run("shred-dir " + quoted(dir.path() / "victim"));
+    testsupport::CliResult r = testsupport::runCli("shred-dir " + testsupport::shellQuoted(dir.path() / "victim"));
     EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(contains(r.out, "Wipe " + (dir.path() / "victim").string() + " completely and FOREVER?"));
+    EXPECT_TRUE(contains(r.seen(), "Wipe " + (dir.path() / "victim").string() + " completely and FOREVER?"));
     EXPECT_TRUE(fs::exists(dir.path() / "victim" / "a.txt"));
 
-    r = run("shred-dir --yes " + quoted(dir.path() / "victim"));
-    EXPECT_EQ(r.code, 0) << r.out;
+    r = testsupport::runCli("shred-dir --yes " + testsupport::shellQuoted(dir.path() / "victim"));
+    EXPECT_EQ(r.code, 0) << r.seen();
     EXPECT_FALSE(fs::exists(dir.path() / "victim"));
     EXPECT_EQ(readFile(target), "keep");
 
     fs::create_symlink(outside.path(), dir.path() / "dir-link");
-    EXPECT_EQ(run("shred-dir --yes " + quoted(dir.path() / "dir-link")).code, 2);
+    EXPECT_EQ(testsupport::runCli("shred-dir --yes " + testsupport::shellQuoted(dir.path() / "dir-link")).code, 2);
     EXPECT_EQ(readFile(target), "keep");
 }
 
 TEST(WipeCli, FreeSpaceWipeHelpAndRefusals) {
     ScratchDir dir;
-    CliRun r = run("wipe-free-space --help");
+    testsupport::CliResult r = testsupport::runCli("wipe-free-space --help");
     EXPECT_EQ(r.code, 0);
-    EXPECT_TRUE(contains(r.out, "WNXTEMP.000"));
-    EXPECT_TRUE(contains(r.out, "--removable"));
-    EXPECT_EQ(run("wipe-free-space").code, 2);
-    EXPECT_EQ(run("wipe-free-space " + quoted(dir.path() / "missing")).code, 2);
-    r = run("wipe-free-space --yes --removable " + quoted(dir.path()));
+    EXPECT_TRUE(contains(r.seen(), "WNXTEMP.000"));
+    EXPECT_TRUE(contains(r.seen(), "--removable"));
+    EXPECT_EQ(testsupport::runCli("wipe-free-space").code, 2);
+    EXPECT_EQ(testsupport::runCli("wipe-free-space " + testsupport::shellQuoted(dir.path() / "missing")).code, 2);
+    r = testsupport::runCli("wipe-free-space --yes --removable " + testsupport::shellQuoted(dir.path()));
     EXPECT_EQ(r.code, 2);
-    EXPECT_TRUE(contains(r.out, "The drive you chose is not a removable drive")) << r.out;
+    EXPECT_TRUE(contains(r.seen(), "The drive you chose is not a removable drive")) << r.seen();
     EXPECT_FALSE(fs::exists(dir.path() / "WNXTEMP.000"));
 }
 
@@ -121,7 +100,7 @@ TEST_P(InterruptedWipe, LeavesNoTemporaryFile) {
     ASSERT_GE(child, 0);
     if (child == 0) {
         const std::string command = "exec " + std::string(SCOURMILL_CLI) + " wipe-free-space --yes " +
-                                    quoted(image.mountPoint()) + " </dev/null 2>" + quoted(errors);
+                                    testsupport::shellQuoted(image.mountPoint()) + " </dev/null 2>" + testsupport::shellQuoted(errors);
         ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
         ::_exit(127);
     }

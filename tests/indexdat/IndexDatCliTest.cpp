@@ -16,9 +16,7 @@ using testsupport::ScratchDir;
 
 namespace {
 
-testsupport::CliResult cli(const std::string& args) {
-    return testsupport::runCommand(std::string(SCOURMILL_CLI) + " " + args);
-}
+using testsupport::runCli;
 
 std::string q(const std::filesystem::path& p) {
     return testsupport::shellQuoted(p);
@@ -31,23 +29,23 @@ TEST(IndexDatCli, FindPrintsMatchesThenCountsAndTotal) {
     dir.write("tavi/History/index.dat", std::string(1500, 'x'));
     dir.write("tavi/Cookies/index.dat", std::string(234, 'y'));
     dir.write("tavi/Cookies/other.txt", "z");
-    testsupport::CliResult r = cli("indexdat find " + q(dir.path() / "tavi"));
+    testsupport::CliResult r = runCli("indexdat find " + q(dir.path() / "tavi"));
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_NE(r.out.find(dir.str() + "/tavi/History/index.dat\n"), std::string::npos);
     EXPECT_NE(r.out.find(dir.str() + "/tavi/Cookies/index.dat\n"), std::string::npos);
     EXPECT_EQ(r.out.substr(r.out.find("2/3\n")), "2/3\n=1,734 Bytes\n");
-    r = cli("indexdat find --pattern '*.txt' " + q(dir.path()));
+    r = runCli("indexdat find --pattern '*.txt' " + q(dir.path()));
     EXPECT_EQ(r.out, dir.str() + "/tavi/Cookies/other.txt\n1/4\n=1 Bytes\n");
     // Without DIR: the Wine prefix's users folder when there is one, else the home folder.
     const std::filesystem::path home = std::getenv("HOME");
     const std::filesystem::path users = std::filesystem::path(std::getenv("WINEPREFIX")) / "drive_c" / "users";
     std::ofstream(home / "index.dat") << "h";
-    EXPECT_EQ(cli("indexdat find").out.rfind(home.string() + "/index.dat\n", 0), 0u);
+    EXPECT_EQ(runCli("indexdat find").out.rfind(home.string() + "/index.dat\n", 0), 0u);
     std::filesystem::create_directories(users);
-    EXPECT_EQ(cli("indexdat find").out, "0/1\n=0 Bytes\n");
+    EXPECT_EQ(runCli("indexdat find").out, "0/1\n=0 Bytes\n");
     std::filesystem::remove_all(users.parent_path());
     std::filesystem::remove(home / "index.dat");
-    r = cli("indexdat find " + q(dir.path() / "nowhere"));
+    r = runCli("indexdat find " + q(dir.path() / "nowhere"));
     EXPECT_EQ(r.code, 2);
     EXPECT_NE(r.err.find("nowhere"), std::string::npos);
 }
@@ -56,21 +54,21 @@ TEST(IndexDatCli, ReportAndRawGiveTheBytesAsStored) {
     ScratchDir dir;
     const std::string content = std::string("Visited: u@http://a.example/x\ny\0Cookie:u@b/\0", 45);
     const auto path = dir.write("index.dat", content);
-    testsupport::CliResult r = cli("indexdat report " + q(path));
+    testsupport::CliResult r = runCli("indexdat report " + q(path));
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "http://a.example/x\ny\nCookie:u@b/\n");
-    r = cli("indexdat report -0 " + q(path) + " " + q(path));
+    r = runCli("indexdat report -0 " + q(path) + " " + q(path));
     EXPECT_EQ(r.out, std::string("http://a.example/x\ny\0Cookie:u@b/\0http://a.example/x\ny\0Cookie:u@b/\0", 66));
-    r = cli("indexdat raw " + q(path));
+    r = runCli("indexdat raw " + q(path));
     EXPECT_EQ(r.out, "File Size in bytes = 45\n" + content);
-    EXPECT_EQ(cli("indexdat raw " + q(dir.write("empty.dat", ""))).out, "File Size in bytes = 0\n");
-    r = cli("indexdat report " + q(path) + " " + q(dir.path() / "gone.dat"));
+    EXPECT_EQ(runCli("indexdat raw " + q(dir.write("empty.dat", ""))).out, "File Size in bytes = 0\n");
+    r = runCli("indexdat report " + q(path) + " " + q(dir.path() / "gone.dat"));
     EXPECT_EQ(r.code, 1);
     EXPECT_EQ(r.out, "http://a.example/x\ny\nCookie:u@b/\n");
     EXPECT_NE(r.err.find("gone.dat"), std::string::npos);
-    EXPECT_EQ(cli("indexdat raw").code, 2);
+    EXPECT_EQ(runCli("indexdat raw").code, 2);
     // Only regular files are read: a folder or a device that never ends is refused.
-    EXPECT_EQ(cli("indexdat report /dev/zero " + q(dir.path())).code, 1);
+    EXPECT_EQ(runCli("indexdat report /dev/zero " + q(dir.path())).code, 1);
 }
 
 TEST(IndexDatCli, WipeOverwritesOnlyWhenAgreed) {
@@ -78,16 +76,16 @@ TEST(IndexDatCli, WipeOverwritesOnlyWhenAgreed) {
     const std::string content = testsupport::RecordFile().url("Visited: u@http://a.example/").bytes();
     const auto path = dir.write("index.dat", content);
     // No terminal to ask on: the answer is No and nothing changes.
-    testsupport::CliResult r = cli("indexdat wipe " + q(path));
+    testsupport::CliResult r = runCli("indexdat wipe " + q(path));
     EXPECT_EQ(r.code, 0);
     EXPECT_NE(r.err.find("TaviWipe " + path.string() + " ?"), std::string::npos);
     EXPECT_EQ(readFile(path), content);
-    r = cli("indexdat wipe --yes " + q(path));
+    r = runCli("indexdat wipe --yes " + q(path));
     EXPECT_EQ(r.code, 0) << r.err;
     const std::string now = readFile(path);
     EXPECT_EQ(now.size(), indexdat::lengthAfterWipe(content.size()));
     EXPECT_EQ(now.substr(0, 1024), content.substr(0, 1024));
-    EXPECT_EQ(cli("indexdat report " + q(path)).out, "");
-    EXPECT_EQ(cli("indexdat wipe --yes " + q(dir.path() / "gone.dat")).code, 1);
+    EXPECT_EQ(runCli("indexdat report " + q(path)).out, "");
+    EXPECT_EQ(runCli("indexdat wipe --yes " + q(dir.path() / "gone.dat")).code, 1);
     EXPECT_FALSE(std::filesystem::exists(dir.path() / "gone.dat"));
 }

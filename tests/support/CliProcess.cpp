@@ -28,6 +28,10 @@ CliResult runCommand(const std::string& commandLine) {
     return r;
 }
 
+CliResult runCli(const std::string& arguments) {
+    return runCommand(std::string(SCOURMILL_CLI) + " " + arguments);
+}
+
 std::string shellQuoted(const std::filesystem::path& path) {
     return "'" + path.string() + "'";
 }
