@@ -6,6 +6,7 @@
 #include "controls/ggcommand/GGCommand.h"
 #include "platform/Platform.h"
 #include "tests/support/Hive.h"
+#include "tests/gui/MainWindowUnderTest.h"
 #include "tests/support/QtTestMain.h"
 
 #include <QAbstractButton>
@@ -17,14 +18,12 @@
 class CleanItemTest : public QObject {
     Q_OBJECT
 
-    std::unique_ptr<platform::Platform> m_platform;
-    std::unique_ptr<app::WindowSet> m_windows;
-    std::unique_ptr<app::TaviMain> m_main;
+    std::unique_ptr<testsupport::MainWindowUnderTest> m_app;
     std::filesystem::path m_hive;
 
-    QComboBox* combo() { return m_main->findChild<QComboBox*>("Combo1"); }
+    QComboBox* combo() { return m_app->main.findChild<QComboBox*>("Combo1"); }
     void clickCleanItem() {
-        auto* button = m_main->findChild<ggcommand::GGCommand*>("GGCommand11");
+        auto* button = m_app->main.findChild<ggcommand::GGCommand*>("GGCommand11");
         QTest::mouseClick(button, Qt::LeftButton, {}, button->rect().center());
     }
     std::string hiveText() { return testsupport::readFile(m_hive); }
@@ -35,17 +34,12 @@ private slots:
                                            "\n[Software\\\\Microsoft\\\\Internet Explorer\\\\TypedURLs] 1700000000\n"
                                            "#time=1da16a0b0c0d0e0\n\"url1\"=\"http://a.example/\"\n"
                                            "\"url2\"=\"http://b.example/\"\n\"url4\"=\"http://d.example/\"\n");
-        m_platform = platform::createNative();
-        m_windows = std::make_unique<app::WindowSet>(*m_platform);
-        m_main = std::make_unique<app::TaviMain>(*m_platform, *m_windows);
-        m_main->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_main.get()));
+        m_app = std::make_unique<testsupport::MainWindowUnderTest>();
+        QVERIFY(m_app->main.isVisible());
     }
 
     void cleanup() {
-        m_main.reset();
-        m_windows.reset();
-        m_platform.reset();
+        m_app.reset();
     }
 
     void cleansTheChosenListOnly() {

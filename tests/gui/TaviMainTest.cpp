@@ -9,6 +9,7 @@
 #include "controls/hoverhelp/HoverHelp.h"
 #include "platform/Platform.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/gui/MainWindowUnderTest.h"
 #include "tests/support/QtTestMain.h"
 
 #include <QAction>
@@ -31,30 +32,23 @@ using ggcommand::GGCommand;
 class TaviMainTest : public QObject {
     Q_OBJECT
 
-    std::unique_ptr<platform::Platform> m_platform;
-    std::unique_ptr<app::WindowSet> m_windows;
-    std::unique_ptr<app::TaviMain> m_main;
+    std::unique_ptr<testsupport::MainWindowUnderTest> m_app;
 
-    GGCommand* button(int n) { return m_main->findChild<GGCommand*>(QString("GGCommand%1").arg(n)); }
-    QTimer* timer(const char* name) { return m_main->findChild<QTimer*>(name); }
+    GGCommand* button(int n) { return m_app->main.findChild<GGCommand*>(QString("GGCommand%1").arg(n)); }
+    QTimer* timer(const char* name) { return m_app->main.findChild<QTimer*>(name); }
 
 private slots:
     void init() {
-        m_platform = platform::createNative();
-        m_windows = std::make_unique<app::WindowSet>(*m_platform);
-        m_main = std::make_unique<app::TaviMain>(*m_platform, *m_windows);
-        m_main->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_main.get()));
+        m_app = std::make_unique<testsupport::MainWindowUnderTest>();
+        QVERIFY(m_app->main.isVisible());
     }
 
     void cleanup() {
-        m_main.reset();
-        m_windows.reset();
-        m_platform.reset();
+        m_app.reset();
     }
 
     void startUpBuildsEveryControlAndCentresTheWindow() {
-        QCOMPARE(m_main->windowTitle(), QString("Tavi Scourmill"));
+        QCOMPARE(m_app->main.windowTitle(), QString("Tavi Scourmill"));
         const QStringList captions = {"Show Cache", "Wipe Cache", "Cache/History/Cookies/TempFiles",
                                       "Manage Data (index.dat) Files", "Pop-UP Stopper", "Wipe Mem-Phys-Virtual",
                                       "MemMon", "Wipe Free Space (safest available)",
@@ -64,14 +58,14 @@ private slots:
         for (int i = 0; i < 12; ++i)
             QCOMPARE(button(numbers[i])->caption(), captions[i]);
         QCOMPARE(button(14)->caption(), QString("HELP ON"));
-        QCOMPARE(m_main->findChild<QGroupBox*>("Frame4")->title(), QString("Internet Controls"));
-        QCOMPARE(m_main->findChild<QGroupBox*>("Frame3")->title(), QString("Scourmill Controls"));
+        QCOMPARE(m_app->main.findChild<QGroupBox*>("Frame4")->title(), QString("Internet Controls"));
+        QCOMPARE(m_app->main.findChild<QGroupBox*>("Frame3")->title(), QString("Scourmill Controls"));
         for (int n : {5, 4, 3, 2, 1})
             QCOMPARE(button(n)->parentWidget()->objectName(), QString("Frame4"));
         for (int n : {14, 12, 11, 10, 9, 8, 6, 7})
             QCOMPARE(button(n)->parentWidget()->objectName(), QString("Frame3"));
 
-        auto* combo = m_main->findChild<QComboBox*>("Combo1");
+        auto* combo = m_app->main.findChild<QComboBox*>("Combo1");
         QCOMPARE(combo->count(), 12);
         QCOMPARE(combo->itemText(1), QString("IE Typed URL's"));
         QCOMPARE(combo->itemText(11), QString("Do Em All"));
@@ -84,9 +78,9 @@ private slots:
             QVERIFY(!timer(name)->isActive());
         }
         const QRect screen = QGuiApplication::primaryScreen()->geometry();
-        QCOMPARE(m_main->x(), screen.width() / 2 - m_main->width() / 2);
-        QCOMPARE(m_main->y(), screen.height() / 2 - m_main->height() / 2);
-        QCOMPARE(m_main->tempPath(), QString(qgetenv("TMPDIR")));
+        QCOMPARE(m_app->main.x(), screen.width() / 2 - m_app->main.width() / 2);
+        QCOMPARE(m_app->main.y(), screen.height() / 2 - m_app->main.height() / 2);
+        QCOMPARE(m_app->main.tempPath(), QString(qgetenv("TMPDIR")));
     }
 
     void secureDeletionButtonsAndTrayEntriesOpenOneWindowEach() {
@@ -94,53 +88,53 @@ private slots:
         const char* entries[] = {"Mnu_WipeFreeSpace", "Mnu_FilesFolders"};
         for (int i = 0; i < 2; ++i) {
             const QString name = opens[i].second;
-            QVERIFY(!m_windows->exists(name));
+            QVERIFY(!m_app->windows.exists(name));
             emit button(opens[i].first)->Click();
-            QWidget* window = m_windows->window(name);
+            QWidget* window = m_app->windows.window(name);
             QVERIFY(window && window->isVisible());
             QVERIFY(window->isWindow());
             window->hide();
-            m_main->findChild<QAction*>(entries[i])->trigger();
-            QCOMPARE(m_windows->window(name), window); // the same single instance, shown again
+            m_app->main.findChild<QAction*>(entries[i])->trigger();
+            QCOMPARE(m_app->windows.window(name), window); // the same single instance, shown again
             QVERIFY(window->isVisible());
         }
     }
 
     void trayMenuHoldsItsEntriesInOrder() {
-        auto* menu = m_main->findChild<QMenu*>("Mnu_File");
+        auto* menu = m_app->main.findChild<QMenu*>("Mnu_File");
         QStringList seen;
         for (QAction* a : menu->actions())
             seen << a->objectName() + "=" + (a->isSeparator() ? QString("-") : a->text());
         QCOMPARE(seen, QStringList({"Mnu_Show=I'm Done HIDING!", "Mnu_All=Temp/Hist/Cookies", "Mnu_dat=Manage Dat Files",
                                     "Mnu_WipeFreeSpace=WipeFreeSpace", "Mnu_FilesFolders=Secure Delete",
                                     "Mnu_AutoClean=Enable/Disable Auto Clean", "Mnu_Bar=-", "Mnu_Exit=Exit"}));
-        QCOMPARE(m_main->findChild<QMenu*>("mainhelp")->title(), QString("mainhelp  "));
-        QCOMPARE(m_main->findChild<QAction*>("mainshowcache")->text(),
+        QCOMPARE(m_app->main.findChild<QMenu*>("mainhelp")->title(), QString("mainhelp  "));
+        QCOMPARE(m_app->main.findChild<QAction*>("mainshowcache")->text(),
                  QString(" Cache  is a place where data is stored for"));
-        QCOMPARE(m_main->findChild<QAction*>("autoclean2")->text(),
+        QCOMPARE(m_app->main.findChild<QAction*>("autoclean2")->text(),
                  QString("activity will automatically be erased on browzer closing"));
     }
 
     void hoverHelpShowsOnlyWhileTheToggleReadsHelpOffAndLeavesClicksAlone() {
         GGCommand* showCache = button(1);
         GGCommand* wipeCache = button(2);
-        auto& help = m_main->hoverHelp();
+        auto& help = m_app->main.hoverHelp();
         QTest::mouseMove(showCache, showCache->rect().center());
         QTRY_VERIFY(!help.shown()); // "HELP ON": help is off
-        QTest::mouseMove(m_main.get(), QPoint(1, 1));
+        QTest::mouseMove(&m_app->main, QPoint(1, 1));
 
         QTest::mouseClick(button(14), Qt::LeftButton);
         QCOMPARE(button(14)->caption(), QString("HELP OFF"));
         QTest::mouseMove(showCache, showCache->rect().center());
-        QTRY_COMPARE(help.shown(), m_main->findChild<QMenu*>("mainhelp"));
+        QTRY_COMPARE(help.shown(), m_app->main.findChild<QMenu*>("mainhelp"));
 
         QSignalSpy clicks(wipeCache, &GGCommand::Click);
         QTest::mouseMove(wipeCache, wipeCache->rect().center());
-        QTRY_COMPARE(help.shown(), m_main->findChild<QMenu*>("mainhelp2"));
+        QTRY_COMPARE(help.shown(), m_app->main.findChild<QMenu*>("mainhelp2"));
         QTest::mouseClick(wipeCache, Qt::LeftButton, {}, wipeCache->rect().center());
         QCOMPARE(clicks.count(), 1);
 
-        QTest::mouseMove(m_main.get(), QPoint(1, 1));
+        QTest::mouseMove(&m_app->main, QPoint(1, 1));
         QTRY_VERIFY(!help.shown());
         QTest::mouseClick(button(14), Qt::LeftButton);
         QCOMPARE(button(14)->caption(), QString("HELP ON"));
@@ -155,7 +149,7 @@ private slots:
         QTimer* closed = timer("TClosed");
         check->setInterval(30); // the real 2000 ms would only make the test slow
         closed->setInterval(30);
-        QSignalSpy cleans(m_main.get(), &app::TaviMain::autoCleaned);
+        QSignalSpy cleans(&m_app->main, &app::TaviMain::autoCleaned);
 
         QTest::mouseClick(toggle, Qt::LeftButton);
         QCOMPARE(toggle->caption(), QString::fromStdString(autoclean::OnCaption));
@@ -180,16 +174,16 @@ private slots:
     }
 
     void trayDoubleClickShowsTheWindowAndExitRemovesTheIcon() {
-        tray::SysTray& tray = m_main->sysTray();
+        tray::SysTray& tray = m_app->main.sysTray();
         QCOMPARE(tray.tip(), QString("Tavi Scourmill"));
-        m_main->hide();
+        m_app->main.hide();
         emit tray.trayIcon()->activated(QSystemTrayIcon::Trigger); // a single click does nothing
-        QVERIFY(!m_main->isVisible());
+        QVERIFY(!m_app->main.isVisible());
         emit tray.trayIcon()->activated(QSystemTrayIcon::DoubleClick);
-        QVERIFY(m_main->isVisible());
+        QVERIFY(m_app->main.isVisible());
 
-        QSignalSpy exits(m_main.get(), &app::TaviMain::exitRequested);
-        m_main->findChild<QAction*>("Mnu_Exit")->trigger();
+        QSignalSpy exits(&m_app->main, &app::TaviMain::exitRequested);
+        m_app->main.findChild<QAction*>("Mnu_Exit")->trigger();
         QVERIFY(!tray.isShown());
         QCOMPARE(exits.count(), 1);
     }
@@ -197,9 +191,9 @@ private slots:
     void hideMeNeverLosesTheWindow() {
         QTest::mouseClick(button(12), Qt::LeftButton);
         if (tray::SysTray::available())
-            QVERIFY(!m_main->isVisible());
+            QVERIFY(!m_app->main.isVisible());
         else
-            QVERIFY(m_main->isMinimized()); // no notification area to come back from
+            QVERIFY(m_app->main.isMinimized()); // no notification area to come back from
     }
 
     void listDoubleClickAndPopUpStopperStartRealPrograms() {
@@ -214,7 +208,7 @@ private slots:
         const QByteArray savedPath = qgetenv("PATH");
         qputenv("PATH", QByteArray::fromStdString(bin.str()) + ":" + savedPath);
 
-        auto* list = m_main->findChild<QListWidget*>("List1");
+        auto* list = m_app->main.findChild<QListWidget*>("List1");
         list->addItem("http://example.invalid/page?a=1&b=2");
         QListWidgetItem* item = list->item(0);
         const QPoint at = list->visualItemRect(item).center();
@@ -233,11 +227,11 @@ private slots:
     }
 
     void wipeCacheEmptiesTheListAndTheConnectionLabelStaysSet() {
-        auto* list = m_main->findChild<QListWidget*>("List1");
+        auto* list = m_app->main.findChild<QListWidget*>("List1");
         list->addItem("http://example.invalid/a");
         QTest::mouseClick(button(2), Qt::LeftButton);
         QCOMPARE(list->count(), 0);
-        auto* label = m_main->findChild<QLabel*>("lblconnected");
+        auto* label = m_app->main.findChild<QLabel*>("lblconnected");
         QVERIFY(label->text().isEmpty() || label->text() == "Connected to the Internet");
     }
 };
