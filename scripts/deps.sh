@@ -10,7 +10,7 @@ packages=(
     libsqlite3-dev sqlite3 libglib2.0-dev
     g++-mingw-w64-x86-64-posix
     xvfb xauth
-    e2fsprogs util-linux
+    e2fsprogs util-linux mount
     coreutils secure-delete libmsiecf-utils
     bc
     fonts-liberation
