@@ -162,13 +162,20 @@ RegKey LinuxRegistry::newHandle(const std::string& path) {
     return handle;
 }
 
-long LinuxRegistry::openKey(RegKey root, const std::string& subKey, RegKey& result) {
+long LinuxRegistry::resolve(RegKey root, const std::string& subKey, std::string& path) {
     std::string base;
     if (!pathOf(root, base))
         return RegResult::InvalidHandle;
     if (!load())
         return RegResult::FileNotFound;
-    const std::string path = joinKey(base, subKey);
+    path = joinKey(base, subKey);
+    return RegResult::Success;
+}
+
+long LinuxRegistry::openKey(RegKey root, const std::string& subKey, RegKey& result) {
+    std::string path;
+    if (const long rc = resolve(root, subKey, path); rc != RegResult::Success)
+        return rc;
     if (!m_hive.hasKey(path))
         return RegResult::FileNotFound;
     result = newHandle(path);
@@ -176,12 +183,9 @@ long LinuxRegistry::openKey(RegKey root, const std::string& subKey, RegKey& resu
 }
 
 long LinuxRegistry::createKey(RegKey root, const std::string& subKey, RegKey& result) {
-    std::string base;
-    if (!pathOf(root, base))
-        return RegResult::InvalidHandle;
-    if (!load())
-        return RegResult::FileNotFound;
-    const std::string path = joinKey(base, subKey);
+    std::string path;
+    if (const long rc = resolve(root, subKey, path); rc != RegResult::Success)
+        return rc;
     if (!m_hive.hasKey(path)) {
         const long rc = modify([&](std::int64_t now) {
             m_hive.createKey(path, now);

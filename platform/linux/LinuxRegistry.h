@@ -52,6 +52,8 @@ private:
     long save();
     /// The hive path an open key or the root stands for; false for an unknown handle.
     bool pathOf(RegKey key, std::string& path) const;
+    /// The full path of `subKey` below the open key `root`, with the hive loaded; a Win32 result.
+    long resolve(RegKey root, const std::string& subKey, std::string& path);
     RegKey newHandle(const std::string& path);
     /// Runs `change` on the hive and saves it, unless a server runs; a Win32 result.
     template <typename Change> long modify(Change change);
