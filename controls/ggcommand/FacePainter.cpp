@@ -1,6 +1,7 @@
 #include "controls/ggcommand/FacePainter.h"
 
 #include "controls/ggcommand/Gradient.h"
+#include "controls/widgets/Placed.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -10,10 +11,6 @@
 
 namespace ggcommand {
 namespace {
-
-// Placement uses the picture's size as the design kept it: hundredths of a millimetre at
-// 15 twips per pixel.
-constexpr int TwipsPerPixel = 15;
 
 // Lines are one unit wide whatever the screen's scale, so they are filled as unit-high or
 // unit-wide rectangles rather than drawn with a pen.
@@ -59,8 +56,8 @@ void paintFace(QImage& face, const ButtonProperties& properties, const QString& 
     const Extent faceExtent{static_cast<double>(width), static_cast<double>(height)};
     if (!picture.isNull()) {
         const QSize pixels = picture.deviceIndependentSize().toSize();
-        const Extent pictureSize{pictureExtent(himetricFromPixels(pixels.width()), TwipsPerPixel),
-                                 pictureExtent(himetricFromPixels(pixels.height()), TwipsPerPixel)};
+        const Extent pictureSize{pictureExtent(himetricFromPixels(pixels.width()), widgets::TwipsPerPixel),
+                                 pictureExtent(himetricFromPixels(pixels.height()), widgets::TwipsPerPixel)};
         if (const auto at = picturePosition(properties.pictureAlignment, faceExtent, pictureSize,
                                             properties.pictureXOffset, properties.pictureYOffset))
             layout.picture = *at;

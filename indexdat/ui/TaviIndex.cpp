@@ -7,6 +7,7 @@
 #include "indexdat/IndexTexts.h"
 #include "indexdat/RawReport.h"
 #include "controls/hoverhelp/HoverHelp.h"
+#include "controls/widgets/Placed.h"
 #include "platform/Platform.h"
 
 #include <QApplication>
@@ -34,24 +35,17 @@ QString fromBytes(const std::string& bytes) {
 }
 
 QLabel* label(QWidget* parent, const char* name, const char* caption, const QRect& place) {
-    auto* l = new QLabel(QString::fromLatin1(caption), parent);
-    l->setObjectName(name);
-    l->setGeometry(place);
-    return l;
+    return widgets::placed<QLabel>(parent, name, place, QString::fromLatin1(caption));
 }
 
 QLineEdit* textBox(QWidget* parent, const char* name, const QRect& place, bool readOnly) {
-    auto* t = new QLineEdit(parent);
-    t->setObjectName(name);
-    t->setGeometry(place);
+    auto* t = widgets::placed<QLineEdit>(parent, name, place);
     t->setReadOnly(readOnly);
     return t;
 }
 
 QListWidget* listBox(QWidget* parent, const char* name, const QRect& place) {
-    auto* l = new QListWidget(parent);
-    l->setObjectName(name);
-    l->setGeometry(place);
+    auto* l = widgets::placed<QListWidget>(parent, name, place);
     l->setUniformItemSizes(true); // keeps long lists quick
     return l;
 }

@@ -1,5 +1,6 @@
 #include "memory/ui/MemMonitor.h"
 
+#include "controls/widgets/Placed.h"
 #include "memory/MemoryFigures.h"
 #include "platform/Platform.h"
 
@@ -8,8 +9,6 @@
 
 namespace memory::ui {
 namespace {
-
-constexpr int TwipsPerPixel = 15;
 
 struct LabelPlace {
     const char* name;
@@ -28,12 +27,13 @@ MemMonitor::MemMonitor(platform::Platform& platform, QWidget* parent)
     setObjectName("MemMonitor");
     setWindowTitle("Tavi MemMonitor");
     for (const LabelPlace& place : Places) {
-        auto* label = new QLabel(QString::fromLatin1(place.name), this); // the design-time caption
-        label->setObjectName(place.name);
-        label->setGeometry(120 / TwipsPerPixel, place.topTwips / TwipsPerPixel, 3735 / TwipsPerPixel,
-                           375 / TwipsPerPixel);
+        // The design-time caption is the label's name.
+        widgets::placed<QLabel>(this, place.name,
+                                {widgets::pixels(120), widgets::pixels(place.topTwips), widgets::pixels(3735),
+                                 widgets::pixels(375)},
+                                QString::fromLatin1(place.name));
     }
-    setFixedSize((120 + 3735 + 120) / TwipsPerPixel, (3720 + 375 + 240) / TwipsPerPixel);
+    setFixedSize(widgets::pixels(120 + 3735 + 120), widgets::pixels(3720 + 375 + 240));
 
     // Load shows seven figures at once; the load and usage lines wait for the first tick.
     refresh(false);

@@ -1,6 +1,7 @@
 #include "wipe/ui/TaviSecureWipe.h"
 
 #include "controls/prompts/MessageBoxPrompts.h"
+#include "controls/widgets/Placed.h"
 #include "core/NumberFormat.h"
 #include "platform/Platform.h"
 #include "wipe/FileError.h"
@@ -22,7 +23,6 @@
 namespace wipe::ui {
 namespace {
 
-constexpr int TwipsPerPixel = 15;
 constexpr int WidthPixels = 440;
 
 QString text(const std::string& s) {
@@ -38,7 +38,7 @@ TaviSecureWipe::TaviSecureWipe(platform::Platform& platform, QWidget* parent, co
     setObjectName("TaviSecureWipe");
     setWindowTitle("Tavi Secure FreeSpace Wipe");
     buildControls();
-    setFixedSize(WidthPixels, CollapsedTwips / TwipsPerPixel);
+    setFixedSize(WidthPixels, widgets::pixels(CollapsedTwips));
     if (const QScreen* screen = QGuiApplication::primaryScreen())
         move(screen->geometry().center() - rect().center());
     // Quitting the program in the middle of a run ends the run cleanly, temporary file removed.
@@ -57,41 +57,21 @@ TaviSecureWipe::TaviSecureWipe(platform::Platform& platform, QWidget* parent, co
 TaviSecureWipe::~TaviSecureWipe() = default;
 
 void TaviSecureWipe::buildControls() {
-    auto* frame = new QGroupBox("Wipe Drives", this);
-    frame->setObjectName("Frame1");
-    frame->setGeometry(8, 8, 400, 150);
-    m_drive1 = new QComboBox(frame);
-    m_drive1->setObjectName("Drive1");
-    m_drive1->setGeometry(12, 42, 150, 26);
+    auto* frame = widgets::placed<QGroupBox>(this, "Frame1", {8, 8, 400, 150}, "Wipe Drives");
+    m_drive1 = widgets::placed<QComboBox>(frame, "Drive1", {12, 42, 150, 26});
     m_drive1->view()->setMinimumWidth(320); // mount points are longer than drive letters
-    auto* freeLabel = new QLabel("Free Space Available for Wiping", frame);
-    freeLabel->setObjectName("Label3");
-    freeLabel->setGeometry(172, 22, 220, 18);
-    m_text3 = new QLineEdit(frame);
-    m_text3->setObjectName("Text3");
+    widgets::placed<QLabel>(frame, "Label3", {172, 22, 220, 18}, "Free Space Available for Wiping");
+    m_text3 = widgets::placed<QLineEdit>(frame, "Text3", {172, 42, 216, 26});
     m_text3->setReadOnly(true);
     m_text3->setAlignment(Qt::AlignRight);
-    m_text3->setGeometry(172, 42, 216, 26);
-    m_command2 = new QPushButton("Wipe Hard Drive FreeSpace", frame);
-    m_command2->setObjectName("Command2");
-    m_command2->setGeometry(12, 90, 186, 32);
-    m_command3 = new QPushButton("Wipe A:\\ or Small Drives", frame);
-    m_command3->setObjectName("Command3");
-    m_command3->setGeometry(204, 90, 184, 32);
+    m_command2 = widgets::placed<QPushButton>(frame, "Command2", {12, 90, 186, 32}, "Wipe Hard Drive FreeSpace");
+    m_command3 = widgets::placed<QPushButton>(frame, "Command3", {204, 90, 184, 32}, "Wipe A:\\ or Small Drives");
 
-    m_check1 = new QCheckBox("Check to Pause Wiping", this);
-    m_check1->setObjectName("Check1");
-    m_check1->setGeometry(20, 168, 190, 22);
-    m_check2 = new QCheckBox("Check to Exit Wiping", this);
-    m_check2->setObjectName("Check2");
-    m_check2->setGeometry(216, 168, 190, 22);
+    m_check1 = widgets::placed<QCheckBox>(this, "Check1", {20, 168, 190, 22}, "Check to Pause Wiping");
+    m_check2 = widgets::placed<QCheckBox>(this, "Check2", {216, 168, 190, 22}, "Check to Exit Wiping");
 
-    m_command4 = new QPushButton("Advanced Off", this);
-    m_command4->setObjectName("Command4");
-    m_command4->setGeometry(8, 214, 130, 32);
-    m_command1 = new QPushButton("Exit Program", this);
-    m_command1->setObjectName("Command1");
-    m_command1->setGeometry(278, 214, 130, 32);
+    m_command4 = widgets::placed<QPushButton>(this, "Command4", {8, 214, 130, 32}, "Advanced Off");
+    m_command1 = widgets::placed<QPushButton>(this, "Command1", {278, 214, 130, 32}, "Exit Program");
     m_gauge = new GaugeLines(this, 420, 12, 232, true);
 
     // The detail panel, below the collapsed height.
@@ -110,13 +90,9 @@ void TaviSecureWipe::buildControls() {
 
 QLineEdit* TaviSecureWipe::addField(const char* name, const char* labelName, const char* caption, int x, int y,
                                     int width) {
-    auto* label = new QLabel(caption, this);
-    label->setObjectName(labelName);
-    label->setGeometry(x, y, width, 16);
-    auto* field = new QLineEdit(this);
-    field->setObjectName(name);
+    widgets::placed<QLabel>(this, labelName, {x, y, width, 16}, caption);
+    auto* field = widgets::placed<QLineEdit>(this, name, {x, y + 17, width, 24});
     field->setReadOnly(true);
-    field->setGeometry(x, y + 17, width, 24);
     return field;
 }
 
@@ -147,10 +123,10 @@ void TaviSecureWipe::wipe(bool removable) {
 void TaviSecureWipe::toggleAdvanced() {
     if (m_command4->text() == "Advanced Off") {
         m_command4->setText("Advanced On");
-        setFixedSize(WidthPixels, ExpandedTwips / TwipsPerPixel);
+        setFixedSize(WidthPixels, widgets::pixels(ExpandedTwips));
     } else if (m_command4->text() == "Advanced On") {
         m_command4->setText("Advanced Off");
-        setFixedSize(WidthPixels, CollapsedTwips / TwipsPerPixel);
+        setFixedSize(WidthPixels, widgets::pixels(CollapsedTwips));
     }
 }
 
