@@ -3,11 +3,11 @@
 #include "controls/ggcommand/Design.h"
 #include "controls/ggcommand/GGCommand.h"
 #include "controls/prompts/MessageBoxPrompts.h"
-#include "indexdat/FolderList.h"
 #include "indexdat/IndexTexts.h"
 #include "indexdat/RawReport.h"
 #include "controls/hoverhelp/HoverHelp.h"
 #include "controls/widgets/Placed.h"
+#include "platform/FolderList.h"
 #include "platform/Platform.h"
 
 #include <QApplication>
@@ -164,7 +164,7 @@ void TaviIndex::setFolder(const QString& path) {
     m_folder = path.toStdString();
     const std::string root = m_drive1->currentData().toByteArray().toStdString();
     m_dir1->clear();
-    for (const FolderLine& line : folderLines(m_platform.fileSystem(), root, m_folder)) {
+    for (const platform::FolderLine& line : platform::folderLines(m_platform.fileSystem(), root, m_folder)) {
         auto* item = new QListWidgetItem(QString(line.depth * 2, ' ') + (line.open ? "[-] " : "[+] ") +
                                          QString::fromStdString(line.label));
         item->setData(Qt::UserRole, QByteArray::fromStdString(line.path));

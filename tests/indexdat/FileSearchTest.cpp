@@ -3,7 +3,7 @@
 // the size quirk of large files and the overflow of its 16-bit counters.
 
 #include "indexdat/FileSearch.h"
-#include "indexdat/FolderList.h"
+#include "platform/FolderList.h"
 #include "indexdat/RawReport.h"
 #include "platform/Platform.h"
 #include "tests/support/Scratch.h"
@@ -120,7 +120,7 @@ TEST_F(FileSearchTest, TheFolderListShowsThePathDownThenTheSubfoldersByName) {
     fs::create_directories(dir.path() / "tavi" / "Alpha");
     dir.write("tavi/file.txt", "");
     fs::create_directory_symlink(dir.path(), dir.path() / "tavi" / "up");
-    const auto lines = indexdat::folderLines(p->fileSystem(), "/", dir.str() + "/tavi");
+    const auto lines = platform::folderLines(p->fileSystem(), "/", dir.str() + "/tavi");
     ASSERT_GE(lines.size(), 4u);
     EXPECT_EQ(lines[0].path, "/");
     const auto& chosen = lines[lines.size() - 3];

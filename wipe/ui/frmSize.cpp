@@ -1,6 +1,7 @@
 #include "wipe/ui/frmSize.h"
 
 #include "controls/prompts/MessageBoxPrompts.h"
+#include "platform/FolderList.h"
 #include "platform/Platform.h"
 #include "wipe/WipeTexts.h"
 #include "wipe/ui/BusyCursor.h"
@@ -137,30 +138,15 @@ void frmSize::setPath(const QString& folder) {
 
 void frmSize::fillDirectories() {
     m_dirDirectory->clear();
-    const QChar sep = QChar::fromLatin1(m_platform.fileSystem().separator());
-    // The open folders from the root down to the current one, then the current folder's subfolders.
-    QStringList parts = m_path.split(sep, Qt::SkipEmptyParts);
-    const bool rooted = m_path.startsWith(sep);
-    QString walked = rooted ? QString(sep) : QString();
-    auto add = [this](const QString& caption, const QString& full, int level) {
-        auto* item = new QListWidgetItem(QString(level * 2, ' ') + caption, m_dirDirectory);
-        item->setData(Qt::UserRole, full);
-        return item;
-    };
-    int level = 0;
-    QListWidgetItem* current = rooted ? add(QString(sep), walked, level++) : nullptr;
-    for (const QString& part : parts) {
-        walked += (walked.isEmpty() || walked.endsWith(sep) ? "" : QString(sep)) + part;
-        current = add(part, walked, level++);
+    const std::string path = m_path.toStdString();
+    QListWidgetItem* current = nullptr;
+    for (const platform::FolderLine& line :
+         platform::folderLines(m_platform.fileSystem(), m_platform.drives().rootOf(path), path)) {
+        auto* item = new QListWidgetItem(QString(line.depth * 2, ' ') + text(line.label), m_dirDirectory);
+        item->setData(Qt::UserRole, text(line.path));
+        if (line.open)
+            current = item;
     }
-    QStringList subfolders;
-    m_platform.fileSystem().list(m_path.toStdString(), "*", [&](const platform::FileInfo& fi) {
-        if (fi.isDirectory() && !fi.isLink())
-            subfolders << text(fi.name);
-        return true;
-    });
-    for (const QString& name : sortedNames(subfolders))
-        add(name, fullName(name), level);
     m_dirDirectory->setCurrentItem(current);
 }
 

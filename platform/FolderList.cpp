@@ -1,12 +1,13 @@
-#include "indexdat/FolderList.h"
+#include "platform/FolderList.h"
 
 #include "platform/FileSystem.h"
 
 #include <algorithm>
+#include <cctype>
 
-namespace indexdat {
+namespace platform {
 
-std::vector<FolderLine> folderLines(platform::FileSystem& files, const std::string& root, const std::string& path) {
+std::vector<FolderLine> folderLines(FileSystem& files, const std::string& root, const std::string& path) {
     const char sep = files.separator();
     std::vector<FolderLine> lines;
     std::string current = root;
@@ -28,17 +29,22 @@ std::vector<FolderLine> folderLines(platform::FileSystem& files, const std::stri
     }
 
     std::vector<std::string> below;
-    files.names(current, [&](const std::string& name, platform::EntryKind kind) {
-        if (kind == platform::EntryKind::Directory)
+    files.names(current, [&](const std::string& name, EntryKind kind) {
+        if (kind == EntryKind::Directory)
             below.push_back(name);
-        else if (kind == platform::EntryKind::Unknown) {
+        else if (kind == EntryKind::Unknown) {
             const auto info = files.info(current + sep + name);
             if (info && info->isDirectory())
                 below.push_back(name);
         }
         return true;
     });
-    std::sort(below.begin(), below.end());
+    // By name as a folder chooser shows them: letter case does not separate names.
+    std::sort(below.begin(), below.end(), [](const std::string& a, const std::string& b) {
+        const auto folded = [](unsigned char c) { return static_cast<char>(std::tolower(c)); };
+        return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                            [&](char x, char y) { return folded(x) < folded(y); });
+    });
     const int depth = static_cast<int>(lines.size());
     const std::string prefix = current.back() == sep ? current : current + sep;
     for (const std::string& name : below)
@@ -46,4 +52,4 @@ std::vector<FolderLine> folderLines(platform::FileSystem& files, const std::stri
     return lines;
 }
 
-} // namespace indexdat
+} // namespace platform
