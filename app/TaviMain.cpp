@@ -243,9 +243,8 @@ void TaviMain::readFolderPaths() {
 }
 
 void TaviMain::ShowCache() {
+    // The cache listing moves into the core with the trace-cleaning routines.
     m_list1->clear();
-    for (const std::string& url : m_platform.urlCache().entries())
-        m_list1->addItem(QString::fromStdString(url));
 }
 
 void TaviMain::CleanAll() {

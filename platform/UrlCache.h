@@ -1,19 +1,67 @@
 #pragma once
-// The browser's URL cache: its entries can be listed by source address and deleted one by one.
+// The browser's URL cache, with the calling conventions of the WinINet cache enumeration: the caller
+// asks how many bytes the next entry needs, hands over a buffer of that size, and the entry is
+// written into it as one record followed by the texts the record points to. Entries are deleted
+// one by one by their source address. On Linux the cache is the disk cache of every browser
+// profile found, and a profile whose browser is running is left alone.
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace platform {
 
+/// A FILETIME: 100-nanosecond intervals since 1601-01-01 UTC, in two 32-bit halves.
+struct FileTime {
+    std::uint32_t dwLowDateTime = 0;
+    std::uint32_t dwHighDateTime = 0;
+};
+
+/// One cache entry as the enumeration writes it into the caller's buffer: the layout of
+/// INTERNET_CACHE_ENTRY_INFOA. The texts it points to lie in the same buffer, after the record.
+struct UrlCacheEntryInfo {
+    std::uint32_t dwStructSize = 0;
+    char* lpszSourceUrlName = nullptr;
+    char* lpszLocalFileName = nullptr;
+    std::uint32_t CacheEntryType = 0;
+    std::uint32_t dwUseCount = 0;
+    std::uint32_t dwHitRate = 0;
+    std::uint32_t dwSizeLow = 0;
+    std::uint32_t dwSizeHigh = 0;
+    FileTime LastModifiedTime;
+    FileTime ExpireTime;
+    FileTime LastAccessTime;
+    FileTime LastSyncTime;
+    char* lpHeaderInfo = nullptr;
+    std::uint32_t dwHeaderInfoSize = 0;
+    char* lpszFileExtension = nullptr;
+    std::uint32_t dwExemptDelta = 0;
+};
+
+/// An open enumeration of the cache; 0 is none.
+using UrlCacheEnum = std::uintptr_t;
+
 class UrlCache {
 public:
     virtual ~UrlCache() = default;
 
-    /// The source addresses of the cache's entries, in enumeration order.
-    virtual std::vector<std::string> entries() = 0;
-    /// Deletes the entry for `url` (DeleteUrlCacheEntryA); false when there is none or it fails.
+    /// FindFirstUrlCacheEntryA without a search pattern. With `buffer` null or `size` below what the
+    /// first entry needs: returns 0 and sets `size` to the bytes needed (0 when the cache is empty).
+    /// Otherwise writes the first entry into `buffer`, sets `size` to the bytes used and returns a
+    /// new enumeration, which findClose() ends.
+    virtual UrlCacheEnum findFirst(void* buffer, std::uint32_t& size) = 0;
+    /// FindNextUrlCacheEntryA: the next entry of `enumeration` on the same terms. False when there is
+    /// none (`size` 0) or when `buffer` is null or too small (`size` = the bytes needed; the entry
+    /// stays the next one).
+    virtual bool findNext(UrlCacheEnum enumeration, void* buffer, std::uint32_t& size) = 0;
+    /// FindCloseUrlCache.
+    virtual void findClose(UrlCacheEnum enumeration) = 0;
+    /// DeleteUrlCacheEntryA: deletes the entry whose source address is `url`, with all its files.
+    /// False when there is none or it cannot be deleted.
     virtual bool deleteEntry(const std::string& url) = 0;
+    /// The stores (browser profile folders) the last call left alone because their browser holds
+    /// them; always empty where the cache has no such notion.
+    virtual std::vector<std::string> storesInUse() const { return {}; }
 };
 
 } // namespace platform

@@ -15,6 +15,9 @@ public:
     /// Keeps the pages of the range in physical memory.
     virtual bool lock(void* address, std::size_t size) = 0;
     virtual bool unlock(void* address, std::size_t size) = 0;
+    /// Gives the pages of the range back to the system while keeping the addresses reserved
+    /// (MEM_DECOMMIT); a zero size at a block's start means the whole block.
+    virtual bool decommit(void* address, std::size_t size) = 0;
     /// Gives back a block obtained from commit(), whole.
     virtual bool release(void* address) = 0;
     /// True when some byte of the range cannot be read (IsBadReadPtr). A zero size is never bad.

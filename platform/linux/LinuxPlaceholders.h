@@ -8,19 +8,24 @@ namespace platform::linux {
 
 class EmptyUrlCache final : public UrlCache {
 public:
-    std::vector<std::string> entries() override { return {}; }
+    UrlCacheEnum findFirst(void*, std::uint32_t& size) override {
+        size = 0;
+        return 0;
+    }
+    bool findNext(UrlCacheEnum, void*, std::uint32_t& size) override {
+        size = 0;
+        return false;
+    }
+    void findClose(UrlCacheEnum) override {}
     bool deleteEntry(const std::string&) override { return false; }
 };
 
 class EmptyUrlHistory final : public UrlHistory {
 public:
-    bool entries(std::vector<UrlHistoryEntry>& out) override {
-        out.clear();
-        return false;
-    }
-    bool add(const std::string&, const std::string&) override { return false; }
-    bool remove(const std::string&) override { return false; }
-    bool clear() override { return false; }
+    bool addUrl(const std::string&, const std::string&, std::uint32_t) override { return false; }
+    bool deleteUrl(const std::string&, std::uint32_t) override { return false; }
+    std::unique_ptr<UrlHistoryEnum> enumUrls() override { return nullptr; }
+    bool clearHistory() override { return false; }
 };
 
 } // namespace platform::linux

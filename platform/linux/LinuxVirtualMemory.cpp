@@ -80,6 +80,18 @@ bool LinuxVirtualMemory::unlock(void* address, std::size_t size) {
     return ::munlock(address, size) == 0;
 }
 
+bool LinuxVirtualMemory::decommit(void* address, std::size_t size) {
+    if (size == 0) {
+        std::lock_guard lock(m_mutex);
+        const auto it = m_blocks.find(address);
+        if (it == m_blocks.end())
+            return false;
+        size = it->second;
+    }
+    // The pages read as zeros afterwards, as freshly committed ones would.
+    return ::madvise(address, size, MADV_DONTNEED) == 0;
+}
+
 bool LinuxVirtualMemory::release(void* address) {
     std::size_t size = 0;
     {

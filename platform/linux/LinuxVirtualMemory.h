@@ -14,6 +14,7 @@ public:
     void* commit(std::size_t size) override;
     bool lock(void* address, std::size_t size) override;
     bool unlock(void* address, std::size_t size) override;
+    bool decommit(void* address, std::size_t size) override;
     bool release(void* address) override;
     bool isBadRead(const void* address, std::size_t size) override;
     bool isBadWrite(void* address, std::size_t size) override;
