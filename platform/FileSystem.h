@@ -25,6 +25,7 @@ struct FileInfo {
     std::uint32_t attributes = 0; ///< Attr bits
     std::uint64_t size = 0;       ///< bytes; 0 for folders
     std::uint64_t device = 0;     ///< filesystem identity, to keep walks on one filesystem
+    std::uint64_t links = 1;      ///< names the file has (hard links); a file with more is never overwritten
     bool isRegular = false;       ///< a plain file (not a folder, link, device, socket, pipe)
     bool ownedByUser = false;     ///< owned by the user running the program
     std::int64_t modified = 0;    ///< seconds since 1970-01-01 UTC

@@ -14,6 +14,7 @@ FileInfo describe(const std::string& name, const struct stat& st) {
     FileInfo fi;
     fi.name = name;
     fi.device = st.st_dev;
+    fi.links = st.st_nlink;
     fi.modified = st.st_mtim.tv_sec;
     fi.ownedByUser = st.st_uid == ::geteuid();
     if (S_ISLNK(st.st_mode))
