@@ -347,13 +347,20 @@ void TaviMain::closedTick() {
 
 void TaviMain::exitProgram() {
     m_tray->RemoveTrayIcon();
+    // A wipe running inside a tool window's handler would keep the program alive: stop it first.
+    m_windows.stopAll();
     emit exitRequested();
 }
 
 void TaviMain::closeEvent(QCloseEvent* event) {
-    m_tray->RemoveTrayIcon();
     event->accept();
-    emit exitRequested();
+    exitProgram();
+}
+
+void endEventLoopOnExit(TaviMain& main) {
+    // Queued: Exit is often chosen while a run lets events through from inside a handler, and the
+    // loop must end only once that run has returned.
+    QObject::connect(&main, &TaviMain::exitRequested, qApp, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
 }
 
 } // namespace app

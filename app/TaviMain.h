@@ -109,4 +109,9 @@ private:
     QString m_tempPath;
 };
 
+/// Makes the main window's Exit (the tray menu's entry, or closing the window) end the program's
+/// event loop. It ends the loop outright rather than asking every window to close, which a window
+/// may refuse; tool windows still running a long operation have been asked to stop by then.
+void endEventLoopOnExit(TaviMain& main);
+
 } // namespace app

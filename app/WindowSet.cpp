@@ -1,5 +1,7 @@
 #include "app/WindowSet.h"
 
+#include "controls/widgets/ToolRun.h"
+
 #include "memory/ui/MemMonitor.h"
 #include "wipe/ui/TaviSecureWipe.h"
 #include "wipe/ui/frmSize.h"
@@ -46,6 +48,12 @@ QWidget* WindowSet::window(const QString& name) {
 bool WindowSet::exists(const QString& name) const {
     const auto it = m_windows.find(name);
     return it != m_windows.end() && it->second;
+}
+
+void WindowSet::stopAll() {
+    for (auto& [name, window] : m_windows)
+        if (auto* stoppable = dynamic_cast<widgets::StoppableWindow*>(window.data()))
+            stoppable->requestStop();
 }
 
 QWidget* WindowSet::show(const QString& name) {

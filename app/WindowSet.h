@@ -38,6 +38,9 @@ public:
     bool exists(const QString& name) const;
     /// Creates the window if needed, shows it modeless and brings it to the front.
     QWidget* show(const QString& name);
+    /// Asks every existing window that runs a long operation (widgets::StoppableWindow) to stop it
+    /// at its next check, so that the program can end: the program is about to quit.
+    void stopAll();
 
 private:
     platform::Platform& m_platform;

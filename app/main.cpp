@@ -62,7 +62,7 @@ int main(int argc, char** argv) {
     }
     app::WindowSet windows(*platform);
     app::TaviMain main(*platform, windows);
-    QObject::connect(&main, &app::TaviMain::exitRequested, &app, &QApplication::quit, Qt::QueuedConnection);
+    app::endEventLoopOnExit(main);
 
     if (parser.isSet(screenshot))
         return app::saveScreenshots(main, windows, parser.value(screenshot)) == 0 ? 0 : 1;

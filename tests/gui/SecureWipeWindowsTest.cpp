@@ -3,6 +3,7 @@
 // loop-mounted image, and the file and folder wipes of the secure delete window on scratch files.
 
 #include "platform/Platform.h"
+#include "tests/gui/MainWindowUnderTest.h"
 #include "tests/support/LoopImage.h"
 #include "tests/support/QtTestMain.h"
 #include "tests/support/Scratch.h"
@@ -16,7 +17,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QTimer>
 
 #include <filesystem>
 #include <fstream>
@@ -35,6 +38,24 @@ class SecureWipeWindowsTest : public QObject {
         if (!found)
             qFatal("no control named %s", name);
         return found;
+    }
+
+    /// Runs the program's event loop as main() does, calls `whileRunning` every few milliseconds
+    /// until it returns true, then chooses Exit from the tray menu. Returns the loop's exit code,
+    /// or -1 when it did not end within a minute.
+    static int exitWhen(testsupport::MainWindowUnderTest& program, const std::function<bool()>& whileRunning) {
+        app::endEventLoopOnExit(program.main);
+        QTimer poll;
+        poll.setInterval(5);
+        QObject::connect(&poll, &QTimer::timeout, [&] {
+            if (whileRunning()) {
+                poll.stop();
+                program.main.findChild<QAction*>("Mnu_Exit")->trigger();
+            }
+        });
+        poll.start();
+        QTimer::singleShot(60000, [] { QCoreApplication::exit(-1); });
+        return QCoreApplication::exec();
     }
 
     static void screenshot(QWidget& window, const QString& suffix = {}) {
@@ -131,6 +152,57 @@ private slots:
         QCOMPARE(ask.asked, std::vector<std::string>{"Tavi Wipe is still running. Are you sure you wish to quit?"});
         QVERIFY(!window.isVisible());
         QVERIFY(child<QPushButton>(window, "Command2")->isEnabled()); // shown again, it starts afresh
+    }
+
+    void exitDuringAFreeSpaceWipeEndsTheProgramWithTheTemporaryFileRemoved() {
+        ScratchDir dir;
+        testsupport::LoopImage image(dir.path(), 64);
+        if (!image.mounted())
+            QSKIP(qPrintable("no loop-mounted drive to wipe: " + QString::fromStdString(image.reason())));
+        const fs::path temp = image.mountPoint() / "WNXTEMP.000";
+        testsupport::MainWindowUnderTest program;
+        auto* window = qobject_cast<wipe::ui::TaviSecureWipe*>(program.windows.show("TaviSecureWipe"));
+        auto* drives = child<QComboBox>(*window, "Drive1");
+        drives->setCurrentIndex(drives->findText(QString::fromStdString(image.mountPoint().string())));
+        QVERIFY(drives->currentIndex() >= 0);
+        QTimer::singleShot(0, child<QPushButton>(*window, "Command2"), &QPushButton::click);
+        QCOMPARE(exitWhen(program, [&] { return fs::exists(temp); }), 0);
+        QVERIFY(!window->running());
+        QVERIFY(!fs::exists(temp));
+        QVERIFY(child<QLineEdit>(*window, "Text2")->text().toInt() < 35); // stopped, not run to its end
+    }
+
+    void secureDeleteRunsOneWipeAtATimeAndExitEndsIt() {
+        ScratchDir dir;
+        dir.write("big.bin", std::string(16 << 20, 'b'));
+        dir.write("later.txt", "not reached");
+        testsupport::MainWindowUnderTest program;
+        auto* window = qobject_cast<wipe::ui::frmSize*>(program.windows.window("frmSize"));
+        window->setPath(QString::fromStdString(dir.str()));
+        window->show();
+        auto* files = child<QListWidget>(*window, "filFiles");
+        files->selectAll();
+        child<QLineEdit>(*window, "txtFileName")->setText("big.bin");
+        QTimer::singleShot(0, child<QPushButton>(*window, "CmdOK"), &QPushButton::click);
+        bool lockedWhileRunning = false;
+        QCOMPARE(exitWhen(program,
+                          [&] {
+                              // The window asks through a real message box here: answer Yes.
+                              if (auto* box = window->findChild<QMessageBox*>("MessageBox"))
+                                  box->button(QMessageBox::Yes)->click();
+                              if (!window->running() || child<QLineEdit>(*window, "Text2")->text() != "2")
+                                  return false;
+                              lockedWhileRunning = !child<QPushButton>(*window, "CmdOK")->isEnabled() &&
+                                                   !child<QPushButton>(*window, "Command1")->isEnabled() &&
+                                                   child<QPushButton>(*window, "Command2")->isEnabled();
+                              return true;
+                          }),
+                 0);
+        QVERIFY(lockedWhileRunning);
+        QVERIFY(!window->running());
+        QVERIFY(child<QPushButton>(*window, "CmdOK")->isEnabled());
+        QVERIFY(!fs::exists(dir.path() / "big.bin")); // the file at hand is finished off
+        QCOMPARE(testsupport::readFile(dir.path() / "later.txt"), std::string("not reached"));
     }
 
     void secureDeleteWindowListsFiltersAndWipesTheSelection() {

@@ -41,9 +41,6 @@ TaviSecureWipe::TaviSecureWipe(platform::Platform& platform, QWidget* parent, co
     setFixedSize(WidthPixels, widgets::pixels(CollapsedTwips));
     if (const QScreen* screen = QGuiApplication::primaryScreen())
         move(screen->geometry().center() - rect().center());
-    // Quitting the program in the middle of a run ends the run cleanly, temporary file removed.
-    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { m_quitting = true; });
-
     for (const auto& root : m_platform.drives().roots())
         m_drive1->addItem(text(root));
     // A crash may have left a temporary file on the drive the user turns to: offer to remove it.
@@ -110,14 +107,16 @@ void TaviSecureWipe::wipe(bool removable) {
         return;
     BusyCursor busy;
     const std::string root = chosenRoot().toStdString();
-    try {
-        if (removable)
-            m_engine.wipeRemovable(root);
-        else
-            m_engine.wipeFixed(root);
-    } catch (const wipe::FileError& e) {
-        m_prompts->tell(e.description(), e.source(), core::MsgStyle::Critical);
-    }
+    widgets::guarded([&] {
+        try {
+            if (removable)
+                m_engine.wipeRemovable(root);
+            else
+                m_engine.wipeFixed(root);
+        } catch (const wipe::FileError& e) {
+            m_prompts->tell(e.description(), e.source(), core::MsgStyle::Critical);
+        }
+    });
 }
 
 void TaviSecureWipe::toggleAdvanced() {
@@ -152,7 +151,7 @@ void TaviSecureWipe::showEvent(QShowEvent* event) {
 }
 
 void TaviSecureWipe::closeEvent(QCloseEvent* event) {
-    // No Close item: only "Exit Program" (or the program quitting) closes this window.
+    // No Close item: only "Exit Program" (or the program ending) closes this window.
     if (m_mayClose || m_quitting)
         event->accept();
     else

@@ -4,6 +4,7 @@
 // end a run. The window has no Close item: it is left through "Exit Program". All the work is done
 // by wipe::FreeSpaceWipe; this window only shows what the run reports and answers its reads.
 
+#include "controls/widgets/ToolRun.h"
 #include "wipe/FreeSpaceView.h"
 #include "wipe/FreeSpaceWipe.h"
 
@@ -24,7 +25,7 @@ namespace wipe::ui {
 
 class GaugeLines;
 
-class TaviSecureWipe : public QWidget, private wipe::FreeSpaceView {
+class TaviSecureWipe : public QWidget, public widgets::StoppableWindow, private wipe::FreeSpaceView {
     Q_OBJECT
 public:
     /// The window over `platform`. Questions go to `prompts` when given (tests), else to message
@@ -36,6 +37,10 @@ public:
     /// Window heights with the detail panel hidden and shown, in twips.
     static constexpr int CollapsedTwips = 3870;
     static constexpr int ExpandedTwips = 5940;
+
+    // StoppableWindow: the program is ending; a running wipe removes its file and returns.
+    bool running() const override { return m_engine.running(); }
+    void requestStop() override { m_quitting = true; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;

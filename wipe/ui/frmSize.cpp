@@ -123,6 +123,10 @@ void frmSize::buildControls() {
     m_text1->setGeometry(8, 298, 584, 24);
     m_gauge = new GaugeLines(this, 8, 330, 584, false);
 
+    // While a wipe runs only "End wipe" and "&Cancel" stay live: another wipe or another folder
+    // started from inside the running one would pull the ground from under it.
+    m_lockedWhileRunning = {ok, wipeDir, m_filFiles, m_dirDirectory, m_drvDrive, m_cboFileType, m_txtFileName};
+
     connect(ok, &QPushButton::clicked, this, &frmSize::wipeFiles);
     connect(cancel, &QPushButton::clicked, this, &QWidget::close);
     connect(wipeDir, &QPushButton::clicked, this, &frmSize::wipeDirectory);
@@ -171,24 +175,12 @@ void frmSize::wipeFiles() {
     for (int i = 0; i < m_filFiles->count(); ++i)
         if (m_filFiles->item(i)->isSelected())
             paths.push_back(fullName(m_filFiles->item(i)->text()).toStdString());
-    {
-        BusyCursor busy;
-        m_busy = true;
-        m_engine.WipeSelectedFiles(m_txtFileName->text().toStdString(), paths);
-        m_busy = false;
-        m_closing = false;
-    }
+    runWipe([&] { m_engine.WipeSelectedFiles(m_txtFileName->text().toStdString(), paths); });
     fillFiles();
 }
 
 void frmSize::wipeDirectory() {
-    {
-        BusyCursor busy;
-        m_busy = true;
-        m_engine.WipeFolder(m_path.toStdString());
-        m_busy = false;
-        m_closing = false;
-    }
+    runWipe([&] { m_engine.WipeFolder(m_path.toStdString()); });
     // The folder is gone: show the nearest folder that is still there.
     QString folder = m_path;
     while (!m_platform.fileSystem().info(folder.toStdString()) && folder.contains(m_platform.fileSystem().separator())) {
@@ -197,6 +189,20 @@ void frmSize::wipeDirectory() {
             folder = QString(QChar::fromLatin1(m_platform.fileSystem().separator()));
     }
     setPath(folder);
+}
+
+void frmSize::runWipe(const std::function<void()>& wipe) {
+    if (m_busy)
+        return;
+    BusyCursor busy;
+    m_busy = true;
+    for (QWidget* control : m_lockedWhileRunning)
+        control->setEnabled(false);
+    widgets::guarded(wipe);
+    for (QWidget* control : m_lockedWhileRunning)
+        control->setEnabled(true);
+    m_busy = false;
+    m_closing = false;
 }
 
 void frmSize::toggleEndWipe() {

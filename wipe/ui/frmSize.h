@@ -5,12 +5,15 @@
 // every block. All the work is done by wipe::SecureDelete; the lists are filled through the
 // platform's file system, so nothing here follows a link.
 
+#include "controls/widgets/ToolRun.h"
 #include "wipe/SecureDelete.h"
 #include "wipe/SecureDeleteView.h"
 
 #include <QWidget>
 
+#include <functional>
 #include <memory>
+#include <vector>
 
 class QComboBox;
 class QLabel;
@@ -26,7 +29,7 @@ namespace wipe::ui {
 
 class GaugeLines;
 
-class frmSize : public QWidget, private wipe::SecureDeleteView {
+class frmSize : public QWidget, public widgets::StoppableWindow, private wipe::SecureDeleteView {
     Q_OBJECT
 public:
     /// The window over `platform`, showing `startFolder` (the home folder when empty). Questions go
@@ -39,6 +42,10 @@ public:
     QString path() const { return m_path; }
     /// Shows `folder` in the folder and file lists (the folder list's Change).
     void setPath(const QString& folder);
+
+    // StoppableWindow: the program is ending; the file at hand is finished off, the rest left alone.
+    bool running() const override { return m_busy; }
+    void requestStop() override { m_closing = m_busy; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -59,6 +66,9 @@ private:
     void wipeFiles();
     void wipeDirectory();
     void toggleEndWipe();
+    /// Runs a wipe with the controls that could start another one disabled, the hourglass shown
+    /// and no exception escaping.
+    void runWipe(const std::function<void()>& wipe);
 
     platform::Platform& m_platform;
     std::unique_ptr<core::Prompts> m_ownPrompts;
@@ -70,6 +80,7 @@ private:
     bool m_busy = false;
     bool m_closing = false;
 
+    std::vector<QWidget*> m_lockedWhileRunning;
     QComboBox *m_drvDrive = nullptr, *m_cboFileType = nullptr;
     QListWidget *m_dirDirectory = nullptr, *m_filFiles = nullptr;
     QLineEdit *m_txtFileName = nullptr, *m_text1 = nullptr, *m_text2 = nullptr;
