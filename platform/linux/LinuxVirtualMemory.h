@@ -1,6 +1,7 @@
 #pragma once
-// Virtual memory on Linux: mmap blocks, mlock, and range probes answered from /proc/self/maps, so
-// that probing a bad address never touches it.
+// Virtual memory on Linux: mmap blocks and mlock, range probes that read through the kernel
+// (process_vm_readv) so that a bad address is reported instead of touched, and the out-of-memory
+// score in /proc/self/oom_score_adj.
 
 #include "platform/VirtualMemory.h"
 
@@ -19,6 +20,8 @@ public:
     bool isBadRead(const void* address, std::size_t size) override;
     bool isBadWrite(void* address, std::size_t size) override;
     bool isBadString(const char* address, std::size_t max) override;
+    int outOfMemoryScore() override;
+    bool setOutOfMemoryScore(int score) override;
 
 private:
     std::mutex m_mutex;

@@ -4,10 +4,47 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <string>
+#include <vector>
 #include <sys/mman.h>
 #include <unistd.h>
 
 namespace {
+
+/// The real virtual memory, with a note of each block call and the length it was given.
+class Noting final : public platform::VirtualMemory {
+public:
+    explicit Noting(platform::VirtualMemory& real) : m_real(real) {}
+
+    void* commit(std::size_t size) override {
+        calls.push_back("commit " + std::to_string(size));
+        return m_real.commit(size);
+    }
+    bool lock(void* a, std::size_t size) override {
+        calls.push_back("lock " + std::to_string(size));
+        return m_real.lock(a, size);
+    }
+    bool unlock(void* a, std::size_t size) override {
+        calls.push_back("unlock " + std::to_string(size));
+        return m_real.unlock(a, size);
+    }
+    bool decommit(void* a, std::size_t size) override {
+        calls.push_back("decommit " + std::to_string(size));
+        return m_real.decommit(a, size);
+    }
+    bool release(void* a) override {
+        calls.push_back("release");
+        return m_real.release(a);
+    }
+    bool isBadRead(const void* a, std::size_t size) override { return m_real.isBadRead(a, size); }
+    bool isBadWrite(void* a, std::size_t size) override { return m_real.isBadWrite(a, size); }
+    bool isBadString(const char* a, std::size_t max) override { return m_real.isBadString(a, max); }
+
+    std::vector<std::string> calls;
+
+private:
+    platform::VirtualMemory& m_real;
+};
 
 class MemoryBlockTest : public ::testing::Test {
 protected:
@@ -84,6 +121,21 @@ TEST_F(MemoryBlockTest, EachAllocationAndTheEndGiveTheEarlierBlockBack) {
         second = block.Handle();
     }
     EXPECT_FALSE(vm.release(reinterpret_cast<void*>(second))); // already given back
+}
+
+TEST_F(MemoryBlockTest, GivesEachBlockBackInThreeStepsWithTheLengthNeverSet) {
+    Noting noting(vm);
+    {
+        memory::MemoryBlock block(noting);
+        block.Allocate(static_cast<std::int32_t>(2 * page));
+        block.Allocate(100);
+    }
+    const std::string two = std::to_string(2 * page);
+    const std::vector<std::string> expected = {
+        "commit " + two, "lock " + two, "unlock 0", "decommit 0", "release",
+        "commit 100",    "lock 100",    "unlock 0", "decommit 0", "release",
+    };
+    EXPECT_EQ(noting.calls, expected);
 }
 
 } // namespace

@@ -1,8 +1,10 @@
 #include "platform/Platform.h"
+#include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -48,4 +50,41 @@ TEST_F(VirtualMemoryTest, ProbesSeeGuardPagesAndReadOnlyPagesWithoutFaulting) {
     area[5] = '\0';
     EXPECT_FALSE(vm.isBadString(area, 100000));
     ::munmap(area, 3 * page);
+}
+
+TEST_F(VirtualMemoryTest, ProbesReportAFileMappedPastItsEndInsteadOfFaulting) {
+    // The mapping says "readable", but touching the page past the file's end raises SIGBUS.
+    testsupport::ScratchDir dir;
+    const auto path = dir.write("short", "abc");
+    const int fd = ::open(path.c_str(), O_RDWR);
+    ASSERT_GE(fd, 0);
+    auto* area = static_cast<char*>(::mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0));
+    ::close(fd);
+    ASSERT_NE(area, MAP_FAILED);
+    EXPECT_FALSE(vm.isBadRead(area, 3));
+    EXPECT_FALSE(vm.isBadString(area, 2 * page)); // the page holding the file reads as "abc" then zeros
+    EXPECT_TRUE(vm.isBadRead(area + page, 1));
+    EXPECT_TRUE(vm.isBadWrite(area, page + 1));
+    EXPECT_TRUE(vm.isBadString(area + page, 10));
+    ::munmap(area, 2 * page);
+}
+
+TEST_F(VirtualMemoryTest, ZeroLengthDecommitDropsAWholeLockedBlock) {
+    auto* block = static_cast<char*>(vm.commit(2 * page));
+    ASSERT_NE(block, nullptr);
+    std::memset(block, 0x5a, 2 * page);
+    vm.lock(block, 2 * page);
+    EXPECT_TRUE(vm.decommit(block, 0));
+    EXPECT_EQ(block[0], 0); // the pages went back; fresh zero pages stand in their place
+    EXPECT_EQ(block[2 * page - 1], 0);
+    EXPECT_TRUE(vm.release(block));
+}
+
+TEST_F(VirtualMemoryTest, OutOfMemoryScoreCanBeRaisedAndPutBack) {
+    const int before = vm.outOfMemoryScore();
+    EXPECT_EQ(before, std::stoi(testsupport::readFile("/proc/self/oom_score_adj")));
+    ASSERT_TRUE(vm.setOutOfMemoryScore(platform::VirtualMemory::FirstToGo));
+    EXPECT_EQ(testsupport::readFile("/proc/self/oom_score_adj"), "1000\n");
+    EXPECT_TRUE(vm.setOutOfMemoryScore(before));
+    EXPECT_EQ(vm.outOfMemoryScore(), before);
 }
