@@ -12,5 +12,6 @@ void addMemMonCommand(CLI::App& app, Context& ctx);
 void addCleanItemCommands(CLI::App& app, Context& ctx);
 void addIndexDatCommand(CLI::App& app, Context& ctx);
 void addWipeCommands(CLI::App& app, Context& ctx);
+void addWipeMemoryCommand(CLI::App& app, Context& ctx);
 
 } // namespace cli

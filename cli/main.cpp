@@ -28,6 +28,7 @@ int main(int argc, char** argv) {
     cli::addCleanItemCommands(app, ctx);
     cli::addIndexDatCommand(app, ctx);
     cli::addWipeCommands(app, ctx);
+    cli::addWipeMemoryCommand(app, ctx);
 
     try {
         app.parse(argc, argv);

@@ -1,0 +1,109 @@
+// wipe-memory: the memory wipe on the terminal. Asks first (unless --yes) with the number of bytes
+// it will fill, draws a bar over the 21 passes, and stops cleanly at the next pass on Ctrl-C or
+// SIGTERM. A run that ends early says where and why and exits with 1.
+
+#include "cli/Commands.h"
+#include "cli/Context.h"
+#include "cli/Interrupt.h"
+#include "cli/ProgressBar.h"
+#include "memory/MemoryFigures.h"
+#include "memory/MemoryTexts.h"
+#include "memory/MemoryWipe.h"
+
+#include <iostream>
+#include <memory>
+#include <string>
+
+namespace cli {
+namespace {
+
+class TerminalMemoryWipeView final : public memory::MemoryWipeView {
+public:
+    explicit TerminalMemoryWipeView(std::int32_t size) : m_size(size) {}
+
+    void passDone(int pass) override {
+        const auto held = static_cast<std::uint64_t>(pass + 1) * memory::MemoryWipe::BytesPerCharacter *
+                          static_cast<std::uint64_t>(m_size > 0 ? m_size : 0);
+        m_bar.update(static_cast<double>(pass + 1) / memory::MemoryWipe::Passes,
+                     "pass " + std::to_string(pass + 1) + "/" + std::to_string(memory::MemoryWipe::Passes), held);
+    }
+    bool interrupted() override { return cli::interrupted(); }
+    void finish() { m_bar.finish(); }
+
+private:
+    std::int32_t m_size;
+    ProgressBar m_bar;
+};
+
+struct Options {
+    std::string size;
+    bool sizeGiven = false;
+    bool yes = false;
+    std::uint64_t keepFreeMiB = 0; ///< 0: the machine's default floor
+};
+
+void wipeMemory(Context& ctx, const Options& options) {
+    std::int32_t size = 0;
+    if (!options.sizeGiven) {
+        size = memory::suggestedSize(memory::readMemoryStatus(ctx.platform.memoryStatus()).ullTotalPageFile);
+    } else {
+        const auto parsed = memory::parseArraySize(options.size);
+        if (!parsed || *parsed < 0)
+            throw UsageError("--size " + options.size +
+                             ": not a number of millions of characters from 0 to 2147.483647");
+        size = *parsed;
+    }
+    ctx.prompts.setAssumeYes(options.yes);
+    if (!ctx.prompts.askYesNo(memory::texts::confirmWipe(size), core::MessageTitle,
+                              core::MsgStyle::YesNo | core::MsgStyle::Question)) {
+        ctx.exitCode = 1;
+        return;
+    }
+    watchInterrupts(); // only now: at the question Ctrl-C simply ends the program
+
+    TerminalMemoryWipeView view(size);
+    memory::MemoryWipe wipe(ctx.platform, view);
+    if (options.keepFreeMiB > 0)
+        wipe.setFloor(options.keepFreeMiB << 20);
+    const memory::WipeResult result = wipe.WipeMemory(size);
+    view.finish();
+    switch (result.end) {
+    case memory::WipeEnd::Completed:
+        return;
+    case memory::WipeEnd::FloorReached:
+        std::cerr << "scourmill-cli: " << memory::texts::stoppedAtFloor(result.lastPass, result.floor) << "\n";
+        break;
+    case memory::WipeEnd::OutOfMemory:
+        std::cerr << "scourmill-cli: " << memory::texts::stoppedOutOfMemory(result.lastPass) << "\n";
+        break;
+    case memory::WipeEnd::Interrupted:
+        std::cerr << "scourmill-cli: " << memory::texts::stoppedInterrupted(result.lastPass) << "\n";
+        break;
+    }
+    ctx.exitCode = 1;
+}
+
+} // namespace
+
+void addWipeMemoryCommand(CLI::App& app, Context& ctx) {
+    auto* cmd = app.add_subcommand(
+        "wipe-memory", "Fill memory with blanks in 21 passes, so that what other programs left in memory is "
+                       "pushed out and overwritten");
+    auto options = std::make_shared<Options>();
+    auto* size = cmd->add_option("--size", options->size,
+                    "Millions of characters a string (2 bytes each, 21 strings; a fraction is allowed). "
+                    "Default: the suggested size, the commit limit / 83.33333333 characters");
+    cmd->add_flag("--yes,-y", options->yes, "Do not ask before starting");
+    cmd->add_option("--keep-free", options->keepFreeMiB,
+                    "MiB of memory (RAM and swap) to leave to the rest of the system: the run stops before "
+                    "taking more (default: a 16th of the RAM; never less than 256)");
+    cmd->footer("While it runs, this process is the first the system ends should memory run out, so no\n"
+                "other program can pay for the wipe. Ctrl-C stops at the next pass; the memory is given\n"
+                "back at once.");
+    cmd->callback([&ctx, options, size] {
+        options->sizeGiven = size->count() > 0;
+        wipeMemory(ctx, *options);
+    });
+}
+
+} // namespace cli
