@@ -1,6 +1,8 @@
 #pragma once
 // Drives: the roots of the mounted filesystems, their kind and their free space. On Linux a drive
-// is the mount point of a real (block-device backed or tmpfs) filesystem.
+// is the mount point of a real (block-device backed or tmpfs) filesystem. Every answer about a
+// path is about the filesystem the path really leads to (a relative path, a link on the way and a
+// bind mount resolved by the system), never about its text.
 
 #include <cstdint>
 #include <string>
@@ -23,9 +25,11 @@ public:
 
     /// The roots of all drives, in the system's order ("C:\\" or "/", "/media/usb", ...).
     virtual std::vector<std::string> roots() = 0;
-    /// The drive root holding `path` (the longest mount point that contains it).
+    /// The root of the drive holding `path`; empty when it lies on no drive the system lists.
     virtual std::string rootOf(const std::string& path) = 0;
-    virtual DriveType type(const std::string& root) = 0;
+    /// The kind of the drive holding `path` (its root or any path on it); NoRootDir when there is
+    /// no such path or it lies on no drive.
+    virtual DriveType type(const std::string& path) = 0;
     /// Free and total bytes of the filesystem holding `path`; false on failure.
     virtual bool space(const std::string& path, DiskSpace& out) = 0;
     /// Whether `path` names an existing folder (PathIsDirectoryA); false when no medium is present.

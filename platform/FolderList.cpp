@@ -7,8 +7,13 @@
 
 namespace platform {
 
-std::vector<FolderLine> folderLines(FileSystem& files, const std::string& root, const std::string& path) {
+std::vector<FolderLine> folderLines(FileSystem& files, const std::string& drive, const std::string& path) {
     const char sep = files.separator();
+    // A drive root that does not begin the path (a link on the way, or no drive known for it):
+    // the path is shown from the top of its own text.
+    std::string root = drive;
+    if (root.empty() || path.compare(0, root.size(), root) != 0)
+        root = path.substr(0, path.find(sep) + 1);
     std::vector<FolderLine> lines;
     std::string current = root;
     lines.push_back({root, root, 0, true});

@@ -18,7 +18,8 @@ struct FolderLine {
     bool open = false; ///< on the way down to the chosen folder (or the chosen folder itself)
 };
 
-/// The lines for folder `path` on the drive whose root is `root` (a prefix of `path`).
-std::vector<FolderLine> folderLines(FileSystem& files, const std::string& root, const std::string& path);
+/// The lines for folder `path` on the drive whose root is `drive`, a prefix of `path`; when it is
+/// not one (or empty), the lines start at the first component of `path` ("/" or "C:\\").
+std::vector<FolderLine> folderLines(FileSystem& files, const std::string& drive, const std::string& path);
 
 } // namespace platform

@@ -68,8 +68,9 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::wipeRemovable(const std::string& dir) {
 
 bool FreeSpaceWipe::accepts(const std::string& dir, bool removable) {
     auto& drives = m_platform.drives();
+    // The kind of the filesystem `dir` leads to, whatever way it is written.
     const std::string root = drives.rootOf(dir);
-    const platform::DriveType type = drives.type(root);
+    const platform::DriveType type = drives.type(dir);
     if (!removable && type != platform::DriveType::Fixed) {
         m_view.prompts().tell(texts::NotFixed, core::MessageTitle, core::MsgStyle::OkOnly);
         return false;

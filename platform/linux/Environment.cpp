@@ -39,6 +39,7 @@ Environment Environment::fromProcess() {
     env.dataHome = absoluteOr(variable("XDG_DATA_HOME"), env.home + "/.local/share");
     env.configHome = absoluteOr(variable("XDG_CONFIG_HOME"), env.home + "/.config");
     env.cacheHome = absoluteOr(variable("XDG_CACHE_HOME"), env.home + "/.cache");
+    env.mountInfo = absoluteOr(variable("SCOURMILL_MOUNTINFO"), env.mountInfo);
     return env;
 }
 

@@ -13,6 +13,9 @@ struct Environment {
     std::string dataHome;     ///< $XDG_DATA_HOME, default ~/.local/share
     std::string configHome;   ///< $XDG_CONFIG_HOME, default ~/.config
     std::string cacheHome;    ///< $XDG_CACHE_HOME, default ~/.cache
+    /// The mount table to read: $SCOURMILL_MOUNTINFO when set (tests give a scratch table), else
+    /// /proc/self/mountinfo.
+    std::string mountInfo = "/proc/self/mountinfo";
 
     static Environment fromProcess();
 };

@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxDrives.h"
 
+#include "platform/linux/Descriptors.h"
 #include "platform/linux/MountTable.h"
 
 #include <algorithm>
@@ -14,19 +15,6 @@
 
 namespace platform::linux {
 namespace {
-
-std::string normalised(std::string path) {
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-    return path;
-}
-
-bool contains(const std::string& mountPoint, const std::string& path) {
-    if (mountPoint == "/")
-        return !path.empty() && path[0] == '/';
-    return path.compare(0, mountPoint.size(), mountPoint) == 0 &&
-           (path.size() == mountPoint.size() || path[mountPoint.size()] == '/');
-}
 
 std::string readFirstLine(const std::string& path) {
     std::ifstream in(path);
@@ -51,32 +39,35 @@ std::string diskFolder(unsigned major, unsigned minor) {
 constexpr std::array<std::string_view, 9> RemoteTypes = {"nfs", "nfs4", "cifs", "smb3", "smbfs", "9p",
                                                          "fuse.sshfs", "ceph", "afs"};
 
+/// The mount `path` really leads to, looked up by its mount ID in `mounts`; null when the path
+/// does not exist or its mount is not listed.
+const Mount* mountOf(const std::vector<Mount>& mounts, const std::string& path) {
+    const UniqueFd where = openLocation(path);
+    if (!where)
+        return nullptr;
+    const auto facts = factsAt(where.get(), "", false);
+    return facts ? mountById(mounts, facts->mount) : nullptr;
+}
+
 } // namespace
 
 std::vector<std::string> LinuxDrives::roots() {
     std::vector<std::string> out;
-    for (const Mount& m : readMounts())
+    for (const Mount& m : readMounts(m_mountInfo))
         if (isRealFilesystem(m) && std::find(out.begin(), out.end(), m.mountPoint) == out.end())
             out.push_back(m.mountPoint);
     return out;
 }
 
 std::string LinuxDrives::rootOf(const std::string& path) {
-    const std::string p = normalised(path);
-    std::string best = "/";
-    for (const Mount& m : readMounts())
-        if (contains(m.mountPoint, p) && m.mountPoint.size() > best.size())
-            best = m.mountPoint;
-    return best;
+    const auto mounts = readMounts(m_mountInfo);
+    const Mount* m = mountOf(mounts, path);
+    return m ? m->mountPoint : std::string();
 }
 
-DriveType LinuxDrives::type(const std::string& root) {
-    const std::string r = normalised(root);
-    const Mount* found = nullptr;
-    const auto mounts = readMounts();
-    for (const Mount& m : mounts)
-        if (m.mountPoint == r)
-            found = &m; // the last mount on a point is the visible one
+DriveType LinuxDrives::type(const std::string& path) {
+    const auto mounts = readMounts(m_mountInfo);
+    const Mount* found = mountOf(mounts, path);
     if (!found)
         return DriveType::NoRootDir;
     const Mount& m = *found;
@@ -95,8 +86,9 @@ DriveType LinuxDrives::type(const std::string& root) {
 }
 
 bool LinuxDrives::space(const std::string& path, DiskSpace& out) {
+    const UniqueFd where = openLocation(path);
     struct statvfs vfs {};
-    if (::statvfs(path.c_str(), &vfs) != 0)
+    if (!where || ::fstatvfs(where.get(), &vfs) != 0)
         return false;
     out.freeToCaller = static_cast<std::uint64_t>(vfs.f_bavail) * vfs.f_frsize;
     out.total = static_cast<std::uint64_t>(vfs.f_blocks) * vfs.f_frsize;

@@ -1,19 +1,30 @@
 #pragma once
-// Drives on Linux: the mount points of real filesystems. A drive is removable when its block device
-// says so in sysfs or sits on USB, a CD-ROM when it is an optical drive, remote for network
-// filesystems and a RAM disk for tmpfs.
+// Drives on Linux: the mount points of real filesystems in the mount table. A path belongs to the
+// drive its opened object lies on (the mount ID statx reports, looked up in the table): relative
+// paths, links on the way and bind mounts all count for where they really lead. A drive is
+// removable when its block device says so in sysfs or sits on USB, a CD-ROM when it is an optical
+// drive, remote for network filesystems and a RAM disk for tmpfs. A path whose mount is not in the
+// table lies on no drive.
 
 #include "platform/Drives.h"
+
+#include <string>
 
 namespace platform::linux {
 
 class LinuxDrives final : public Drives {
 public:
+    /// Drives from the mountinfo file `mountInfo`.
+    explicit LinuxDrives(std::string mountInfo) : m_mountInfo(std::move(mountInfo)) {}
+
     std::vector<std::string> roots() override;
     std::string rootOf(const std::string& path) override;
     DriveType type(const std::string& root) override;
     bool space(const std::string& path, DiskSpace& out) override;
     bool isDirectory(const std::string& path) override;
+
+private:
+    std::string m_mountInfo;
 };
 
 } // namespace platform::linux

@@ -199,19 +199,13 @@ void removeLeftovers(const std::string& folder) {
 
 LinuxRecycleBin::LinuxRecycleBin(Environment env) : m_env(std::move(env)) {}
 
-LinuxRecycleBin::LinuxRecycleBin(Environment env, std::vector<std::string> mountTops)
-    : m_env(std::move(env)), m_mountTops(std::move(mountTops)) {}
 
 std::vector<std::string> LinuxRecycleBin::trashFolders(const std::string& root) const {
     const std::string uid = std::to_string(::getuid());
     std::vector<std::string> tops;
-    if (m_mountTops) {
-        tops = *m_mountTops;
-    } else {
-        for (const Mount& mount : readMounts())
-            if (isRealFilesystem(mount))
-                tops.push_back(mount.mountPoint);
-    }
+    for (const Mount& mount : readMounts(m_env.mountInfo))
+        if (isRealFilesystem(mount))
+            tops.push_back(mount.mountPoint);
     std::vector<std::string> candidates{m_env.dataHome + "/Trash"};
     for (const std::string& top : tops) {
         const std::string base = top == "/" ? std::string() : top;

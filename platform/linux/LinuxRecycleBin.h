@@ -11,16 +11,13 @@
 #include "platform/RecycleBin.h"
 #include "platform/linux/Environment.h"
 
-#include <optional>
 
 namespace platform::linux {
 
 class LinuxRecycleBin final : public RecycleBin {
 public:
-    /// Trash folders at the top of every mounted real filesystem.
+    /// Trash folders at the top of every real filesystem in the environment's mount table.
     explicit LinuxRecycleBin(Environment env);
-    /// Trash folders only at the tops of `mountTops` (tests give scratch folders).
-    LinuxRecycleBin(Environment env, std::vector<std::string> mountTops);
 
     std::vector<TrashItem> items(const std::string& root) override;
     bool empty(const std::string& root, unsigned flags, RecycleBinUi& ui) override;
@@ -34,7 +31,6 @@ private:
     std::string recentlyUsedPath() const { return m_env.dataHome + "/recently-used.xbel"; }
 
     Environment m_env;
-    std::optional<std::vector<std::string>> m_mountTops;
 };
 
 } // namespace platform::linux

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string_view>
@@ -48,6 +49,8 @@ std::vector<Mount> parseMountInfo(const std::string& text) {
         while (in >> field && field != "-") {
         }
         Mount m;
+        m.id = std::strtoull(id.c_str(), nullptr, 10);
+        m.parent = std::strtoull(parent.c_str(), nullptr, 10);
         in >> m.fsType >> m.source;
         m.mountPoint = unescape(point);
         m.source = unescape(m.source);
@@ -61,11 +64,18 @@ std::vector<Mount> parseMountInfo(const std::string& text) {
     return mounts;
 }
 
-std::vector<Mount> readMounts() {
-    std::ifstream file("/proc/self/mountinfo");
+std::vector<Mount> readMounts(const std::string& source) {
+    std::ifstream file(source);
     std::stringstream text;
     text << file.rdbuf();
     return parseMountInfo(text.str());
+}
+
+const Mount* mountById(const std::vector<Mount>& mounts, std::uint64_t id) {
+    for (const Mount& m : mounts)
+        if (m.id == id)
+            return &m;
+    return nullptr;
 }
 
 bool isRealFilesystem(const Mount& mount) {

@@ -5,6 +5,7 @@
 #include "cleaning/Registry.h"
 #include "core/NumberFormat.h"
 #include "platform/linux/LinuxRecycleBin.h"
+#include "tests/support/ScratchMount.h"
 #include "platform/linux/LinuxRegistry.h"
 #include "tests/support/Hive.h"
 #include "tests/support/Scratch.h"
@@ -29,12 +30,13 @@ class ScratchPlatform final : public platform::Platform {
 public:
     ScratchPlatform(const fs::path& prefix, const fs::path& dataHome, const fs::path& serverRoot)
         : m_native(platform::createNative()), m_registry(env(prefix, dataHome), serverRoot.string()),
-          m_bin(env(prefix, dataHome), std::vector<std::string>{}) {}
+          m_bin(env(prefix, dataHome)) {}
 
     static platform::linux::Environment env(const fs::path& prefix, const fs::path& dataHome) {
         platform::linux::Environment e;
         e.winePrefix = prefix.string();
         e.dataHome = dataHome.string();
+        e.mountInfo = testsupport::mountTablePath().string(); // no real drive's trash in reach
         return e;
     }
 

@@ -87,6 +87,27 @@ TEST(WipeCli, FreeSpaceWipeHelpAndRefusals) {
     EXPECT_FALSE(fs::exists(dir.path() / "WNXTEMP.000"));
 }
 
+TEST(WipeCli, ARamDiskIsRefusedHoweverItsFolderIsNamed) {
+    ScratchDir dir;
+    testsupport::LoopImage disk(dir.path(), 8); // a fixed drive around the RAM disk
+    if (!disk.mounted())
+        GTEST_SKIP() << disk.reason();
+    testsupport::ScratchMount ram("-t tmpfs -o size=4m scourmill", disk.mountPoint() / "ram");
+    ASSERT_TRUE(ram.mounted()) << ram.reason();
+    fs::create_directories(ram.point() / "x");
+    fs::create_directory_symlink(ram.point(), disk.mountPoint() / "link");
+    const std::string cli = SCOURMILL_CLI;
+    for (const std::string& command :
+         {cli + " wipe-free-space --yes " + testsupport::shellQuoted(ram.point() / "x"),
+          "cd " + testsupport::shellQuoted(ram.point() / "x") + " && " + cli + " wipe-free-space --yes .",
+          cli + " wipe-free-space --yes " + testsupport::shellQuoted(disk.mountPoint() / "link" / "x")}) {
+        const auto r = testsupport::runCommand(command);
+        EXPECT_EQ(r.code, 2) << command;
+        EXPECT_TRUE(contains(r.err, "The drive you chose is not a fixed drive")) << command << "\n" << r.seen();
+    }
+    EXPECT_FALSE(fs::exists(ram.point() / "x" / "WNXTEMP.000"));
+}
+
 class InterruptedWipe : public ::testing::TestWithParam<int> {};
 
 TEST_P(InterruptedWipe, LeavesNoTemporaryFile) {

@@ -1,14 +1,18 @@
+// Drives from the scratch mount table: only mounts the tests make are drives, and a path belongs to
+// the drive its object really lies on, however the path is written.
+
 #include "platform/Platform.h"
 #include "platform/linux/MountTable.h"
 #include "tests/support/Scratch.h"
+#include "tests/support/ScratchMount.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdlib>
-#include <sys/mount.h>
+#include <filesystem>
 #include <sys/statvfs.h>
+#include <unistd.h>
 
+namespace fs = std::filesystem;
 using platform::DriveType;
 using testsupport::ScratchDir;
 
@@ -20,27 +24,30 @@ TEST(MountTable, ParsesMountInfoWithEscapesAndOptionalFields) {
         "41 22 0:45 / /tmp rw - tmpfs tmpfs rw\n";
     const auto mounts = platform::linux::parseMountInfo(text);
     ASSERT_EQ(mounts.size(), 4u);
+    EXPECT_EQ(mounts[2].id, 40u);
+    EXPECT_EQ(mounts[2].parent, 22u);
     EXPECT_EQ(mounts[2].mountPoint, "/media/my stick");
     EXPECT_EQ(mounts[2].fsType, "vfat");
     EXPECT_EQ(mounts[2].source, "/dev/sdb1");
     EXPECT_EQ(mounts[2].major, 8u);
     EXPECT_EQ(mounts[2].minor, 17u);
+    EXPECT_EQ(platform::linux::mountById(mounts, 41)->mountPoint, "/tmp");
+    EXPECT_EQ(platform::linux::mountById(mounts, 99), nullptr);
     EXPECT_TRUE(platform::linux::isRealFilesystem(mounts[0]));
     EXPECT_FALSE(platform::linux::isRealFilesystem(mounts[1]));
     EXPECT_TRUE(platform::linux::isRealFilesystem(mounts[3]));
 }
 
-TEST(Drives, RootIsADriveWithTheFreeSpaceStatvfsReports) {
+TEST(Drives, TheScratchMountTableIsTheOnlyOneSeen) {
     auto p = platform::createNative();
     auto& drives = p->drives();
-    const auto roots = drives.roots();
-    EXPECT_NE(std::find(roots.begin(), roots.end(), "/"), roots.end());
-    EXPECT_EQ(std::find(roots.begin(), roots.end(), "/proc"), roots.end());
-    EXPECT_NE(drives.type("/"), DriveType::NoRootDir);
-    EXPECT_EQ(drives.type("/no/such/mount"), DriveType::NoRootDir);
+    EXPECT_TRUE(drives.roots().empty()); // not even "/"
+    EXPECT_EQ(drives.type("/"), DriveType::NoRootDir);
+    EXPECT_EQ(drives.rootOf("/"), "");
     EXPECT_TRUE(drives.isDirectory("/"));
     EXPECT_FALSE(drives.isDirectory("/no/such/mount"));
 
+    // Free space is the filesystem's own, listed or not.
     platform::DiskSpace space;
     ASSERT_TRUE(drives.space("/", space));
     struct statvfs vfs {};
@@ -50,21 +57,32 @@ TEST(Drives, RootIsADriveWithTheFreeSpaceStatvfsReports) {
     EXPECT_FALSE(drives.space("/no/such/mount", space));
 }
 
-TEST(Drives, AMountedRamDiskIsItsOwnDrive) {
+TEST(Drives, ARamDiskIsARamDiskHoweverThePathLeadsThere) {
     ScratchDir dir;
-    const std::string point = (dir.path() / "ram").string();
-    std::filesystem::create_directory(point);
-    if (::mount("scourmill", point.c_str(), "tmpfs", 0, "size=4m") != 0)
-        GTEST_SKIP() << "cannot mount a tmpfs here (needs root and mount permission)";
+    testsupport::ScratchMount ram("-t tmpfs -o size=4m scourmill", dir.path() / "ram");
+    if (!ram.mounted())
+        GTEST_SKIP() << ram.reason();
+    fs::create_directories(dir.path() / "ram/deep/x");
+    fs::create_directory_symlink(dir.path() / "ram/deep", dir.path() / "shortcut");
     auto p = platform::createNative();
     auto& drives = p->drives();
-    EXPECT_EQ(drives.type(point), DriveType::RamDisk);
-    EXPECT_EQ(drives.rootOf(point + "/some/file"), point);
-    platform::DiskSpace space;
-    EXPECT_TRUE(drives.space(point, space));
-    EXPECT_EQ(space.total, 4u * 1024 * 1024);
-    EXPECT_EQ(space.freeToCaller, space.total);
-    const auto roots = drives.roots();
-    EXPECT_NE(std::find(roots.begin(), roots.end(), point), roots.end());
-    ::umount(point.c_str());
+    EXPECT_EQ(drives.roots(), std::vector<std::string>{ram.point().string()});
+
+    const fs::path before = fs::current_path();
+    fs::current_path(dir.path() / "ram/deep/x");
+    for (const std::string& path : {ram.point().string(), (dir.path() / "shortcut/x").string(), std::string("."),
+                                   std::string("..")}) {
+        EXPECT_EQ(drives.type(path), DriveType::RamDisk) << path;
+        EXPECT_EQ(drives.rootOf(path), ram.point().string()) << path;
+        platform::DiskSpace space;
+        EXPECT_TRUE(drives.space(path, space));
+        EXPECT_EQ(space.total, 4u * 1024 * 1024) << path;
+    }
+    fs::current_path(before);
+
+    // A bind mount of a folder on it, somewhere else, is the same RAM disk.
+    testsupport::ScratchMount bound("--bind '" + (dir.path() / "ram/deep").string() + "'", dir.path() / "bound");
+    ASSERT_TRUE(bound.mounted()) << bound.reason();
+    EXPECT_EQ(drives.type((dir.path() / "bound/x").string()), DriveType::RamDisk);
+    EXPECT_EQ(drives.rootOf((dir.path() / "bound/x").string()), bound.point().string());
 }

@@ -1,15 +1,16 @@
 // The freedesktop.org Trash and recently-used.xbel: real trash folders in a scratch data home and
-// at the top of scratch "mounts" (and of a real tmpfs where this machine allows mounting).
+// at the top of scratch "mounts" listed in a scratch mount table (and of a real tmpfs where this
+// machine allows mounting). The machine's own mount table is never read.
 
 #include "platform/linux/LinuxRecycleBin.h"
 #include "tests/support/Scratch.h"
+#include "tests/support/ScratchMount.h"
 
 #include <gtest/gtest.h>
 
 #include <glib.h>
 #include <cstring>
 #include <fstream>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,10 +43,20 @@ void trashFile(const fs::path& trash, const std::string& name, const std::string
         << "[Trash Info]\nPath=" << from << "\nDeletionDate=2024-01-02T03:04:05\n";
 }
 
-platform::linux::Environment environment(const fs::path& dataHome) {
+/// A scratch environment whose mount table lists `mountTops` as mount points (made-up mounts) or,
+/// with none given, is the test program's scratch table.
+platform::linux::Environment environment(const fs::path& dataHome, const std::vector<std::string>& mountTops = {}) {
     platform::linux::Environment env;
     env.dataHome = dataHome.string();
     env.winePrefix = (dataHome / "no-prefix").string();
+    env.mountInfo = testsupport::mountTablePath().string();
+    if (!mountTops.empty()) {
+        env.mountInfo = (dataHome / "mountinfo").string();
+        std::ofstream table(env.mountInfo);
+        int id = 900;
+        for (const std::string& top : mountTops)
+            table << ++id << " 1 8:1 / " << top << " rw - ext4 /dev/sdz1 rw\n";
+    }
     return env;
 }
 
@@ -74,7 +85,7 @@ TEST(RecycleBin, EmptiesHomeAndPerMountTrashAfterAskingAndNeverFollowsALinkOut) 
     fs::permissions(top.path() / ".Trash", fs::perms::all | fs::perms::sticky_bit);
     trashFile(top.path() / ".Trash" / Uid, "shared.txt", "s", "shared.txt");
 
-    LinuxRecycleBin bin(environment(data.path()), {top.str()});
+    LinuxRecycleBin bin(environment(data.path(), {top.str()}));
     const auto items = bin.items("");
     ASSERT_EQ(items.size(), 5u);
     bool sawOriginal = false;
@@ -118,7 +129,7 @@ TEST(RecycleBin, IgnoresSharedTrashWithoutStickyBitAndTrashThatIsALink) {
     trashFile(elsewhere.path(), "victim.txt", "v", "/victim.txt");
     fs::create_symlink(elsewhere.path(), data.path() / "Trash");
 
-    LinuxRecycleBin bin(environment(data.path()), {top.str()});
+    LinuxRecycleBin bin(environment(data.path(), {top.str()}));
     EXPECT_TRUE(bin.items("").empty());
     RecordedUi ui;
     EXPECT_TRUE(bin.empty("", NoConfirmation | NoProgressUi, ui));
@@ -127,27 +138,28 @@ TEST(RecycleBin, IgnoresSharedTrashWithoutStickyBitAndTrashThatIsALink) {
 }
 
 TEST(RecycleBin, ARootNamesOneFilesystem) {
-    testsupport::ScratchDir data, mnt;
-    if (::mount("tmpfs", mnt.str().c_str(), "tmpfs", 0, "size=4m") != 0)
-        GTEST_SKIP() << "mounting a tmpfs is not allowed here: " << std::strerror(errno);
+    testsupport::ScratchDir data, dir;
+    testsupport::ScratchMount stick("-t tmpfs -o size=4m scourmill", dir.path() / "stick");
+    if (!stick.mounted())
+        GTEST_SKIP() << stick.reason();
+    const fs::path mnt = stick.point();
     trashFile(data.path() / "Trash", "home.txt", "h", "/home.txt");
-    trashFile(mnt.path() / (".Trash-" + Uid), "stick.txt", "s", "stick.txt");
+    trashFile(mnt / (".Trash-" + Uid), "stick.txt", "s", "stick.txt");
 
-    LinuxRecycleBin bin(environment(data.path()), {mnt.str()});
-    EXPECT_EQ(bin.trashFolders(mnt.str() + "/"), std::vector<std::string>{mnt.str() + "/.Trash-" + Uid});
+    LinuxRecycleBin bin(environment(data.path()));
+    EXPECT_EQ(bin.trashFolders(mnt.string() + "/"), std::vector<std::string>{mnt.string() + "/.Trash-" + Uid});
     RecordedUi ui;
-    EXPECT_TRUE(bin.empty(mnt.str(), NoConfirmation, ui));
+    EXPECT_TRUE(bin.empty(mnt.string(), NoConfirmation, ui));
     EXPECT_TRUE(ui.asked.empty());
-    EXPECT_FALSE(fs::exists(mnt.path() / (".Trash-" + Uid) / "files/stick.txt"));
+    EXPECT_FALSE(fs::exists(mnt / (".Trash-" + Uid) / "files/stick.txt"));
     EXPECT_TRUE(fs::exists(data.path() / "Trash/files/home.txt"));
-    EXPECT_TRUE(bin.trashFolders(mnt.str() + "/missing").empty());
-    ::umount2(mnt.str().c_str(), MNT_DETACH);
+    EXPECT_TRUE(bin.trashFolders(mnt.string() + "/missing").empty());
 }
 
 TEST(RecycleBin, RecentDocumentsAreEmptiedAndTheFileStaysValidForGLib) {
     testsupport::ScratchDir data;
     const std::string path = data.str() + "/recently-used.xbel";
-    LinuxRecycleBin bin(environment(data.path()), std::vector<std::string>{});
+    LinuxRecycleBin bin(environment(data.path()));
     EXPECT_TRUE(bin.clearRecentDocuments()); // no file, nothing to clear, nothing created
     EXPECT_FALSE(fs::exists(path));
 

@@ -16,22 +16,20 @@ bool runQuietly(const std::string& command) {
     return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
 }
 
-LoopImage::LoopImage(const fs::path& dir, int mebibytes) : m_image(dir / "disk.img"), m_mount(dir / "mnt") {
+LoopImage::LoopImage(const fs::path& dir, int mebibytes, const std::string& mkfs)
+    : m_image(dir / "disk.img"), m_point(dir / "mnt") {
     if (::geteuid() != 0) {
         m_reason = "loop mounts need root";
         return;
     }
-    fs::create_directories(m_mount);
     if (!runQuietly("truncate -s " + std::to_string(mebibytes) + "M '" + m_image.string() + "'") ||
-        !runQuietly("mkfs.ext4 -q -F -m 0 '" + m_image.string() + "'")) {
-        m_reason = "mkfs.ext4 failed (is e2fsprogs installed?)";
+        !runQuietly(mkfs + " '" + m_image.string() + "'")) {
+        m_reason = "'" + mkfs + "' failed (is its package installed?)";
         return;
     }
-    if (!runQuietly("mount -o loop '" + m_image.string() + "' '" + m_mount.string() + "'")) {
+    m_mount = std::make_unique<ScratchMount>("-o loop '" + m_image.string() + "'", m_point);
+    if (!m_mount->mounted())
         m_reason = "mounting a loop device is not allowed here";
-        return;
-    }
-    m_mounted = true;
 }
 
 LoopImage::~LoopImage() {
@@ -39,7 +37,7 @@ LoopImage::~LoopImage() {
 }
 
 void LoopImage::sync() const {
-    runQuietly("sync -f '" + m_mount.string() + "'");
+    runQuietly("sync -f '" + m_point.string() + "'");
 }
 
 bool LoopImage::imageContains(const std::string& needle) const {
@@ -48,10 +46,7 @@ bool LoopImage::imageContains(const std::string& needle) const {
 }
 
 bool LoopImage::unmount() {
-    if (!m_mounted)
-        return true;
-    m_mounted = !runQuietly("umount '" + m_mount.string() + "'");
-    return !m_mounted;
+    return !m_mount || m_mount->unmount();
 }
 
 } // namespace testsupport

@@ -8,7 +8,8 @@
 
 namespace testsupport {
 
-/// Points HOME, TMPDIR, the XDG folders and WINEPREFIX at fresh folders below the scratch root.
+/// Points HOME, TMPDIR, the XDG folders and WINEPREFIX at fresh folders below the scratch root,
+/// and the platform's mount table at an empty scratch table (see ScratchMount.h).
 /// Every test program's main() calls this first, before anything reads the environment.
 void enterScratchEnvironment();
 /// Removes the scratch root; the last thing main() does.

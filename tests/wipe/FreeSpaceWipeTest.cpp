@@ -171,13 +171,14 @@ TEST_F(FreeSpaceWipeTest, StaleTemporaryFileIsOfferedUnlessAWipeHoldsIt) {
 }
 
 TEST_F(FreeSpaceWipeTest, WrongDriveKindIsRefusedWithItsMessageAndNothingWritten) {
-    EXPECT_EQ(wipe.wipeRemovable(dir.str()), FreeSpaceWipe::Outcome::Refused); // a fixed disk here
-    EXPECT_EQ(view.ask.told, std::vector<std::string>{"The drive you chose is not a removable drive"});
-    if (!testsupport::runQuietly("mount -t tmpfs -o size=1m scourmill-test '" + dir.str() + "'"))
-        GTEST_SKIP() << "cannot mount a tmpfs here to stand for a drive that is not fixed";
-    EXPECT_EQ(wipe.wipeFixed(dir.str()), FreeSpaceWipe::Outcome::Refused);
-    EXPECT_EQ(view.ask.told.back(), "The drive you chose is not a fixed drive");
-    EXPECT_FALSE(fs::exists(temp));
+    testsupport::ScratchMount ram("-t tmpfs -o size=1m scourmill-test", dir.path() / "ram");
+    if (!ram.mounted())
+        GTEST_SKIP() << ram.reason();
+    for (bool removable : {false, true})
+        EXPECT_EQ(removable ? wipe.wipeRemovable(ram.point().string()) : wipe.wipeFixed(ram.point().string()),
+                  FreeSpaceWipe::Outcome::Refused);
+    EXPECT_EQ(view.ask.told, (std::vector<std::string>{"The drive you chose is not a fixed drive",
+                                                       "The drive you chose is not a removable drive"}));
+    EXPECT_FALSE(fs::exists(ram.point() / "WNXTEMP.000"));
     EXPECT_TRUE(view.wipeEnabled);
-    testsupport::runQuietly("umount '" + dir.str() + "'");
 }

@@ -159,9 +159,9 @@ TEST_F(SecureDeleteTest, FolderWipeNeverEntersAnotherFilesystemMountedBelowIt) {
     const auto victim = dir.path() / "victim";
     dir.write("victim/own.txt", "wiped");
     const auto mountPoint = victim / "sub" / "mnt";
-    fs::create_directories(mountPoint);
-    if (!testsupport::runQuietly("mount -t tmpfs -o size=1m scourmill-test '" + mountPoint.string() + "'"))
-        GTEST_SKIP() << "cannot mount a filesystem inside the folder here";
+    testsupport::ScratchMount inside("-t tmpfs -o size=1m scourmill-test", mountPoint);
+    if (!inside.mounted())
+        GTEST_SKIP() << inside.reason();
     std::ofstream(mountPoint / "elsewhere.txt") << "another filesystem";
     testsupport::RecordingSink problems;
     wipe::SecureDelete local(*platform, view, problems);
@@ -170,5 +170,4 @@ TEST_F(SecureDeleteTest, FolderWipeNeverEntersAnotherFilesystemMountedBelowIt) {
     EXPECT_FALSE(fs::exists(victim / "own.txt"));
     EXPECT_TRUE(fs::exists(mountPoint)); // the folders holding the mount point stay, and say why
     EXPECT_NE(std::find(problems.items.begin(), problems.items.end(), mountPoint.string()), problems.items.end());
-    testsupport::runQuietly("umount '" + mountPoint.string() + "'");
 }

@@ -1,0 +1,78 @@
+#include "platform/linux/Descriptors.h"
+
+#include <fcntl.h>
+#include <fstream>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+namespace platform::linux {
+namespace {
+
+// Older kernel headers lack the name; the kernel has answered it since Linux 5.8.
+constexpr unsigned MountIdMask = 0x1000; // STATX_MNT_ID
+
+/// The mount ID of an open descriptor from /proc (kernels without STATX_MNT_ID); 0 when unknown.
+std::uint64_t mountIdFromProc(int fd) {
+    std::ifstream info("/proc/self/fdinfo/" + std::to_string(fd));
+    std::string key;
+    std::uint64_t value = 0;
+    while (info >> key) {
+        if (key == "mnt_id:" && info >> value)
+            return value;
+    }
+    return 0;
+}
+
+} // namespace
+
+UniqueFd& UniqueFd::operator=(UniqueFd&& other) noexcept {
+    if (this != &other)
+        reset(other.release());
+    return *this;
+}
+
+int UniqueFd::release() {
+    const int fd = m_fd;
+    m_fd = -1;
+    return fd;
+}
+
+void UniqueFd::reset(int fd) {
+    if (m_fd >= 0)
+        ::close(m_fd);
+    m_fd = fd;
+}
+
+std::optional<Facts> factsAt(int at, const std::string& name, bool follow) {
+    struct statx sx {};
+    const int flags = (follow ? 0 : AT_SYMLINK_NOFOLLOW) | (name.empty() ? AT_EMPTY_PATH : 0) | AT_NO_AUTOMOUNT;
+    if (::statx(at, name.c_str(), flags, STATX_BASIC_STATS | MountIdMask, &sx) != 0)
+        return std::nullopt;
+    Facts f;
+    f.mode = sx.stx_mode;
+    f.device = ::makedev(sx.stx_dev_major, sx.stx_dev_minor);
+    f.inode = sx.stx_ino;
+    f.links = sx.stx_nlink;
+    f.size = sx.stx_size;
+    f.owner = sx.stx_uid;
+    f.modified = sx.stx_mtime.tv_sec;
+    if (sx.stx_mask & MountIdMask) {
+        f.mount = sx.stx_mnt_id;
+    } else {
+        const UniqueFd ref(::openat(at, name.c_str(), O_PATH | O_CLOEXEC | (follow ? 0 : O_NOFOLLOW)));
+        if (ref)
+            f.mount = mountIdFromProc(ref.get());
+    }
+    return f;
+}
+
+UniqueFd openFolderAt(int at, const std::string& name) {
+    return UniqueFd(::openat(at, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
+
+UniqueFd openLocation(const std::string& path) {
+    return UniqueFd(::open(path.c_str(), O_PATH | O_CLOEXEC));
+}
+
+} // namespace platform::linux

@@ -1,0 +1,56 @@
+#pragma once
+// Open file descriptors as the Linux backends use them to decide on the object itself, never on a
+// path's text: an owning descriptor, opening a folder entry without following a link, and the
+// facts statx gives about an entry or an open descriptor, the mount ID among them.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <sys/types.h>
+
+namespace platform::linux {
+
+/// An owned file descriptor, closed with the object; -1 when none.
+class UniqueFd {
+public:
+    UniqueFd() = default;
+    explicit UniqueFd(int fd) : m_fd(fd) {}
+    ~UniqueFd() { reset(); }
+    UniqueFd(UniqueFd&& other) noexcept : m_fd(other.release()) {}
+    UniqueFd& operator=(UniqueFd&& other) noexcept;
+    UniqueFd(const UniqueFd&) = delete;
+    UniqueFd& operator=(const UniqueFd&) = delete;
+
+    int get() const { return m_fd; }
+    explicit operator bool() const { return m_fd >= 0; }
+    int release();
+    void reset(int fd = -1);
+
+private:
+    int m_fd = -1;
+};
+
+/// What the backends need to know about one file system object.
+struct Facts {
+    mode_t mode = 0;
+    std::uint64_t device = 0; ///< st_dev
+    std::uint64_t inode = 0;
+    std::uint64_t mount = 0;  ///< the mount ID; 0 when the kernel cannot tell
+    std::uint64_t links = 1;
+    std::uint64_t size = 0;
+    uid_t owner = 0;
+    std::int64_t modified = 0;
+};
+
+/// Facts about `name` in folder `at` (AT_FDCWD for the working folder), the entry itself when
+/// `follow` is false. An empty `name` describes `at` itself.
+std::optional<Facts> factsAt(int at, const std::string& name, bool follow);
+
+/// Opens folder `name` in folder `at` without following a link in its last component; -1 when it
+/// is no folder (a link to one included).
+UniqueFd openFolderAt(int at, const std::string& name);
+
+/// Opens `path` as a reference to where it leads (O_PATH: links in it followed, nothing read).
+UniqueFd openLocation(const std::string& path);
+
+} // namespace platform::linux
