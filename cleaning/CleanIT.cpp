@@ -2,6 +2,7 @@
 
 #include "cleaning/Registry.h"
 #include "core/NumberFormat.h"
+#include "platform/PreviewPlatform.h"
 
 #include <algorithm>
 
@@ -61,13 +62,6 @@ private:
     CleanView* m_view;
 };
 
-// Answers no question and shows nothing: the preview must never be asked anything.
-class SilentPrompts final : public core::Prompts {
-public:
-    bool askYesNo(const std::string&, const std::string&, int) override { return false; }
-    void tell(const std::string&, const std::string&, int) override {}
-};
-
 } // namespace
 
 CleanIT::CleanIT(platform::Platform& platform, core::Prompts& prompts, core::ProblemSink* problems, CleanView* view)
@@ -116,21 +110,12 @@ void CleanIT::DeleteRegValue(RegKey root, const std::string& key, const std::str
     RegKey handle = 0;
     if (registry.openKey(root, key, handle) != RegResult::Success)
         return;
-    if (m_preview) {
-        std::uint32_t type = 0, size = 0;
-        const bool exists = registry.queryValue(handle, name, &type, nullptr, &size) == RegResult::Success;
-        const bool listed = std::any_of(m_preview->values.begin(), m_preview->values.end(),
-                                        [&](const CleanPreview::Value& v) { return v.key == key && v.name == name; });
-        if (exists && !listed)
-            m_preview->values.push_back({key, name});
-    } else {
-        const long rc = registry.deleteValue(handle, name);
-        if (rc != RegResult::Success && rc != RegResult::FileNotFound && m_problems)
-            m_problems->skipped("HKEY_CURRENT_USER\\" + key + "\\" + name,
-                                rc == RegResult::SharingViolation ? "the registry is in use (is a Wine program running?)"
-                                                                  : "the value could not be deleted (error " +
-                                                                        std::to_string(rc) + ")");
-    }
+    const long rc = registry.deleteValue(handle, name);
+    if (rc != RegResult::Success && rc != RegResult::FileNotFound && m_problems)
+        m_problems->skipped("HKEY_CURRENT_USER\\" + key + "\\" + name,
+                            rc == RegResult::SharingViolation ? "the registry is in use (is a Wine program running?)"
+                                                              : "the value could not be deleted (error " +
+                                                                    std::to_string(rc) + ")");
     registry.closeKey(handle);
 }
 
@@ -162,10 +147,7 @@ void CleanIT::mruListScheme(const std::string& key) {
 }
 
 void CleanIT::CleanRecentDocs() {
-    auto& bin = m_platform.recycleBin();
-    if (m_preview)
-        m_preview->recentDocuments = bin.recentDocuments();
-    else if (!bin.clearRecentDocuments() && m_problems)
+    if (!m_platform.recycleBin().clearRecentDocuments() && m_problems)
         m_problems->skipped("recent documents", "the list could not be cleared");
     mruListScheme(RecentDocsKey);
 }
@@ -189,14 +171,8 @@ void CleanIT::EmptyRecycleBin(std::string rootPath, bool noConfirmation, bool no
     const unsigned flags = (noConfirmation ? platform::EmptyFlags::NoConfirmation : 0u) |
                            (noProgress ? platform::EmptyFlags::NoProgressUi : 0u) |
                            (noSound ? platform::EmptyFlags::NoSound : 0u);
-    auto& bin = m_platform.recycleBin();
-    if (m_preview) {
-        const auto items = bin.items(rootPath);
-        m_preview->trash.insert(m_preview->trash.end(), items.begin(), items.end());
-        return;
-    }
     BinDialogs dialogs(m_prompts, m_view);
-    bin.empty(rootPath, flags, dialogs);
+    m_platform.recycleBin().empty(rootPath, flags, dialogs);
 }
 
 void CleanIT::DoEmAll() {
@@ -214,11 +190,22 @@ void CleanIT::DoEmAll() {
 }
 
 CleanPreview CleanIT::Preview(platform::Platform& platform) {
-    SilentPrompts silent;
+    // The same routines over a platform that only records: nothing here can delete.
+    platform::PreviewPlatform dryRun(platform);
+    core::SilentPrompts silent;
+    CleanIT(dryRun, silent).DoEmAll();
     CleanPreview preview;
-    CleanIT dryRun(platform, silent);
-    dryRun.m_preview = &preview;
-    dryRun.DoEmAll();
+    using Kind = platform::Change::Kind;
+    for (const auto& change : dryRun.changes()) {
+        if (change.kind == Kind::DeleteValue)
+            preview.values.push_back({change.target, change.detail});
+        else if (change.kind == Kind::ClearRecentDocuments)
+            preview.recentDocuments = platform.recycleBin().recentDocuments();
+        else if (change.kind == Kind::EmptyRecycleBin) {
+            const auto items = platform.recycleBin().items(change.target);
+            preview.trash.insert(preview.trash.end(), items.begin(), items.end());
+        }
+    }
     return preview;
 }
 

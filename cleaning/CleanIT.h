@@ -4,7 +4,7 @@
 // window's chooser offers these as twelve items; "Clean Item" runs CleanMruItem with the chosen
 // text. Values are only ever deleted, never keys. Every routine goes on past a failing step and
 // reports nothing to the user; steps refused by the system (not merely missing values) go to the
-// problem sink. A preview walks the same routines and records instead of deleting.
+// problem sink. A preview walks the same routines over a platform that only records.
 
 #include "core/ProblemSink.h"
 #include "core/Prompts.h"
@@ -90,7 +90,6 @@ private:
     core::Prompts& m_prompts;
     core::ProblemSink* m_problems;
     CleanView* m_view;
-    CleanPreview* m_preview = nullptr; ///< set while previewing: deletions are recorded here
 };
 
 } // namespace cleaning

@@ -28,6 +28,14 @@ public:
     virtual void tell(const std::string& text, const std::string& title, int style) = 0;
 };
 
+/// Answers no to every question and shows nothing: for routines that must never ask (previews, and
+/// steps run from inside another command).
+class SilentPrompts final : public Prompts {
+public:
+    bool askYesNo(const std::string&, const std::string&, int) override { return false; }
+    void tell(const std::string&, const std::string&, int) override {}
+};
+
 /// The title of most of the program's messages.
 inline const std::string MessageTitle = "Tavi Message";
 
