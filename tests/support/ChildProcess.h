@@ -1,6 +1,7 @@
 #pragma once
-// A real child process running under a chosen program name (a copy of sleep renamed), for tests of
-// code that watches the process list.
+// Real child processes for tests: one running under a chosen program name (a copy of sleep
+// renamed), for code that watches the process list, and one that holds a file open, for code that
+// must leave files in use alone.
 
 #include "tests/support/Scratch.h"
 
@@ -24,6 +25,22 @@ public:
 private:
     ScratchDir m_dir;
     pid_t m_pid = -1;
+};
+
+/// A child process (sleep) that holds `path` open for reading until it ends.
+class FileHolder {
+public:
+    explicit FileHolder(const std::string& path);
+    ~FileHolder();
+    FileHolder(const FileHolder&) = delete;
+    FileHolder& operator=(const FileHolder&) = delete;
+
+    /// Whether the child runs with the file open.
+    bool holding() const { return m_holding; }
+
+private:
+    pid_t m_pid = -1;
+    bool m_holding = false;
 };
 
 } // namespace testsupport

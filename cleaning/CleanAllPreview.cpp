@@ -1,0 +1,54 @@
+#include "cleaning/CleanAllPreview.h"
+
+#include "cleaning/CURLHistory.h"
+#include "cleaning/TraceCleaner.h"
+#include "platform/PreviewPlatform.h"
+
+#include <algorithm>
+
+namespace cleaning {
+namespace {
+
+using Kind = platform::Change::Kind;
+
+void addOnce(std::vector<std::string>& list, const std::string& item) {
+    if (std::find(list.begin(), list.end(), item) == list.end())
+        list.push_back(item);
+}
+
+} // namespace
+
+CleanAllPreview PreviewCleanAll(platform::Platform& platform, core::ProblemSink* problems) {
+    platform::PreviewPlatform dryRun(platform);
+    ListView view;
+    CURLHistory history(dryRun.urlHistory());
+    TraceCleaner cleaner(dryRun, view, history, problems);
+    cleaner.ReadFolderPaths();
+
+    CleanAllPreview found;
+    cleaner.CleanTempFolder();
+    const std::size_t tempChanges = dryRun.changes().size();
+    std::vector<std::string> addresses;
+    for (const auto& item : history.NewEnum())
+        addresses.push_back(item->URL());
+    cleaner.CleanAll();
+
+    const auto& changes = dryRun.changes();
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        const auto& c = changes[i];
+        const bool temp = i < tempChanges;
+        if (c.kind == Kind::RemoveFile)
+            addOnce(temp ? found.tempFiles : found.cookieFiles, c.target);
+        else if (c.kind == Kind::RemoveDirectory && temp)
+            addOnce(found.tempFolders, c.target);
+        else if (c.kind == Kind::DeleteCacheEntry)
+            addOnce(found.cacheEntries, c.target);
+        else if (c.kind == Kind::DeleteValue)
+            addOnce(found.typedUrls, c.target + "\\" + c.detail);
+        else if (c.kind == Kind::ClearHistory)
+            found.historyEntries = addresses;
+    }
+    return found;
+}
+
+} // namespace cleaning

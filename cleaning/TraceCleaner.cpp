@@ -1,0 +1,146 @@
+#include "cleaning/TraceCleaner.h"
+
+#include "cleaning/CleanIT.h"
+#include "memory/MemoryBlock.h"
+#include "wipe/Removal.h"
+
+#include <cstddef>
+
+namespace cleaning {
+namespace {
+
+/// The bytes of each cache entry copied out of the entry buffer: the record's head, which holds
+/// the source-address pointer (the only field used).
+constexpr std::int32_t EntryBytes = 84;
+static_assert(sizeof(platform::UrlCacheEntryInfo) >= EntryBytes);
+static_assert(offsetof(platform::UrlCacheEntryInfo, lpszSourceUrlName) + sizeof(char*) <= EntryBytes);
+
+const std::string RecordFileName = "index.dat";
+
+std::uintptr_t address(const void* pointer) {
+    return reinterpret_cast<std::uintptr_t>(pointer);
+}
+
+} // namespace
+
+TraceCleaner::TraceCleaner(platform::Platform& platform, TraceView& view, CURLHistory& history,
+                           core::ProblemSink* problems)
+    : m_platform(platform), m_view(view), m_history(history), m_problems(problems) {}
+
+void TraceCleaner::ReadFolderPaths() {
+    m_paths = cleaning::ReadFolderPaths(m_platform);
+}
+
+void TraceCleaner::skipped(const std::string& item, const std::string& reason) {
+    if (m_problems)
+        m_problems->skipped(item, reason);
+}
+
+void TraceCleaner::reportStores(const std::vector<std::string>& stores, const std::string& what) {
+    for (const std::string& store : stores)
+        skipped(store, "its browser is running; its " + what + " was left alone");
+}
+
+std::string TraceCleaner::join(const std::string& folder, const std::string& name) const {
+    return wipe::joinPath(m_platform.fileSystem(), folder, name);
+}
+
+void TraceCleaner::ShowCache() {
+    m_view.clearList();
+    auto& cache = m_platform.urlCache();
+    memory::MemoryBlock block(m_platform.virtualMemory());
+    // Each entry is asked for twice: once for the bytes it needs, once into a block of that size.
+    const auto listSource = [&](std::uint32_t size) {
+        platform::UrlCacheEntryInfo entry;
+        block.ReadFrom(address(&entry), EntryBytes);
+        if (entry.lpszSourceUrlName)
+            m_view.addLine(block.ExtractString(address(entry.lpszSourceUrlName), static_cast<std::int32_t>(size)));
+    };
+    std::uint32_t size = 0;
+    cache.findFirst(nullptr, size);
+    platform::UrlCacheEnum enumeration = 0;
+    if (size > 0) {
+        block.Allocate(static_cast<std::int32_t>(size));
+        enumeration = cache.findFirst(reinterpret_cast<void*>(block.Handle()), size);
+        if (enumeration)
+            listSource(size);
+    }
+    while (enumeration) {
+        size = 0;
+        cache.findNext(enumeration, nullptr, size);
+        if (size < 1)
+            break;
+        block.Allocate(static_cast<std::int32_t>(size));
+        if (!block.Handle() || !cache.findNext(enumeration, reinterpret_cast<void*>(block.Handle()), size))
+            break; // an enumeration error ends the listing with what was found so far
+        listSource(size);
+    }
+    if (enumeration)
+        cache.findClose(enumeration);
+    block.ReleaseMemory();
+    reportStores(cache.storesInUse(), "cache");
+}
+
+void TraceCleaner::deleteListed() {
+    auto& cache = m_platform.urlCache();
+    for (std::size_t i = 0; i < m_view.lineCount() && !m_view.interrupted(); ++i) {
+        const std::string url = m_view.line(i);
+        cache.deleteEntry(url); // a failed deletion is not reported: the entry may simply be gone
+        m_view.itemDone(TraceStep::CacheEntries, url);
+    }
+    m_view.clearList();
+}
+
+void TraceCleaner::DeleteListedCacheEntries() {
+    deleteListed();
+    reportStores(m_platform.urlCache().storesInUse(), "cache");
+}
+
+void TraceCleaner::CleanAll() {
+    ShowCache();
+    core::SilentPrompts silent; // the typed-URL clean asks nothing
+    CleanIT(m_platform, silent, m_problems).CleanTypedURLs();
+    deleteListed();
+    if (m_view.interrupted())
+        return;
+    cleanCookieRecords();
+    if (m_view.interrupted())
+        return;
+    m_history.Clear();
+    m_history.Refresh("", 0);
+    m_view.itemDone(TraceStep::History, {});
+    reportStores(m_platform.urlHistory().storesInUse(), "history");
+}
+
+void TraceCleaner::cleanCookieRecords() {
+    // An empty path would list the current folder: no cookie folder recorded, nothing to clean.
+    const std::string& folder = m_paths.CookiesPath;
+    if (folder.empty())
+        return;
+    auto& files = m_platform.fileSystem();
+    m_view.clearList();
+    files.list(folder, "*", [&](const platform::FileInfo& fi) {
+        if (!fi.isDirectory() || fi.isLink())
+            m_view.addLine(join(folder, fi.name));
+        return true;
+    });
+    for (std::size_t i = 0; i < m_view.lineCount() && !m_view.interrupted(); ++i) {
+        const std::string line = m_view.line(i);
+        if (line.size() < RecordFileName.size() ||
+            line.compare(line.size() - RecordFileName.size(), RecordFileName.size(), RecordFileName) != 0)
+            continue; // the cookies themselves stay
+        const auto info = files.info(line);
+        const Kept verdict = info ? kept(line, *info) : Kept::NotAFile;
+        if (verdict == Kept::InUse)
+            skipped(line, "is open in a running program; left alone");
+        if (verdict != Kept::No)
+            continue;
+        // Deleted first on purpose: the wipe then finds nothing, unless the deletion failed.
+        files.removeFile(line);
+        WipeFile(line);
+        m_view.itemDone(TraceStep::CookieFiles, line);
+    }
+    m_view.clearList();
+}
+
+} // namespace cleaning

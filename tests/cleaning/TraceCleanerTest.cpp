@@ -1,0 +1,337 @@
+// The file side of the trace cleaning on real files in scratch folders: the eleven-pass overwrite
+// of the documented lengths, hard links, the rules of the shared temporary folder (links, sockets,
+// pipes, files held open by another process, other owners, nested folders, mounts), the cookie
+// folder's record files, and a preview that finds exactly what the clean then removes.
+
+#include "cleaning/CleanAllPreview.h"
+#include "cleaning/TraceCleaner.h"
+#include "platform/Platform.h"
+#include "tests/cleaning/TraceRecorders.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Hive.h"
+#include "tests/support/LoopImage.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using testsupport::readFile;
+using testsupport::ScratchDir;
+
+namespace {
+
+struct TraceCleanerTest : ::testing::Test {
+    std::unique_ptr<platform::Platform> platform = platform::createNative();
+    ScratchDir temp;
+    testsupport::TraceRecorder view;
+    testsupport::SkipRecorder problems;
+    cleaning::CURLHistory history{platform->urlHistory()};
+    cleaning::TraceCleaner cleaner{*platform, view, history, &problems};
+
+    TraceCleanerTest() { cleaner.SetPaths({"", "", "", temp.str()}); }
+};
+
+/// A socket file at `path`, bound and left behind as programs leave theirs.
+void makeSocket(const fs::path& path) {
+    const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un addr{};
+    addr.sun_family = AF_UNIX;
+    path.string().copy(addr.sun_path, sizeof addr.sun_path - 1);
+    ASSERT_EQ(::bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr), 0) << path;
+    ::close(fd);
+}
+
+/// Every entry below `root` (links not followed) with what it holds: a file's bytes, a link's
+/// target, a folder's or special file's kind.
+std::map<std::string, std::string> snapshot(const fs::path& root) {
+    std::map<std::string, std::string> seen;
+    for (auto it = fs::recursive_directory_iterator(root); it != fs::recursive_directory_iterator(); ++it) {
+        const auto status = it->symlink_status();
+        const std::string rel = it->path().lexically_relative(root).string();
+        if (fs::is_symlink(status))
+            seen[rel] = "link:" + fs::read_symlink(it->path()).string();
+        else if (fs::is_regular_file(status))
+            seen[rel] = "file:" + readFile(it->path()) + ":" + std::to_string(static_cast<int>(status.permissions()));
+        else
+            seen[rel] = fs::is_directory(status) ? "folder" : "special";
+    }
+    return seen;
+}
+
+std::string entry(const std::map<std::string, std::string>& seen, const std::string& rel) {
+    const auto it = seen.find(rel);
+    return it == seen.end() ? "(missing)" : it->second;
+}
+
+} // namespace
+
+TEST_F(TraceCleanerTest, WipeFileWritesBlocksZeroToTheRoundedCountElevenTimesThenDeletes) {
+    // length -> bytes a pass writes: 512/1024 = 0.5 rounds to 0, 1536/1024 = 1.5 to 2, 2560 to 2.
+    const std::pair<std::size_t, std::uint64_t> cases[] = {{512, 1024}, {1536, 3072}, {0, 1024}, {2560, 3072}, {3000, 4096}};
+    for (const auto& [length, perPass] : cases) {
+        const fs::path file = temp.write("f" + std::to_string(length), std::string(length, 'S'));
+        std::map<int, std::string> afterPass; // what each pass left, read when the window gets its turn
+        view.onPump = [&] {
+            const auto& passes = view.passBytes[file.string()];
+            if (!passes.empty() && fs::exists(file))
+                afterPass[passes.rbegin()->first] = readFile(file);
+        };
+        cleaner.WipeFile(file.string());
+        EXPECT_FALSE(fs::exists(file)) << length;
+        const auto& passes = view.passBytes[file.string()];
+        ASSERT_EQ(passes.size(), 11u) << length;
+        for (int pass = 1; pass <= 11; ++pass) {
+            EXPECT_EQ(passes.at(pass), perPass) << length << " pass " << pass;
+            // The file grows to the last block's end when that lies past its old end.
+            EXPECT_TRUE(afterPass[pass] == std::string(std::max<std::uint64_t>(length, perPass), 'U'))
+                << length << " pass " << pass << ": " << afterPass[pass].size() << " bytes";
+        }
+    }
+    EXPECT_TRUE(problems.items.empty());
+}
+
+TEST_F(TraceCleanerTest, WipeFileRemovesOnlyTheNameOfAHardLinkedFileAndNeverFollowsOrCreates) {
+    ScratchDir elsewhere;
+    const fs::path kept = elsewhere.write("kept.txt", "other name's bytes");
+    const fs::path name = temp.path() / "linked.txt";
+    fs::create_hard_link(kept, name);
+    cleaner.WipeFile(name.string());
+    EXPECT_FALSE(fs::exists(name));
+    EXPECT_EQ(readFile(kept), "other name's bytes");
+    EXPECT_TRUE(problems.items.count(name.string()));
+
+    const fs::path link = temp.path() / "link";
+    fs::create_symlink(kept, link);
+    cleaner.WipeFile(link.string());
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(readFile(kept), "other name's bytes");
+
+    cleaner.WipeFile((temp.path() / "missing").string());
+    EXPECT_FALSE(fs::exists(temp.path() / "missing")); // the raw open would have created it
+}
+
+TEST_F(TraceCleanerTest, WipedBytesAreGoneFromTheDisk) {
+    ScratchDir dir;
+    testsupport::LoopImage image(dir.path(), 8);
+    if (!image.mounted())
+        GTEST_SKIP() << image.reason();
+    std::string secret;
+    for (int i = 0; i < 40; ++i)
+        secret += "TEMP-SECRET-" + std::to_string(i) + ";";
+    const fs::path file = image.mountPoint() / "secret.tmp";
+    std::ofstream(file) << secret;
+    image.sync();
+    ASSERT_TRUE(image.imageContains("TEMP-SECRET-17;"));
+    cleaner.WipeFile(file.string());
+    ASSERT_FALSE(fs::exists(file));
+    ASSERT_TRUE(image.unmount());
+    EXPECT_FALSE(image.imageContains("TEMP-SECRET-17;"));
+}
+
+TEST_F(TraceCleanerTest, TempFolderCleanTakesOnlyTheUsersOwnClosedPlainFiles) {
+    ScratchDir outside;
+    const fs::path target = outside.write("target.txt", "not in the temp folder");
+    outside.write("folder/inside.txt", "not in the temp folder either");
+    const fs::path root = temp.path();
+
+    temp.write("own.txt", "own");
+    const fs::path readOnly = temp.write("readonly.txt", "read-only");
+    fs::permissions(readOnly, fs::perms::owner_read, fs::perm_options::replace);
+    fs::create_symlink(target, root / "link-to-file");
+    fs::create_directory_symlink(outside.path() / "folder", root / "link-to-folder");
+    makeSocket(root / "program.sock");
+    ASSERT_EQ(::mkfifo((root / "pipe").c_str(), 0600), 0);
+    const fs::path held = temp.write("held.txt", "held open");
+    testsupport::FileHolder holder(held.string());
+    ASSERT_TRUE(holder.holding());
+
+    temp.write("nested/a.txt", "a");
+    temp.write("nested/deeper/b.txt", "b");
+    temp.write("nested/deeper/deepest/c.txt", "c");
+    temp.write("keeps-link/own.txt", "own");
+    fs::create_directories(root / "keeps-link/deep");
+    fs::create_symlink(target, root / "keeps-link/deep/link");
+    temp.write("keeps-held/own.txt", "own");
+    const fs::path heldDeep = temp.write("keeps-held/deep/held.txt", "held deep");
+    testsupport::FileHolder deepHolder(heldDeep.string());
+    ASSERT_TRUE(deepHolder.holding());
+    temp.write("keeps-socket/deep/x.txt", "x");
+    makeSocket(root / "keeps-socket/deep/s");
+
+    const bool root_ = ::geteuid() == 0;
+    fs::path others;
+    if (root_) {
+        others = temp.write("others.txt", "another user's");
+        ASSERT_EQ(::chown(others.c_str(), 65534, 65534), 0);
+        temp.write("others-folder/mine.txt", "mine");
+        ASSERT_EQ(::chown((root / "others-folder").c_str(), 65534, 65534), 0);
+    }
+    // A filesystem mounted in the temporary folder is never entered.
+    const fs::path mount = root / "mounted";
+    fs::create_directory(mount);
+    const bool mounted = root_ && testsupport::runQuietly("mount -t tmpfs scourmill-test '" + mount.string() + "'");
+    if (mounted)
+        std::ofstream(mount / "on-another-fs.txt") << "elsewhere";
+
+    cleaner.CleanTempFolder();
+    const auto left = snapshot(root);
+    if (mounted) {
+        testsupport::runQuietly("umount '" + mount.string() + "'");
+    }
+
+    for (const char* gone : {"own.txt", "readonly.txt", "nested", "keeps-link/own.txt", "keeps-held/own.txt"})
+        EXPECT_FALSE(left.count(gone)) << gone;
+    EXPECT_EQ(entry(left, "link-to-file"), "link:" + target.string());
+    EXPECT_EQ(entry(left, "link-to-folder"), "link:" + (outside.path() / "folder").string());
+    EXPECT_EQ(entry(left, "program.sock"), "special");
+    EXPECT_EQ(entry(left, "pipe"), "special");
+    EXPECT_EQ(entry(left, "held.txt").substr(0, 15), "file:held open:");
+    EXPECT_EQ(entry(left, "keeps-link/deep/link"), "link:" + target.string());
+    EXPECT_EQ(entry(left, "keeps-held/deep/held.txt").substr(0, 15), "file:held deep:");
+    EXPECT_EQ(entry(left, "keeps-socket/deep/x.txt").substr(0, 7), "file:x:"); // removed whole or not at all
+    EXPECT_EQ(readFile(target), "not in the temp folder");
+    EXPECT_EQ(readFile(outside.path() / "folder/inside.txt"), "not in the temp folder either");
+    if (root_) {
+        EXPECT_EQ(readFile(others), "another user's");
+        EXPECT_TRUE(left.count("others-folder/mine.txt"));
+    }
+    if (mounted) {
+        EXPECT_EQ(entry(left, "mounted/on-another-fs.txt").substr(0, 15), "file:elsewhere:");
+    }
+
+    // Files in use are reported as skipped; what was never the user's to clean is not.
+    EXPECT_TRUE(problems.items.count(held.string()));
+    EXPECT_FALSE(problems.items.count((root / "program.sock").string()));
+    if (root_) {
+        EXPECT_FALSE(problems.items.count(others.string()));
+    }
+}
+
+TEST_F(TraceCleanerTest, TempFolderCleanStopsAtAnInterruptionAndNeverCleansTheCurrentFolder) {
+    const fs::path first = temp.write("a.bin", std::string(600'000, 'a'));
+    view.onPump = [&] { view.stop = true; }; // Ctrl-C during the first file's first pass
+    cleaner.CleanTempFolder();
+    std::size_t left = 0;
+    for (const auto& e : fs::directory_iterator(temp.path()))
+        left += e.is_regular_file();
+    EXPECT_EQ(left, 0u); // the file being overwritten is deleted at once
+
+    view.stop = false;
+    view.onPump = nullptr;
+    temp.write("b.txt", "stays");
+    temp.write("c.txt", "stays");
+    view.stop = true;
+    cleaner.CleanTempFolder();
+    EXPECT_TRUE(fs::exists(temp.path() / "b.txt") && fs::exists(temp.path() / "c.txt"));
+    view.stop = false;
+
+    const fs::path here = fs::current_path();
+    fs::current_path(temp.path());
+    cleaner.SetPaths({});
+    cleaner.CleanTempFolder();
+    cleaner.CleanAll();
+    fs::current_path(here);
+    EXPECT_TRUE(fs::exists(temp.path() / "b.txt"));
+    (void)first;
+}
+
+namespace {
+
+// A Wine prefix whose Shell Folders put the cookie folder at C:\users\me\Cookies, with a typed URL.
+struct CookieFolderTest : TraceCleanerTest {
+    fs::path prefix = std::getenv("WINEPREFIX");
+    fs::path cookies = prefix / "drive_c/users/me/Cookies";
+
+    CookieFolderTest() {
+        testsupport::writeUserReg(prefix, "\n[Software\\\\Microsoft\\\\Windows\\\\CurrentVersion\\\\Explorer\\\\Shell Folders] 1\n"
+                                          "\"Cache\"=\"C:\\\\users\\\\me\\\\Temporary Internet Files\"\n"
+                                          "\"Cookies\"=\"C:\\\\users\\\\me\\\\Cookies\"\n"
+                                          "\"History\"=\"C:\\\\users\\\\me\\\\History\"\n"
+                                          "\n[Software\\\\Microsoft\\\\Internet Explorer\\\\TypedURLs] 1\n"
+                                          "\"url1\"=\"http://typed.example/\"\n");
+        fs::create_directories(cookies / "sub");
+        std::ofstream(cookies / "index.dat") << "Client UrlCache MMF Ver 5.2";
+        std::ofstream(cookies / "old.index.dat") << "suffix matches";
+        std::ofstream(cookies / "INDEX.DAT") << "letter case differs";
+        std::ofstream(cookies / "me@example[1].txt") << "the cookie itself";
+        std::ofstream(cookies / "sub/index.dat") << "not in the folder itself";
+        cleaner.ReadFolderPaths();
+        cleaner.SetPaths({cleaner.Paths().HistoryPath, cleaner.Paths().CachePath, cleaner.Paths().CookiesPath, temp.str()});
+    }
+    ~CookieFolderTest() override { fs::remove_all(prefix / "drive_c"); }
+};
+
+} // namespace
+
+TEST_F(CookieFolderTest, CleanAllDeletesTheCookieFoldersRecordFilesAndTheTypedUrls) {
+    EXPECT_EQ(cleaner.Paths().CookiesPath, cookies.string());
+    EXPECT_EQ(cleaner.Paths().HistoryPath, (prefix / "drive_c/users/me/History").string());
+    const fs::path held = cookies / "held-index.dat";
+    std::ofstream(held) << "in use";
+    testsupport::FileHolder holder(held.string());
+    ASSERT_TRUE(holder.holding());
+
+    cleaner.CleanAll();
+    EXPECT_FALSE(fs::exists(cookies / "index.dat"));
+    EXPECT_FALSE(fs::exists(cookies / "old.index.dat"));
+    EXPECT_TRUE(fs::exists(cookies / "INDEX.DAT"));
+    EXPECT_EQ(readFile(cookies / "me@example[1].txt"), "the cookie itself");
+    EXPECT_TRUE(fs::exists(cookies / "sub/index.dat"));
+    EXPECT_EQ(readFile(held), "in use");
+    EXPECT_TRUE(problems.items.count(held.string()));
+    EXPECT_EQ(view.lineCount(), 0u);
+    EXPECT_EQ(readFile(prefix / "user.reg").find("typed.example"), std::string::npos);
+}
+
+TEST_F(CookieFolderTest, PreviewChangesNothingAndNamesWhatTheCleanThenRemoves) {
+    // The preview reads the folders as start-up does: the temporary folder is $TMPDIR.
+    const fs::path tmp = std::getenv("TMPDIR");
+    for (const auto& [rel, text] : {std::pair{"t1.txt", "temp one"}, {"folder/t2.txt", "temp two"},
+                                    {"folder/deeper/t3.txt", "temp three"}}) {
+        fs::create_directories((tmp / rel).parent_path());
+        std::ofstream(tmp / rel) << text;
+    }
+    makeSocket(tmp / "kept.sock");
+    cleaner.SetPaths(cleaning::ReadFolderPaths(*platform));
+    const auto before = snapshot(prefix);
+    const auto tempBefore = snapshot(tmp);
+
+    testsupport::SkipRecorder previewProblems;
+    const cleaning::CleanAllPreview preview = cleaning::PreviewCleanAll(*platform, &previewProblems);
+    EXPECT_EQ(snapshot(prefix), before);
+    EXPECT_EQ(snapshot(tmp), tempBefore);
+
+    const auto under = [](const fs::path& dir, const std::vector<std::string>& rel) {
+        std::vector<std::string> out;
+        for (const auto& r : rel)
+            out.push_back((dir / r).string());
+        return out;
+    };
+    EXPECT_EQ(preview.tempFiles, under(tmp, {"t1.txt", "folder/t2.txt", "folder/deeper/t3.txt"}));
+    EXPECT_EQ(preview.tempFolders, under(tmp, {"folder/deeper", "folder"}));
+    EXPECT_EQ(preview.cookieFiles, under(cookies, {"index.dat", "old.index.dat"}));
+    EXPECT_EQ(preview.typedUrls,
+              std::vector<std::string>{"Software\\Microsoft\\Internet Explorer\\TypedURLs\\url1"});
+
+    cleaner.CleanTempFolder();
+    cleaner.CleanAll();
+    std::vector<std::string> removed;
+    for (const auto& [rel, what] : before)
+        if (!fs::exists(prefix / rel) && !fs::is_symlink(prefix / rel))
+            removed.push_back((prefix / rel).string());
+    std::sort(removed.begin(), removed.end());
+    auto expected = preview.cookieFiles;
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(removed, expected);
+    EXPECT_EQ(snapshot(tmp).size(), 1u); // only the socket is left
+    fs::remove(tmp / "kept.sock");
+}

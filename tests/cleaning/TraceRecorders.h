@@ -1,0 +1,41 @@
+#pragma once
+// Stand-ins for the window around the trace-cleaning routines: a view whose working list is a
+// plain list and which remembers what a window would have shown, and a problem sink that keeps
+// every skipped item.
+
+#include "cleaning/TraceView.h"
+#include "core/ProblemSink.h"
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace testsupport {
+
+struct TraceRecorder final : cleaning::ListView {
+    /// Bytes each pass of each file writes, as reported while writing.
+    std::map<std::string, std::map<int, std::uint64_t>> passBytes;
+    std::vector<std::string> done;
+    int pumps = 0;
+    std::function<void()> onPump;
+    bool stop = false;
+
+    void wiping(const std::string& path, int pass, std::uint64_t, std::uint64_t total) override {
+        passBytes[path][pass] = total;
+    }
+    void itemDone(cleaning::TraceStep, const std::string& item) override { done.push_back(item); }
+    void pumpEvents() override {
+        ++pumps;
+        if (onPump)
+            onPump();
+    }
+    bool interrupted() override { return stop; }
+};
+
+struct SkipRecorder final : core::ProblemSink {
+    std::map<std::string, std::string> items; ///< item -> reason
+    void skipped(const std::string& item, const std::string& reason) override { items[item] = reason; }
+};
+
+} // namespace testsupport
