@@ -4,15 +4,18 @@
 #include "app/Icons.h"
 #include "app/RecycleProgress.h"
 #include "app/WindowSet.h"
+#include "app/WorkingList.h"
 #include "app/autoclean/AutoCleanState.h"
 #include "app/autoclean/CheckProcess.h"
 #include "app/tray/SysTray.h"
+#include "cleaning/CURLHistory.h"
 #include "cleaning/CleanIT.h"
-#include "cleaning/Registry.h"
+#include "cleaning/TraceCleaner.h"
 #include "controls/ggcommand/GGCommand.h"
 #include "controls/hoverhelp/HoverHelp.h"
 #include "controls/ggcommand/Design.h"
 #include "platform/Platform.h"
+#include "wipe/ui/BusyCursor.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -45,6 +48,15 @@ void pumpEvents() {
     QCoreApplication::processEvents();
 }
 
+/// The catch-all of every handler: whatever fails ends the handler without a message.
+template <class F>
+void quietly(F&& handler) {
+    try {
+        handler();
+    } catch (...) {
+    }
+}
+
 } // namespace
 
 TaviMain::TaviMain(platform::Platform& platform, WindowSet& windows, QWidget* parent)
@@ -53,6 +65,8 @@ TaviMain::TaviMain(platform::Platform& platform, WindowSet& windows, QWidget* pa
     setWindowTitle("Tavi Scourmill");
     setWindowIcon(programIcon());
     buildControls();
+    m_workingList = std::make_unique<WorkingList>(*m_list1);
+    m_cleaner = std::make_unique<cleaning::TraceCleaner>(m_platform, *m_workingList);
     buildMenus();
     ggcommand::applyDesign(*this, ":/design/TaviMain.design");
     connectCommands();
@@ -143,10 +157,7 @@ void TaviMain::buildMenus() {
         a->setObjectName(name);
         connect(a, &QAction::triggered, this, slot);
     };
-    entry("Mnu_Show", "I'm Done HIDING!", [this] {
-        ShowCache();
-        showFromTray();
-    });
+    entry("Mnu_Show", "I'm Done HIDING!", [this] { Mnu_Show_Click(); });
     entry("Mnu_All", "Temp/Hist/Cookies", [this] { emit button(3)->Click(); });
     entry("Mnu_dat", "Manage Dat Files", [this] { emit button(4)->Click(); });
     entry("Mnu_WipeFreeSpace", "WipeFreeSpace", [this] { emit button(8)->Click(); });
@@ -170,12 +181,9 @@ void TaviMain::buildMenus() {
 }
 
 void TaviMain::connectCommands() {
-    connect(button(1), &ggcommand::GGCommand::Click, this, [this] { ShowCache(); });
-    connect(button(2), &ggcommand::GGCommand::Click, this, [this] { wipeListedCacheEntries(); });
-    connect(button(3), &ggcommand::GGCommand::Click, this, [this] {
-        CleanTempFolder();
-        CleanAll();
-    });
+    connect(button(1), &ggcommand::GGCommand::Click, this, [this] { GGCommand1_Click(); });
+    connect(button(2), &ggcommand::GGCommand::Click, this, [this] { GGCommand2_Click(); });
+    connect(button(3), &ggcommand::GGCommand::Click, this, [this] { GGCommand3_Click(); });
     connect(button(5), &ggcommand::GGCommand::Click, this, [this] { startPopUpStopper(); });
     connect(button(4), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("TaviIndex"); });
     connect(button(7), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("MemMonitor"); });
@@ -194,11 +202,11 @@ void TaviMain::connectCommands() {
         connect(b, &ggcommand::GGCommand::MouseEnter, this, [this, b] { m_help->popUp(b); });
         connect(b, &ggcommand::GGCommand::MouseExit, this, [this, b] { m_help->hide(b); });
     }
-    connect(m_list1, &QListWidget::itemDoubleClicked, this, [this] { openListedLine(); });
+    connect(m_list1, &QListWidget::itemDoubleClicked, this, [this] { List1_DblClick(); });
 
     connect(m_timer1, &QTimer::timeout, this, [this] { refreshConnection(); });
     connect(m_tCheck, &QTimer::timeout, this, [this] { checkTick(); });
-    connect(m_tClosed, &QTimer::timeout, this, [this] { closedTick(); });
+    connect(m_tClosed, &QTimer::timeout, this, [this] { TClosed_Timer(); });
 
     m_tray = new tray::SysTray(this);
     connect(m_tray, &tray::SysTray::doubleClicked, this, [this] { showFromTray(); });
@@ -214,9 +222,12 @@ void TaviMain::load() {
     // Kept as the system always did; nothing in this window uses it.
     m_systemDirectory = QString::fromStdString(m_platform.knownFolders().systemDirectory()).left(255);
     m_tray->AddTrayIcon(windowTitle(), windowIcon());
-    ShowCache();
-    readFolderPaths();
-    m_tempPath = QString::fromStdString(m_platform.knownFolders().tempPath());
+    quietly([this] { ShowCache(); });
+    quietly([this] {
+        m_urlHistory = std::make_unique<cleaning::CURLHistory>(m_platform.urlHistory());
+        m_cleaner->SetHistory(*m_urlHistory);
+    });
+    m_cleaner->ReadFolderPaths(); // the Shell Folders paths, then the temporary folder
     std::srand(static_cast<unsigned>(std::time(nullptr)));
     m_timer1->start();
 }
@@ -230,36 +241,56 @@ void TaviMain::centreOnScreen() {
     move(area.width() / 2 - width() / 2, area.height() / 2 - height() / 2);
 }
 
-void TaviMain::readFolderPaths() {
-    const std::string key = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
-    const auto read = [&](const char* value) {
-        const std::string recorded =
-            cleaning::GetRegString(m_platform.registry(), platform::CurrentUserRoot, key, value);
-        return QString::fromStdString(m_platform.knownFolders().fromRegistryPath(recorded));
-    };
-    m_historyPath = read("History");
-    m_cachePath = read("Cache");
-    m_cookiesPath = read("Cookies");
+QString TaviMain::historyPath() const {
+    return QString::fromStdString(m_cleaner->Paths().HistoryPath);
+}
+
+QString TaviMain::cachePath() const {
+    return QString::fromStdString(m_cleaner->Paths().CachePath);
+}
+
+QString TaviMain::cookiesPath() const {
+    return QString::fromStdString(m_cleaner->Paths().CookiesPath);
+}
+
+QString TaviMain::tempPath() const {
+    return QString::fromStdString(m_cleaner->Paths().TempPath);
 }
 
 void TaviMain::ShowCache() {
-    // The cache listing moves into the core with the trace-cleaning routines.
-    m_list1->clear();
+    m_cleaner->ShowCache();
 }
 
 void TaviMain::CleanAll() {
-    // The full clean arrives with the trace-cleaning routines; until then it cleans nothing.
+    m_cleaner->CleanAll();
 }
 
 void TaviMain::CleanTempFolder() {
-    // Arrives with the trace-cleaning routines.
+    m_cleaner->CleanTempFolder();
 }
 
-void TaviMain::wipeListedCacheEntries() {
+void TaviMain::GGCommand1_Click() {
+    wipe::ui::BusyCursor hourglass;
+    quietly([this] { ShowCache(); });
+}
+
+void TaviMain::GGCommand2_Click() {
     // Only what the list shows now is deleted: an empty list erases nothing, on purpose.
-    for (int i = 0; i < m_list1->count(); ++i)
-        m_platform.urlCache().deleteEntry(m_list1->item(i)->text().toStdString());
-    m_list1->clear();
+    wipe::ui::BusyCursor hourglass;
+    quietly([this] { m_cleaner->DeleteListedCacheEntries(); });
+}
+
+void TaviMain::GGCommand3_Click() {
+    wipe::ui::BusyCursor hourglass;
+    quietly([this] {
+        CleanTempFolder();
+        CleanAll();
+    });
+}
+
+void TaviMain::Mnu_Show_Click() {
+    quietly([this] { ShowCache(); });
+    showFromTray();
 }
 
 void TaviMain::startPopUpStopper() {
@@ -292,7 +323,7 @@ void TaviMain::showFromTray() {
     activateWindow();
 }
 
-void TaviMain::openListedLine() {
+void TaviMain::List1_DblClick() {
     const QListWidgetItem* item = m_list1->currentItem();
     if (item)
         m_platform.shell().open(item->text().toStdString());
@@ -334,12 +365,12 @@ void TaviMain::checkTick() {
                m_tClosed);
 }
 
-void TaviMain::closedTick() {
+void TaviMain::TClosed_Timer() {
     if (!autoclean::mustClean(browserRunning()))
         return;
     m_tray->ShowIcon(QIcon(m_picture1->pixmap()));
     QThread::msleep(500);
-    CleanAll();
+    quietly([this] { CleanAll(); });
     m_tray->ShowIcon(windowIcon());
     writeState(autoclean::afterClean(readState(button(10), m_tCheck, m_tClosed)), button(10), m_tCheck, m_tClosed);
     emit autoCleaned();

@@ -8,6 +8,8 @@
 #include <QString>
 #include <QWidget>
 
+#include <memory>
+
 class QComboBox;
 class QLabel;
 class QListWidget;
@@ -27,10 +29,15 @@ class SysTray;
 namespace hoverhelp {
 class HoverHelp;
 }
+namespace cleaning {
+class CURLHistory;
+class TraceCleaner;
+}
 
 namespace app {
 
 class WindowSet;
+class WorkingList;
 
 class TaviMain : public QWidget {
     Q_OBJECT
@@ -42,15 +49,15 @@ public:
 
     /// Fills List1 with the source address of every entry of the browser cache.
     void ShowCache();
-    /// The full clean of cache, cookies and URL history.
+    /// The full clean of cache, typed URLs, the cookie folder's record files and URL history.
     void CleanAll();
     /// Overwrites and deletes the temporary folder's files and its first-level subfolders.
     void CleanTempFolder();
 
-    QString historyPath() const { return m_historyPath; }
-    QString cachePath() const { return m_cachePath; }
-    QString cookiesPath() const { return m_cookiesPath; }
-    QString tempPath() const { return m_tempPath; }
+    QString historyPath() const;
+    QString cachePath() const;
+    QString cookiesPath() const;
+    QString tempPath() const;
     tray::SysTray& sysTray() const { return *m_tray; }
     hoverhelp::HoverHelp& hoverHelp() const { return *m_help; }
 
@@ -70,20 +77,22 @@ private:
     void connectCommands();
     void load();
     void centreOnScreen();
-    void readFolderPaths();
 
-    void wipeListedCacheEntries();
+    void GGCommand1_Click();
+    void GGCommand2_Click();
+    void GGCommand3_Click();
+    void Mnu_Show_Click();
+    void List1_DblClick();
     void startPopUpStopper();
     void toggleHelp();
     void hideMe();
     void showFromTray();
-    void openListedLine();
     void exitProgram();
 
     void refreshConnection();
     void toggleAutoClean();
     void checkTick();
-    void closedTick();
+    void TClosed_Timer();
     bool browserRunning();
 
     platform::Platform& m_platform;
@@ -103,10 +112,9 @@ private:
     tray::SysTray* m_tray = nullptr;
 
     QString m_systemDirectory;
-    QString m_historyPath;
-    QString m_cachePath;
-    QString m_cookiesPath;
-    QString m_tempPath;
+    std::unique_ptr<WorkingList> m_workingList;
+    std::unique_ptr<cleaning::TraceCleaner> m_cleaner; ///< holds the folder paths read at start-up
+    std::unique_ptr<cleaning::CURLHistory> m_urlHistory;
 };
 
 /// Makes the main window's Exit (the tray menu's entry, or closing the window) end the program's

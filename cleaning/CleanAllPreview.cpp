@@ -22,7 +22,8 @@ CleanAllPreview PreviewCleanAll(platform::Platform& platform, core::ProblemSink*
     platform::PreviewPlatform dryRun(platform);
     ListView view;
     CURLHistory history(dryRun.urlHistory());
-    TraceCleaner cleaner(dryRun, view, history, problems);
+    TraceCleaner cleaner(dryRun, view, problems);
+    cleaner.SetHistory(history);
     cleaner.ReadFolderPaths();
 
     CleanAllPreview found;

@@ -128,6 +128,8 @@ bool TraceCleaner::clearBelow(const std::string& dir, std::uint64_t device, bool
         else if (fi.isRegular)
             // The scan asked about open files moments ago; the removal does not ask again.
             goes = remove ? files.removeFile(child) : !files.isInUse(child);
+        if (remove && goes && !fi.isDirectory())
+            m_view.itemDone(TraceStep::TempFiles, child);
         all = goes && all;
         if (!all && !remove)
             return false; // the first item kept decides

@@ -23,9 +23,8 @@ std::uintptr_t address(const void* pointer) {
 
 } // namespace
 
-TraceCleaner::TraceCleaner(platform::Platform& platform, TraceView& view, CURLHistory& history,
-                           core::ProblemSink* problems)
-    : m_platform(platform), m_view(view), m_history(history), m_problems(problems) {}
+TraceCleaner::TraceCleaner(platform::Platform& platform, TraceView& view, core::ProblemSink* problems)
+    : m_platform(platform), m_view(view), m_problems(problems) {}
 
 void TraceCleaner::ReadFolderPaths() {
     m_paths = cleaning::ReadFolderPaths(m_platform);
@@ -36,9 +35,11 @@ void TraceCleaner::skipped(const std::string& item, const std::string& reason) {
         m_problems->skipped(item, reason);
 }
 
-void TraceCleaner::reportStores(const std::vector<std::string>& stores, const std::string& what) {
+void ReportStoresInUse(core::ProblemSink* problems, const std::vector<std::string>& stores, const std::string& what) {
+    if (!problems)
+        return;
     for (const std::string& store : stores)
-        skipped(store, "its browser is running; its " + what + " was left alone");
+        problems->skipped(store, "its browser is running; its " + what + " was left alone");
 }
 
 std::string TraceCleaner::join(const std::string& folder, const std::string& name) const {
@@ -78,7 +79,7 @@ void TraceCleaner::ShowCache() {
     if (enumeration)
         cache.findClose(enumeration);
     block.ReleaseMemory();
-    reportStores(cache.storesInUse(), "cache");
+    ReportStoresInUse(m_problems, cache.storesInUse(), "cache");
 }
 
 void TraceCleaner::deleteListed() {
@@ -93,7 +94,7 @@ void TraceCleaner::deleteListed() {
 
 void TraceCleaner::DeleteListedCacheEntries() {
     deleteListed();
-    reportStores(m_platform.urlCache().storesInUse(), "cache");
+    ReportStoresInUse(m_problems, m_platform.urlCache().storesInUse(), "cache");
 }
 
 void TraceCleaner::CleanAll() {
@@ -106,10 +107,12 @@ void TraceCleaner::CleanAll() {
     cleanCookieRecords();
     if (m_view.interrupted())
         return;
-    m_history.Clear();
-    m_history.Refresh("", 0);
+    if (!m_history)
+        return;
+    m_history->Clear();
+    m_history->Refresh("", 0);
     m_view.itemDone(TraceStep::History, {});
-    reportStores(m_platform.urlHistory().storesInUse(), "history");
+    ReportStoresInUse(m_problems, m_platform.urlHistory().storesInUse(), "history");
 }
 
 void TraceCleaner::cleanCookieRecords() {

@@ -24,13 +24,20 @@
 
 namespace cleaning {
 
+/// Tells `problems` (when given) about each browser profile of `stores` that was left alone
+/// because its browser runs; `what` names the part left ("cache", "history").
+void ReportStoresInUse(core::ProblemSink* problems, const std::vector<std::string>& stores, const std::string& what);
+
 class TraceCleaner {
 public:
-    /// Works through `platform`, with `view` as the working list and `history` as the URL history
-    /// the full clean clears; all three must outlive the cleaner. `problems` may be null. The
-    /// folder paths start empty (nothing to clean) until ReadFolderPaths or SetPaths.
-    TraceCleaner(platform::Platform& platform, TraceView& view, CURLHistory& history,
-                 core::ProblemSink* problems = nullptr);
+    /// Works through `platform`, with `view` as the working list; both must outlive the cleaner.
+    /// `problems` may be null. The folder paths start empty (nothing to clean) until
+    /// ReadFolderPaths or SetPaths, and the history step waits for SetHistory: start-up lists the
+    /// cache before the history collection exists.
+    TraceCleaner(platform::Platform& platform, TraceView& view, core::ProblemSink* problems = nullptr);
+
+    /// The URL history collection the full clean clears; it must outlive the cleaner.
+    void SetHistory(CURLHistory& history) { m_history = &history; }
 
     /// Reads the Shell Folders paths and the temporary folder (start-up).
     void ReadFolderPaths();
@@ -71,13 +78,12 @@ private:
     bool writePass(platform::RawFile& file, const std::string& path, int pass, std::int64_t blocks);
     void deleteListed();
     void cleanCookieRecords();
-    void reportStores(const std::vector<std::string>& stores, const std::string& what);
     void skipped(const std::string& item, const std::string& reason);
     std::string join(const std::string& folder, const std::string& name) const;
 
     platform::Platform& m_platform;
     TraceView& m_view;
-    CURLHistory& m_history;
+    CURLHistory* m_history = nullptr;
     core::ProblemSink* m_problems;
     FolderPaths m_paths;
     std::vector<std::uint8_t> m_pattern;

@@ -1,12 +1,11 @@
-// clean-item and preview: the recent-item lists, the recycle bin and the recent documents, cleaned
-// one chooser item at a time or all of them, or only listed.
+// clean-item: the recent-item lists, the recycle bin and the recent documents, cleaned one chooser
+// item at a time or all of them.
 
 #include "cleaning/CleanIT.h"
 #include "cli/Commands.h"
 #include "cli/Context.h"
 #include "cli/ProgressBar.h"
 
-#include <iostream>
 
 namespace cli {
 namespace {
@@ -44,24 +43,6 @@ void addCleanItemCommands(CLI::App& app, Context& ctx) {
         ctx.prompts.setAssumeYes(*yes);
         BarView view;
         cleaning::CleanIT(ctx.platform, ctx.prompts, &ctx.problems, &view).CleanMruItem(*item);
-    });
-
-    auto* preview = app.add_subcommand("preview", "List what \"Do Em All\" would remove (registry values, "
-                                                  "trash items, recent documents); changes nothing");
-    preview->callback([&ctx] {
-        const cleaning::CleanPreview found = cleaning::CleanIT::Preview(ctx.platform);
-        for (const auto& value : found.values)
-            std::cout << "registry: HKEY_CURRENT_USER\\" << value.key << " : " << value.name << "\n";
-        std::uint64_t bytes = 0;
-        for (const auto& trashed : found.trash) {
-            bytes += trashed.bytes;
-            std::cout << "trash: " << trashed.path << " (" << trashed.bytes << " bytes"
-                      << (trashed.originalPath.empty() ? "" : ", from " + trashed.originalPath) << ")\n";
-        }
-        for (const auto& uri : found.recentDocuments)
-            std::cout << "recent document: " << uri << "\n";
-        std::cout << found.values.size() << " registry values, " << found.trash.size() << " trash items (" << bytes
-                  << " bytes), " << found.recentDocuments.size() << " recent documents\n";
     });
 }
 

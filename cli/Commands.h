@@ -13,5 +13,7 @@ void addCleanItemCommands(CLI::App& app, Context& ctx);
 void addIndexDatCommand(CLI::App& app, Context& ctx);
 void addWipeCommands(CLI::App& app, Context& ctx);
 void addWipeMemoryCommand(CLI::App& app, Context& ctx);
+void addTraceCommands(CLI::App& app, Context& ctx);
+void addHistoryCommands(CLI::App& app, Context& ctx);
 
 } // namespace cli

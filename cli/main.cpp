@@ -29,6 +29,8 @@ int main(int argc, char** argv) {
     cli::addIndexDatCommand(app, ctx);
     cli::addWipeCommands(app, ctx);
     cli::addWipeMemoryCommand(app, ctx);
+    cli::addTraceCommands(app, ctx);
+    cli::addHistoryCommands(app, ctx);
 
     try {
         app.parse(argc, argv);
