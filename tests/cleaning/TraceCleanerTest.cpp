@@ -35,9 +35,12 @@ struct TraceCleanerTest : ::testing::Test {
     testsupport::TraceRecorder view;
     testsupport::SkipRecorder problems;
     cleaning::CURLHistory history{platform->urlHistory()};
-    cleaning::TraceCleaner cleaner{*platform, view, history, &problems};
+    cleaning::TraceCleaner cleaner{*platform, view, &problems};
 
-    TraceCleanerTest() { cleaner.SetPaths({"", "", "", temp.str()}); }
+    TraceCleanerTest() {
+        cleaner.SetHistory(history);
+        cleaner.SetPaths({"", "", "", temp.str()});
+    }
 };
 
 /// A socket file at `path`, bound and left behind as programs leave theirs.

@@ -1,0 +1,103 @@
+// The main window's Internet buttons and AutoClean cleaning for real: a scratch temporary folder and
+// a Wine prefix whose cookie folder holds record files, driven through the real window by object
+// name on the offscreen platform.
+
+#include "app/TaviMain.h"
+#include "controls/ggcommand/GGCommand.h"
+#include "tests/gui/MainWindowUnderTest.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Hive.h"
+#include "tests/support/QtTestMain.h"
+
+#include <QAction>
+#include <QListWidget>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+#include <filesystem>
+#include <fstream>
+
+namespace fs = std::filesystem;
+using ggcommand::GGCommand;
+
+class InternetButtonsTest : public QObject {
+    Q_OBJECT
+
+    fs::path tmp = qgetenv("TMPDIR").toStdString();
+    fs::path prefix = qgetenv("WINEPREFIX").toStdString();
+    fs::path cookies = prefix / "drive_c/users/me/Cookies";
+    std::unique_ptr<testsupport::MainWindowUnderTest> m_app;
+
+    GGCommand* button(int n) { return m_app->main.findChild<GGCommand*>(QString("GGCommand%1").arg(n)); }
+    void write(const fs::path& path, const std::string& text) {
+        fs::create_directories(path.parent_path());
+        std::ofstream(path) << text;
+    }
+
+private slots:
+    void init() {
+        testsupport::writeUserReg(prefix, "\n[Software\\\\Microsoft\\\\Windows\\\\CurrentVersion\\\\Explorer\\\\Shell Folders] 1\n"
+                                          "\"Cookies\"=\"C:\\\\users\\\\me\\\\Cookies\"\n");
+        write(cookies / "index.dat", "record");
+        write(cookies / "me@site.txt", "cookie");
+        write(tmp / "one.txt", std::string(5000, 'x'));
+        write(tmp / "sub/deeper/two.txt", "two");
+        m_app = std::make_unique<testsupport::MainWindowUnderTest>(); // start-up reads the paths
+    }
+
+    void cleanup() {
+        m_app.reset();
+        for (const auto& e : fs::directory_iterator(tmp))
+            fs::remove_all(e.path());
+        fs::remove_all(prefix / "drive_c");
+    }
+
+    void fullCleanButtonAndTrayEntryEmptyTheTempFolderAndCookieRecords() {
+        QCOMPARE(m_app->main.cookiesPath(), QString::fromStdString(cookies.string()));
+        QTest::mouseClick(button(3), Qt::LeftButton);
+        QVERIFY(fs::is_empty(tmp));
+        QVERIFY(!fs::exists(cookies / "index.dat"));
+        QVERIFY(fs::exists(cookies / "me@site.txt"));
+        QCOMPARE(m_app->main.findChild<QListWidget*>("List1")->count(), 0);
+
+        write(tmp / "again.txt", "again");
+        write(cookies / "index.dat", "record again");
+        m_app->main.findChild<QAction*>("Mnu_All")->trigger();
+        QVERIFY(fs::is_empty(tmp));
+        QVERIFY(!fs::exists(cookies / "index.dat"));
+    }
+
+    void theWindowStaysLiveWhileALargeFileIsOverwritten() {
+        write(tmp / "large.bin", std::string(8 << 20, 'L'));
+        QTimer ticker;
+        int ticks = 0;
+        connect(&ticker, &QTimer::timeout, [&] { ++ticks; });
+        ticker.start(10);
+        QTest::mouseClick(button(3), Qt::LeftButton);
+        QVERIFY(!fs::exists(tmp / "large.bin"));
+        QVERIFY(ticks > 0); // no event loop ran but the wipe's own: the timer fired during the wipe
+    }
+
+    void autoCleanTickCleansTheCookieRecordsButNotTheTempFolder() {
+        auto* check = m_app->main.findChild<QTimer*>("TCheck");
+        auto* closed = m_app->main.findChild<QTimer*>("TClosed");
+        check->setInterval(30);
+        closed->setInterval(30);
+        QSignalSpy cleans(&m_app->main, &app::TaviMain::autoCleaned);
+        QTest::mouseClick(button(10), Qt::LeftButton);
+        {
+            testsupport::ChildProcess browser("iexplore.exe");
+            QTRY_VERIFY(closed->isActive());
+            QTest::qWait(100);
+            QVERIFY(fs::exists(cookies / "index.dat"));
+        }
+        QTRY_COMPARE(cleans.count(), 1);
+        QVERIFY(!fs::exists(cookies / "index.dat"));
+        QVERIFY(fs::exists(tmp / "one.txt"));
+    }
+};
+
+SCOURMILL_QTEST_MAIN(InternetButtonsTest)
+
+#include "InternetButtonsTest.moc"
