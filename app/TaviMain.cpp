@@ -85,7 +85,7 @@ void TaviMain::buildControls() {
     m_timer1->setObjectName("Timer1");
     m_timer1->setInterval(5000);
 
-    const auto makeButton = [this](QWidget* parent, int number) {
+    const auto makeButton = [](QWidget* parent, int number) {
         auto* b = new ggcommand::GGCommand(parent);
         b->setObjectName(QString("GGCommand%1").arg(number));
         b->setMinimumWidth(215);
