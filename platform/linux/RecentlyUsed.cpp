@@ -4,11 +4,12 @@
 #include <sys/stat.h>
 
 namespace platform::linux {
+namespace {
 
-std::vector<std::string> recentlyUsedUris(const std::string& path) {
+// The addresses in `file` when it was loaded; `file` is freed either way.
+std::vector<std::string> takeUris(GBookmarkFile* file, bool loaded) {
     std::vector<std::string> uris;
-    GBookmarkFile* file = g_bookmark_file_new();
-    if (g_bookmark_file_load_from_file(file, path.c_str(), nullptr)) {
+    if (loaded) {
         gsize count = 0;
         gchar** list = g_bookmark_file_get_uris(file, &count);
         for (gsize i = 0; i < count; ++i)
@@ -17,6 +18,18 @@ std::vector<std::string> recentlyUsedUris(const std::string& path) {
     }
     g_bookmark_file_free(file);
     return uris;
+}
+
+} // namespace
+
+std::vector<std::string> recentlyUsedUris(const std::string& path) {
+    GBookmarkFile* file = g_bookmark_file_new();
+    return takeUris(file, g_bookmark_file_load_from_file(file, path.c_str(), nullptr));
+}
+
+std::vector<std::string> recentlyUsedUrisIn(const std::string& text) {
+    GBookmarkFile* file = g_bookmark_file_new();
+    return takeUris(file, g_bookmark_file_load_from_data(file, text.data(), text.size(), nullptr));
 }
 
 bool clearRecentlyUsed(const std::string& path) {
