@@ -24,14 +24,6 @@ bool isSpace(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
 }
 
-std::string fold(const std::string& text) {
-    std::string out = text;
-    for (char& c : out)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return out;
-}
-
 std::string trimKey(const std::string& key) {
     std::size_t begin = 0, end = key.size();
     while (begin < end && key[begin] == '\\')
@@ -103,6 +95,21 @@ std::string toUtf8(const std::u16string& units) {
     return out;
 }
 
+// A name as the hive holds it once written and read back: bytes that are not UTF-8 stand for the
+// characters of the same value, as when they are read from the file.
+std::string canonical(const std::string& text) {
+    return toUtf8(toUnits(text));
+}
+
+// What names are compared by: the canonical text without regard to ASCII case.
+std::string fold(const std::string& text) {
+    std::string out = canonical(text);
+    for (char& c : out)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return out;
+}
+
 // Wine's string unescaping: reads from `pos` up to the unescaped `end` character, leaves `pos`
 // after it. False when the closing character is missing.
 bool parseString(const std::string& s, std::size_t& pos, char end, std::u16string& out) {
@@ -152,9 +159,9 @@ bool parseString(const std::string& s, std::size_t& pos, char end, std::u16strin
     return true;
 }
 
-// Wine's string escaping (the inverse of parseString). `units` may end with the string's closing
-// NUL, which is left out as Wine leaves it out; `special` holds the two characters that need a
-// backslash besides the backslash itself.
+// Wine's string escaping (the inverse of parseString): every unit is written, a NUL too, so that
+// a name reads back as it was given. `special` holds the two characters that need a backslash
+// besides the backslash itself.
 std::string dumpString(const std::u16string& units, const char special[2]) {
     static const char escapes[33] = ".......abtnvfr.............e....";
     std::string out;
@@ -168,8 +175,6 @@ std::string dumpString(const std::u16string& units, const char special[2]) {
             std::snprintf(buf, sizeof buf, nextIsHex ? "\\x%04x" : "\\x%x", static_cast<unsigned>(c));
             out += buf;
         } else if (c < 32) {
-            if (c == 0 && left == 1)
-                continue;
             if (escapes[c] != '.') {
                 out += '\\';
                 out += escapes[c];
@@ -497,7 +502,7 @@ void WineHive::stamp(Section& section, std::int64_t now) {
 
 WineHive::Section& WineHive::appendSection(const std::string& key, std::int64_t now) {
     Section section;
-    section.path = trimKey(key);
+    section.path = canonical(trimKey(key));
     section.folded = fold(section.path);
     section.keyPart = "[" + dumpString(toUnits(section.path), "[]") + "]";
     Entry stampEntry;
@@ -542,7 +547,8 @@ std::string WineHive::formatValue(const std::string& name, const HiveValue& valu
                 std::snprintf(buf, sizeof buf, "str(%x):", static_cast<unsigned>(value.type));
                 out += buf;
             }
-            return out + "\"" + dumpString(units, "\"\"") + "\"";
+            // The closing NUL is left out, as Wine leaves it out.
+            return out + "\"" + dumpString(units.substr(0, units.size() - 1), "\"\"") + "\"";
         }
         bytes.clear();
         for (char16_t u : units) {
@@ -586,7 +592,7 @@ void WineHive::setValue(const std::string& key, const std::string& name, const H
         written.erase(p, 4);
     bool continues = false;
     parseValueData(written, parseValueName(written, entry.name), entry.value, continues);
-    entry.name = name;
+    entry.name = canonical(name);
     entry.folded = fold(name);
 
     std::vector<Section*> sections = sectionsOf(fold(trimKey(key)));

@@ -352,3 +352,24 @@ TEST(WineHive, HandEditedUtf8IsReadAndAStrayByteStandsForItself) {
     EXPECT_EQ(std::string(raw->data.begin(), raw->data.end()), "caf\xc3\xa9 \xc3\xbf!\0"s);
     EXPECT_EQ(WineHive::formatValue("Raw", *raw), "\"Raw\"=\"caf\\xe9 \\xff!\"");
 }
+
+TEST(WineHive, NamesWithStrayBytesOrZerosAreFoundTheSameAfterWritingAndReadingBack) {
+    using namespace std::string_literals;
+    const std::string key = "Software\\Tavi\x9a\x86"s;
+    const std::string sub = key + "\\End\0\0"s;
+    const std::string name = "N\xff\0"s;
+    const HiveValue value{platform::RegType::Dword, {1, 0, 0, 0}};
+    WineHive hive;
+    ASSERT_TRUE(hive.parse(testsupport::HiveHeader));
+    hive.createKey(sub, 1);
+    hive.setValue(key, name, value, 1);
+
+    WineHive again;
+    ASSERT_TRUE(again.parse(hive.text()));
+    for (const WineHive* h : {&hive, &again}) {
+        EXPECT_TRUE(h->hasKey(sub));
+        ASSERT_NE(h->value(key, name), nullptr);
+        EXPECT_EQ(h->value(key, name)->data, value.data);
+        EXPECT_EQ(h->valueNames(key), std::vector<std::string>{"N\xc3\xbf\0"s});
+    }
+}
