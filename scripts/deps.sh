@@ -9,6 +9,7 @@ packages=(
     libcli11-dev libgtest-dev libgmock-dev libbenchmark-dev
     libsqlite3-dev sqlite3 libglib2.0-dev
     g++-mingw-w64-x86-64-posix
+    clang-14 libclang-rt-14-dev llvm-14
     xvfb xauth
     e2fsprogs util-linux mount
     coreutils secure-delete libmsiecf-utils
