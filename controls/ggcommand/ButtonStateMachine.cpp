@@ -102,11 +102,13 @@ std::vector<Step> ButtonStateMachine::setValue(bool value) {
     return {event(Step::Click)};
 }
 
-std::vector<Step> ButtonStateMachine::resized() {
+std::vector<Step> ButtonStateMachine::resized(const BehaviourOptions& options) {
     std::vector<Step> steps;
     paintFace(steps, false, CaptionLook::Normal);
     // The new surface has lost the frame; put back the one last drawn, as an uncovered face would.
-    if (m_lastFrame != FrameNormal)
+    // The normal frame only paints the edges over in the background colour, which the fresh face
+    // already shows, unless the border is always shown.
+    if (m_lastFrame != FrameNormal || options.alwaysShowBorder)
         drawFrame(steps, m_lastFrame);
     return steps;
 }

@@ -58,6 +58,7 @@ struct BehaviourOptions {
     bool gradientInverseOnPress = true;
     bool dontReleaseCapture = false;
     bool hasToolTip = false;
+    bool alwaysShowBorder = false;
 };
 
 class ButtonStateMachine {
@@ -79,8 +80,10 @@ public:
     std::vector<Step> doubleClick();
     /// A program set the value: true raises Click, false raises nothing.
     std::vector<Step> setValue(bool value);
-    /// The face was resized or first shown: a fresh normal face, and the frame as last drawn.
-    std::vector<Step> resized();
+    /// The face was resized or first shown: a fresh normal face, and the frame as last drawn. A
+    /// button that always shows its border gets its frame here too, so that it is there from the
+    /// first paint rather than only after the pointer or the focus has passed over it.
+    std::vector<Step> resized(const BehaviourOptions& options);
     /// A property that shows on the face changed: the face again, in its current look.
     std::vector<Step> refresh(const BehaviourOptions& options);
     /// Focus gained: a short frame flash (hover, then normal), unless a skip was armed.

@@ -257,6 +257,7 @@ BehaviourOptions GGCommand::behaviour() const {
     options.useGradientFill = m_props.useGradientFill;
     options.gradientInverseOnPress = m_props.gradientInverseOnPress;
     options.hasToolTip = !m_props.toolTip.empty();
+    options.alwaysShowBorder = m_props.alwaysShowBorder;
     return options;
 }
 
@@ -269,7 +270,7 @@ void GGCommand::applyEdge() {
     setContentsMargins(width, width, width, width);
     // The face's size changes with the edge; resizeEvent is not sent for that, so rebuild here.
     newFace();
-    run(m_machine.resized());
+    run(m_machine.resized(behaviour()));
 }
 
 // ---- painting -----------------------------------------------------------------------------------
@@ -319,7 +320,7 @@ void GGCommand::paintEvent(QPaintEvent*) {
 
 void GGCommand::resizeEvent(QResizeEvent*) {
     newFace();
-    run(m_machine.resized());
+    run(m_machine.resized(behaviour()));
 }
 
 void GGCommand::changeEvent(QEvent* event) {

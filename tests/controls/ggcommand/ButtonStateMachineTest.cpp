@@ -140,9 +140,14 @@ TEST(ButtonStateMachine, FocusFlashesUnlessSkipped) {
 
 TEST(ButtonStateMachine, ResizeRepaintsNormallyAndKeepsTheLastFrame) {
     ButtonStateMachine machine;
-    EXPECT_EQ(kinds(machine.resized()), (std::vector<Step::Kind>{Step::PaintFace}));
+    EXPECT_EQ(kinds(machine.resized({})), (std::vector<Step::Kind>{Step::PaintFace}));
+    BehaviourOptions bordered;
+    bordered.alwaysShowBorder = true;
+    const auto first = machine.resized(bordered);
+    ASSERT_EQ(kinds(first), (std::vector<Step::Kind>{Step::PaintFace, Step::DrawFrame}));
+    EXPECT_EQ(first[1].frameState, 0); // the normal frame, which shows with the border kept
     machine.move(Left, true, {});
-    const auto steps = machine.resized();
+    const auto steps = machine.resized({});
     ASSERT_EQ(kinds(steps), (std::vector<Step::Kind>{Step::PaintFace, Step::DrawFrame}));
     EXPECT_EQ(steps[1].frameState, 1);
 }
