@@ -30,7 +30,6 @@
 #include <QScreen>
 #include <QThread>
 #include <QTimer>
-#include <QVBoxLayout>
 
 #include <cstdlib>
 #include <ctime>
@@ -93,19 +92,23 @@ void TaviMain::buildControls() {
         return b;
     };
 
-    auto* frame4 = new QGroupBox("Internet Controls", this);
-    frame4->setObjectName("Frame4");
-    auto* internet = new QVBoxLayout(frame4);
-    for (int n : {5, 4, 3, 2, 1})
-        internet->addWidget(makeButton(frame4, n));
-    internet->addStretch();
-
-    auto* frame3 = new QGroupBox("Scourmill Controls", this);
-    frame3->setObjectName("Frame3");
-    auto* scourmill = new QGridLayout(frame3);
-    const int order[] = {14, 12, 11, 10, 9, 8, 6, 7};
-    for (int i = 0; i < 8; ++i)
-        scourmill->addWidget(makeButton(frame3, order[i]), i % 4, i / 4);
+    // Both groups stack their buttons from the top at one pitch, so that the rows line up across
+    // the window; the spare height of the shorter group stays below its last row.
+    const auto buttonGroup = [&](const char* name, const char* title, std::initializer_list<int> numbers, int rows) {
+        auto* frame = new QGroupBox(title, this);
+        frame->setObjectName(name);
+        auto* grid = new QGridLayout(frame);
+        grid->setVerticalSpacing(6);
+        int i = 0;
+        for (int n : numbers) {
+            grid->addWidget(makeButton(frame, n), i % rows, i / rows);
+            ++i;
+        }
+        grid->setRowStretch(rows, 1);
+        return frame;
+    };
+    QGroupBox* frame4 = buttonGroup("Frame4", "Internet Controls", {5, 4, 3, 2, 1}, 5);
+    QGroupBox* frame3 = buttonGroup("Frame3", "Scourmill Controls", {14, 12, 11, 10, 9, 8, 6, 7}, 4);
 
     m_combo1 = new QComboBox(this);
     m_combo1->setObjectName("Combo1");
