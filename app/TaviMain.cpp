@@ -151,6 +151,8 @@ void TaviMain::buildMenus() {
     // The menu bar is never shown: its first menu is the tray's pop-up menu, the others the help.
     m_menuBar = new QMenuBar(this);
     m_menuBar->setObjectName("MenuBar");
+    // Kept in the window, where it stays hidden: a desktop's global menu bar would show it.
+    m_menuBar->setNativeMenuBar(false);
     m_menuBar->hide();
 
     m_mnuFile = m_menuBar->addMenu("File");
@@ -211,9 +213,15 @@ void TaviMain::connectCommands() {
     connect(m_tCheck, &QTimer::timeout, this, [this] { checkTick(); });
     connect(m_tClosed, &QTimer::timeout, this, [this] { TClosed_Timer(); });
 
-    m_tray = new tray::SysTray(this);
-    connect(m_tray, &tray::SysTray::doubleClicked, this, [this] { showFromTray(); });
-    connect(m_tray, &tray::SysTray::rightButtonDown, this, [this] { m_mnuFile->popup(QCursor::pos()); });
+    m_tray = new tray::SysTray(m_mnuFile, tray::detectClickReports(), this);
+    connect(m_tray, &tray::SysTray::mouseMessage, this, &TaviMain::Form_MouseMove);
+}
+
+void TaviMain::Form_MouseMove(tray::TrayMessage message) {
+    if (message == tray::TrayMessage::LeftDoubleClick)
+        showFromTray();
+    else if (message == tray::TrayMessage::RightButtonDown)
+        m_mnuFile->popup(QCursor::pos());
 }
 
 void TaviMain::load() {

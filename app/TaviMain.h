@@ -25,6 +25,7 @@ class Platform;
 }
 namespace tray {
 class SysTray;
+enum class TrayMessage;
 }
 namespace hoverhelp {
 class HoverHelp;
@@ -88,6 +89,8 @@ private:
     void hideMe();
     void showFromTray();
     void exitProgram();
+    /// The tray icon's mouse messages.
+    void Form_MouseMove(tray::TrayMessage message);
 
     void refreshConnection();
     void toggleAutoClean();

@@ -43,6 +43,8 @@ int main(int argc, char** argv) {
     // Screenshots need no display: lay the windows out offscreen.
     if (wantsScreenshots(argc, argv) && !std::getenv("QT_QPA_PLATFORM"))
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    // The main window's menu bar is never shown; it must not reach a desktop's global menu bar.
+    QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
     QApplication app(argc, argv);
     QApplication::setApplicationName("Tavi Scourmill");
     QApplication::setQuitOnLastWindowClosed(false); // the tray keeps the program alive

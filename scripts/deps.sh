@@ -10,7 +10,7 @@ packages=(
     libsqlite3-dev sqlite3 libglib2.0-dev
     g++-mingw-w64-x86-64-posix
     clang-14 libclang-rt-14-dev llvm-14
-    xvfb xauth
+    xvfb xauth dbus-daemon
     e2fsprogs util-linux mount
     coreutils secure-delete libmsiecf-utils
     bc
