@@ -40,7 +40,17 @@ MemMonitor::MemMonitor(platform::Platform& platform, QWidget* parent)
     m_timer1->setObjectName("Timer1");
     m_timer1->setInterval(100);
     connect(m_timer1, &QTimer::timeout, this, [this] { refresh(true); });
+}
+
+void MemMonitor::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
     m_timer1->start();
+}
+
+void MemMonitor::hideEvent(QHideEvent* event) {
+    // Nobody sees the figures: reading /proc ten times a second would be for nothing.
+    m_timer1->stop();
+    QWidget::hideEvent(event);
 }
 
 void MemMonitor::refresh(bool all) {

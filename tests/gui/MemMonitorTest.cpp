@@ -32,8 +32,12 @@ private slots:
         QVERIFY(text("Label7").startsWith("Available Extended Virtual     "));
         QCOMPARE(text("Label8"), QString("Label8"));
         QCOMPARE(text("Label9"), QString("Label9"));
-        QCOMPARE(monitor.findChild<QTimer*>("Timer1")->interval(), 100);
+        auto* timer = monitor.findChild<QTimer*>("Timer1");
+        QCOMPARE(timer->interval(), 100);
+        QVERIFY(!timer->isActive()); // nobody sees the figures yet: none are read
 
+        monitor.show();
+        QVERIFY(timer->isActive());
         QTRY_VERIFY(text("Label8").startsWith("PageFile Usage "));
         QVERIFY(text("Label9").startsWith("Current memory load:     "));
         QVERIFY(text("Label9").endsWith(" %."));
@@ -41,6 +45,9 @@ private slots:
         QVERIFY(monitor.findChild<QLabel*>("Label7")->y() < monitor.findChild<QLabel*>("Label9")->y());
         QVERIFY(monitor.findChild<QLabel*>("Label9")->y() < monitor.findChild<QLabel*>("Label8")->y());
         QCOMPARE(monitor.findChild<QLabel*>("Label1")->geometry(), QRect(8, 32, 249, 25));
+
+        monitor.hide();
+        QVERIFY(!timer->isActive());
     }
 };
 
