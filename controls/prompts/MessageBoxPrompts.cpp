@@ -1,8 +1,12 @@
 #include "controls/prompts/MessageBoxPrompts.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
+#include <QScreen>
 #include <QTextStream>
+
+#include <algorithm>
 
 namespace prompts {
 namespace {
@@ -24,6 +28,21 @@ QMessageBox::Icon iconFor(int style) {
     }
 }
 
+/// A text its author broke into lines keeps them: the box is made wide enough for the longest line
+/// (up to most of the screen) instead of wrapping the lines again at its usual width.
+void keepLines(QMessageBox& box, const QString& text) {
+    auto* label = box.findChild<QLabel*>("qt_msgbox_label");
+    if (!label || !text.contains('\n'))
+        return;
+    int widest = 0;
+    for (QString line : text.split('\n'))
+        widest = std::max(widest, label->fontMetrics().horizontalAdvance(line.remove('\r')));
+    widest += label->fontMetrics().averageCharWidth(); // the wrap decision rounds against us
+    if (const QScreen* screen = box.screen())
+        widest = std::min(widest, screen->availableGeometry().width() * 9 / 10);
+    label->setMinimumWidth(widest);
+}
+
 int run(QWidget* owner, const std::string& text, const std::string& title, int style,
         QMessageBox::StandardButtons buttons) {
     if (g_unattended) {
@@ -33,6 +52,7 @@ int run(QWidget* owner, const std::string& text, const std::string& title, int s
     QMessageBox box(iconFor(style), QString::fromStdString(title), QString::fromStdString(text), buttons,
                     owner ? owner : QApplication::activeWindow());
     box.setObjectName("MessageBox");
+    keepLines(box, box.text());
     return box.exec();
 }
 
