@@ -6,8 +6,12 @@
 #include "app/WindowSet.h"
 #include "platform/Platform.h"
 
+#include <QAction>
+#include <QCoreApplication>
 #include <QTest>
+#include <QTimer>
 
+#include <functional>
 #include <memory>
 
 namespace testsupport {
@@ -20,6 +24,24 @@ struct MainWindowUnderTest {
     MainWindowUnderTest() {
         main.show();
         (void)QTest::qWaitForWindowExposed(&main);
+    }
+
+    /// Runs the program's event loop as main() does, calls `whileRunning` every few milliseconds
+    /// until it returns true, then chooses Exit from the tray menu. Returns the loop's exit code,
+    /// or -1 when it did not end within a minute.
+    int exitWhen(const std::function<bool()>& whileRunning) {
+        app::endEventLoopOnExit(main);
+        QTimer poll;
+        poll.setInterval(5);
+        QObject::connect(&poll, &QTimer::timeout, [&] {
+            if (whileRunning()) {
+                poll.stop();
+                main.findChild<QAction*>("Mnu_Exit")->trigger();
+            }
+        });
+        poll.start();
+        QTimer::singleShot(60000, [] { QCoreApplication::exit(-1); });
+        return QCoreApplication::exec();
     }
 };
 

@@ -41,24 +41,6 @@ class SecureWipeWindowsTest : public QObject {
         return found;
     }
 
-    /// Runs the program's event loop as main() does, calls `whileRunning` every few milliseconds
-    /// until it returns true, then chooses Exit from the tray menu. Returns the loop's exit code,
-    /// or -1 when it did not end within a minute.
-    static int exitWhen(testsupport::MainWindowUnderTest& program, const std::function<bool()>& whileRunning) {
-        app::endEventLoopOnExit(program.main);
-        QTimer poll;
-        poll.setInterval(5);
-        QObject::connect(&poll, &QTimer::timeout, [&] {
-            if (whileRunning()) {
-                poll.stop();
-                program.main.findChild<QAction*>("Mnu_Exit")->trigger();
-            }
-        });
-        poll.start();
-        QTimer::singleShot(60000, [] { QCoreApplication::exit(-1); });
-        return QCoreApplication::exec();
-    }
-
     static void screenshot(QWidget& window, const QString& suffix = {}) {
         const QByteArray dir = qgetenv("SCOURMILL_SCREENSHOTS");
         if (!dir.isEmpty())
@@ -173,7 +155,7 @@ private slots:
         drives->setCurrentIndex(drives->findText(QString::fromStdString(image.mountPoint().string())));
         QVERIFY(drives->currentIndex() >= 0);
         QTimer::singleShot(0, child<QPushButton>(*window, "Command2"), &QPushButton::click);
-        QCOMPARE(exitWhen(program, [&] { return fs::exists(temp); }), 0);
+        QCOMPARE(program.exitWhen([&] { return fs::exists(temp); }), 0);
         QVERIFY(!window->running());
         QVERIFY(!fs::exists(temp));
         QVERIFY(child<QLineEdit>(*window, "Text2")->text().toInt() < 35); // stopped, not run to its end
@@ -192,19 +174,18 @@ private slots:
         child<QLineEdit>(*window, "txtFileName")->setText("big.bin");
         QTimer::singleShot(0, child<QPushButton>(*window, "CmdOK"), &QPushButton::click);
         bool lockedWhileRunning = false;
-        QCOMPARE(exitWhen(program,
-                          [&] {
-                              // The window asks through a real message box here: answer Yes.
-                              if (auto* box = window->findChild<QMessageBox*>("MessageBox"))
-                                  box->button(QMessageBox::Yes)->click();
-                              if (!window->running() || child<QLineEdit>(*window, "Text2")->text() != "2")
-                                  return false;
-                              lockedWhileRunning = !child<QPushButton>(*window, "CmdOK")->isEnabled() &&
-                                                   !child<QPushButton>(*window, "Command1")->isEnabled() &&
-                                                   child<QPushButton>(*window, "Command2")->isEnabled();
-                              return true;
-                          }),
-                 0);
+        const auto lockedOnceRunning = [&] {
+            // The window asks through a real message box here: answer Yes.
+            if (auto* box = window->findChild<QMessageBox*>("MessageBox"))
+                box->button(QMessageBox::Yes)->click();
+            if (!window->running() || child<QLineEdit>(*window, "Text2")->text() != "2")
+                return false;
+            lockedWhileRunning = !child<QPushButton>(*window, "CmdOK")->isEnabled() &&
+                                 !child<QPushButton>(*window, "Command1")->isEnabled() &&
+                                 child<QPushButton>(*window, "Command2")->isEnabled();
+            return true;
+        };
+        QCOMPARE(program.exitWhen(lockedOnceRunning), 0);
         QVERIFY(lockedWhileRunning);
         QVERIFY(!window->running());
         QVERIFY(child<QPushButton>(*window, "CmdOK")->isEnabled());
