@@ -48,7 +48,8 @@ TEST(WipeMemoryCli, AsksWithTheBytesItWillFillAndRefusesSizesThatAreNoSize) {
     EXPECT_TRUE(contains(r.err, "Fill 420,000,000 bytes of memory")) << r.err;
 
     // The default is the suggested size: the commit limit / 83.33333333 characters a string.
-    const std::uint64_t commit = kilobyteField("/proc/meminfo", "MemTotal") + kilobyteField("/proc/meminfo", "SwapTotal");
+    const std::uint64_t commit =
+        kilobyteField("/proc/meminfo", "MemTotal") + kilobyteField("/proc/meminfo", "SwapTotal");
     const auto suggested = static_cast<std::uint64_t>(std::llround(static_cast<double>(commit) / 83.33333333));
     r = runCli("wipe-memory");
     EXPECT_TRUE(contains(r.err, "Fill " + grouped(42 * suggested) + " bytes")) << r.err;
@@ -78,8 +79,8 @@ TEST(WipeMemoryCli, CtrlCEndsTheRunAtTheNextPassAndMeanwhileTheProcessIsFirstToG
     ASSERT_GE(child, 0);
     if (child == 0) {
         // 50 MB a string: about a second and a half to fill all 21.
-        const std::string command = "exec " + std::string(SCOURMILL_CLI) + " wipe-memory --yes --size 25 </dev/null 2>" +
-                                    testsupport::shellQuoted(errors);
+        const std::string command = "exec " + std::string(SCOURMILL_CLI) +
+                                    " wipe-memory --yes --size 25 </dev/null 2>" + testsupport::shellQuoted(errors);
         ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
         ::_exit(127);
     }

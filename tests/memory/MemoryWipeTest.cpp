@@ -73,7 +73,9 @@ TEST_F(MemoryWipeTest, FillsTwentyOneStringsAndReallyHoldsThemAllAtThePeak) {
     EXPECT_EQ(view.fills.front(), memory::MemoryWipe::TrackStart);
     EXPECT_EQ(view.fills[1] - view.fills[0], 156);
     EXPECT_EQ(view.fills.back(), memory::MemoryWipe::TrackEnd);
-    EXPECT_EQ(view.passes, (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20}));
+    ASSERT_EQ(view.passes.size(), 21u);
+    for (int pass = 0; pass < 21; ++pass)
+        EXPECT_EQ(view.passes[static_cast<std::size_t>(pass)], pass);
     EXPECT_EQ(view.pumps, 42); // twice a pass
     // The first process the system would end while the run holds memory; put back afterwards.
     EXPECT_EQ(view.scores, std::vector<int>(21, 1000));
