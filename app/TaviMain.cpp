@@ -14,6 +14,7 @@
 #include "controls/ggcommand/GGCommand.h"
 #include "controls/hoverhelp/HoverHelp.h"
 #include "controls/ggcommand/Design.h"
+#include "memory/ui/CleanMemory.h"
 #include "platform/Platform.h"
 #include "wipe/ui/BusyCursor.h"
 
@@ -191,6 +192,11 @@ void TaviMain::connectCommands() {
     connect(button(3), &ggcommand::GGCommand::Click, this, [this] { GGCommand3_Click(); });
     connect(button(5), &ggcommand::GGCommand::Click, this, [this] { startPopUpStopper(); });
     connect(button(4), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("TaviIndex"); });
+    connect(button(6), &ggcommand::GGCommand::Click, this, [this] {
+        // The wipe window, with the monitor flush against its right edge.
+        if (auto* wipe = qobject_cast<memory::ui::CleanMemory*>(m_windows.show("CleanMemory")))
+            wipe->dockMonitor();
+    });
     connect(button(7), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("MemMonitor"); });
     connect(button(8), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("TaviSecureWipe"); });
     connect(button(9), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("frmSize"); });

@@ -2,6 +2,7 @@
 
 #include "controls/widgets/ToolRun.h"
 
+#include "memory/ui/CleanMemory.h"
 #include "memory/ui/MemMonitor.h"
 #include "wipe/ui/TaviSecureWipe.h"
 #include "wipe/ui/frmSize.h"
@@ -13,6 +14,10 @@ WindowSet::WindowSet(platform::Platform& platform) : m_platform(platform) {
     // One line per tool window: {"Name", [](platform::Platform& p) { return new Window(p); }},
     m_factories = {
         {"MemMonitor", [](platform::Platform& p) { return new memory::ui::MemMonitor(p); }},
+        {"CleanMemory",
+         [this](platform::Platform& p) {
+             return new memory::ui::CleanMemory(p, [this] { return window("MemMonitor"); });
+         }},
         {"TaviSecureWipe", [](platform::Platform& p) { return new wipe::ui::TaviSecureWipe(p); }},
         {"frmSize", [](platform::Platform& p) { return new wipe::ui::frmSize(p); }},
         {"TaviIndex", [](platform::Platform& p) { return new indexdat::ui::TaviIndex(p); }},

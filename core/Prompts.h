@@ -38,5 +38,7 @@ public:
 
 /// The title of most of the program's messages.
 inline const std::string MessageTitle = "Tavi Message";
+/// The program's own title, which some messages carry.
+inline const std::string ApplicationTitle = "Tavi Scourmill";
 
 } // namespace core
