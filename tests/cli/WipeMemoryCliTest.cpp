@@ -2,6 +2,7 @@
 // stop at the memory floor, and Ctrl-C in the middle of a run, watched from outside through /proc.
 
 #include "tests/support/CliProcess.h"
+#include "tests/support/ProcFields.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
@@ -9,28 +10,18 @@
 #include <chrono>
 #include <cmath>
 #include <csignal>
-#include <fstream>
 #include <string>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
+using testsupport::procKilobytes;
 using testsupport::runCli;
 
 namespace {
 
 bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
-}
-
-/// A "Name:  N kB" field of a /proc file, in bytes; 0 when missing.
-std::uint64_t kilobyteField(const std::string& file, const std::string& name) {
-    std::ifstream in(file);
-    std::string line;
-    while (std::getline(in, line))
-        if (line.rfind(name + ":", 0) == 0)
-            return std::stoull(line.substr(name.size() + 1)) * 1024;
-    return 0;
 }
 
 std::string grouped(std::uint64_t n) {
@@ -49,7 +40,7 @@ TEST(WipeMemoryCli, AsksWithTheBytesItWillFillAndRefusesSizesThatAreNoSize) {
 
     // The default is the suggested size: the commit limit / 83.33333333 characters a string.
     const std::uint64_t commit =
-        kilobyteField("/proc/meminfo", "MemTotal") + kilobyteField("/proc/meminfo", "SwapTotal");
+        procKilobytes("/proc/meminfo", "MemTotal") + procKilobytes("/proc/meminfo", "SwapTotal");
     const auto suggested = static_cast<std::uint64_t>(std::llround(static_cast<double>(commit) / 83.33333333));
     r = runCli("wipe-memory");
     EXPECT_TRUE(contains(r.err, "Fill " + grouped(42 * suggested) + " bytes")) << r.err;
@@ -86,7 +77,7 @@ TEST(WipeMemoryCli, CtrlCEndsTheRunAtTheNextPassAndMeanwhileTheProcessIsFirstToG
     }
     const std::string proc = "/proc/" + std::to_string(child);
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (kilobyteField(proc + "/status", "VmRSS") < 150'000'000 && std::chrono::steady_clock::now() < deadline)
+    while (procKilobytes(proc + "/status", "VmRSS") < 150'000'000 && std::chrono::steady_clock::now() < deadline)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     EXPECT_EQ(testsupport::readFile(proc + "/oom_score_adj"), "1000\n");
     ::kill(child, SIGINT);

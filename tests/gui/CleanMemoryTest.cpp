@@ -7,6 +7,7 @@
 #include "memory/ui/CleanMemory.h"
 #include "memory/ui/MemMonitor.h"
 #include "tests/gui/MainWindowUnderTest.h"
+#include "tests/support/ProcFields.h"
 #include "tests/support/QtTestMain.h"
 #include "tests/support/Scratch.h"
 
@@ -25,28 +26,15 @@
 #include <fstream>
 
 using memory::ui::CleanMemory;
+using testsupport::child;
 
 class CleanMemoryTest : public QObject {
     Q_OBJECT
 
     std::unique_ptr<platform::Platform> m_platform = platform::createNative();
 
-    template <class T>
-    static T* child(QWidget& window, const char* name) {
-        auto* found = window.findChild<T*>(name);
-        if (!found)
-            qFatal("no control named %s", name);
-        return found;
-    }
-
-    /// A "Name:  N kB" field of a /proc file, in bytes.
     static double kilobyteField(const char* file, const std::string& name) {
-        std::ifstream in(file);
-        std::string line;
-        while (std::getline(in, line))
-            if (line.rfind(name + ":", 0) == 0)
-                return std::stod(line.substr(name.size() + 1)) * 1024;
-        return 0;
+        return static_cast<double>(testsupport::procKilobytes(file, name));
     }
 
     static void screenshot(QWidget& window, const QString& name) {

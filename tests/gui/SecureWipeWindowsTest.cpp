@@ -26,20 +26,13 @@
 #include <fstream>
 
 namespace fs = std::filesystem;
+using testsupport::child;
 using testsupport::ScratchDir;
 
 class SecureWipeWindowsTest : public QObject {
     Q_OBJECT
 
     std::unique_ptr<platform::Platform> m_platform = platform::createNative();
-
-    template <class T>
-    static T* child(QWidget& window, const char* name) {
-        auto* found = window.findChild<T*>(name);
-        if (!found)
-            qFatal("no control named %s", name);
-        return found;
-    }
 
     static void screenshot(QWidget& window, const QString& suffix = {}) {
         const QByteArray dir = qgetenv("SCOURMILL_SCREENSHOTS");

@@ -28,6 +28,7 @@
 
 namespace fs = std::filesystem;
 using ggcommand::GGCommand;
+using testsupport::child;
 
 class TaviIndexTest : public QObject {
     Q_OBJECT
@@ -50,14 +51,6 @@ class TaviIndexTest : public QObject {
             }
             answerBoxes(buttons, texts);
         });
-    }
-
-    template <class T>
-    T* child(QWidget& w, const char* name) {
-        T* found = w.findChild<T*>(name);
-        if (!found)
-            qFatal("no control %s", name);
-        return found;
     }
 
 private slots:

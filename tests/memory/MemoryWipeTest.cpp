@@ -3,6 +3,7 @@
 
 #include "memory/MemoryWipe.h"
 #include "platform/Platform.h"
+#include "tests/support/ProcFields.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
@@ -16,12 +17,7 @@ namespace {
 
 /// A field of /proc/self/status, in bytes.
 std::uint64_t statusBytes(const std::string& field) {
-    std::ifstream in("/proc/self/status");
-    std::string line;
-    while (std::getline(in, line))
-        if (line.rfind(field + ":", 0) == 0)
-            return std::stoull(line.substr(field.size() + 1)) * 1024;
-    return 0;
+    return testsupport::procKilobytes("/proc/self/status", field);
 }
 
 int oomScoreAdj() {

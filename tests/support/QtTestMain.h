@@ -11,6 +11,16 @@
 
 namespace testsupport {
 
+/// The control called `name` of type T inside `window`; ends the test program when there is none,
+/// since every later step would be meaningless.
+template <class T>
+T* child(QWidget& window, const char* name) {
+    auto* found = window.findChild<T*>(name);
+    if (!found)
+        qFatal("no control named %s", name);
+    return found;
+}
+
 /// Runs the QtTest object `T` in a QApplication on the offscreen platform inside the scratch
 /// environment; removes the scratch folder afterwards.
 template <class T>
