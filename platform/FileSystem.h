@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -24,7 +25,11 @@ struct FileInfo {
     std::string name;             ///< last path component
     std::uint32_t attributes = 0; ///< Attr bits
     std::uint64_t size = 0;       ///< bytes; 0 for folders
-    std::uint64_t device = 0;     ///< filesystem identity, to keep walks on one filesystem
+    std::uint64_t device = 0;     ///< filesystem identity (st_dev, the volume serial number)
+    std::uint64_t index = 0;      ///< the file's number on its filesystem (inode, file index):
+                                  ///< with `device`, which file this is
+    std::uint64_t mount = 0;      ///< the mount it is reached through (mount ID; the volume on
+                                  ///< Windows); differs from its folder's at a mount point
     std::uint64_t links = 1;      ///< names the file has (hard links); a file with more is never overwritten
     bool isRegular = false;       ///< a plain file (not a folder, link, device, socket, pipe)
     bool ownedByUser = false;     ///< owned by the user running the program
@@ -32,7 +37,11 @@ struct FileInfo {
 
     bool isDirectory() const { return attributes & Attr::Directory; }
     bool isLink() const { return attributes & Attr::ReparsePoint; }
+    /// Whether `other` describes the same file (the same filesystem and file number).
+    bool sameFileAs(const FileInfo& other) const { return device == other.device && index == other.index; }
 };
+
+class Folder;
 
 /// What a folder listing itself says an entry is, without asking about the entry.
 enum class EntryKind { Unknown, File, Directory, Link, Other };
@@ -57,6 +66,10 @@ public:
     virtual bool matches(const std::string& name, const std::string& pattern) const = 0;
     /// Facts about `path` itself (a link is described, not followed); empty when it does not exist.
     virtual std::optional<FileInfo> info(const std::string& path) = 0;
+    /// Opens the folder `path` for a walk (see Folder.h). Links in the folders leading to it are
+    /// followed, as the user named them; a link as the last component is not: null then, and when
+    /// `path` is no folder.
+    virtual std::unique_ptr<Folder> openFolder(const std::string& path) = 0;
     /// Deletes a file or a link (never its target). True when it is gone, also when it was already.
     virtual bool removeFile(const std::string& path) = 0;
     /// Deletes an empty folder. True when it is gone.

@@ -2,11 +2,15 @@
 // Raw file handles for unbuffered random-access reading and writing of bytes: the facility under
 // the file object of the secure-deletion code. A handle is opened for reading and writing, created
 // when missing, never truncated, never through a symbolic link, and exclusively: while it is open no
-// other opener gets the same file.
+// other opener gets the same file. A file with other hard links is never opened for writing: what
+// was written through one name would change the file under all of them.
+
+#include "platform/FileSystem.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace platform {
@@ -33,6 +37,12 @@ public:
     virtual bool truncate() = 0;
     /// OS-level handle number, for display and identity only.
     virtual std::intptr_t nativeHandle() const = 0;
+    /// Facts about the open file (which file it is, its links, size and mount), as they are now;
+    /// empty on failure. The name is left empty.
+    virtual std::optional<FileInfo> info() const = 0;
+    /// Whether another handle, in this process or another, has the file open too. Where the open
+    /// is exclusive by itself (Windows) this is always false.
+    virtual bool openElsewhere() const = 0;
 };
 
 class RawFiles {
@@ -40,7 +50,8 @@ public:
     virtual ~RawFiles() = default;
 
     /// Opens `path` read-write, creating it when missing (OPEN_ALWAYS), exclusively and without
-    /// following a symbolic link. Only plain files open: a device, pipe or folder is refused.
+    /// following a symbolic link. Only plain files with one name open: a device, pipe or folder is
+    /// refused, and so is a file with other hard links.
     /// Returns null on failure, with lastError() set.
     virtual std::unique_ptr<RawFile> open(const std::string& path) = 0;
     /// Opens the existing regular file `path` for reading only, shared with other readers, never

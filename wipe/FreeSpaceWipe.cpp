@@ -97,10 +97,21 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::start(const std::string& dir, bool removab
 
 FreeSpaceWipe::Outcome FreeSpaceWipe::run(const std::string& dir, core::Currency freeBytes, core::Currency increment) {
     const std::string path = tempPath(dir);
+    // Every pass's file is made in this open folder, whatever becomes of the path meanwhile.
+    const auto folder = m_platform.fileSystem().openFolder(dir);
     Random file(m_platform.rawFiles());
+    std::optional<platform::FileInfo> made; // the temporary file of this pass, the only one to remove
+    const auto removeTemp = [&] {
+        if (folder && made)
+            truncateAndDelete(*folder, texts::TempFileName, m_problems, made);
+        made.reset();
+    };
+    const auto flushPass = [&](int pass) {
+        if (!file.Flush())
+            m_problems.skipped(path, "pass " + std::to_string(pass) + " did not reach the device");
+    };
     m_running = true;
     m_view.setWipeEnabled(false);
-    bool opened = false; // an error before the first open must not delete another wipe's file
     try {
         const double quotient = static_cast<double>(freeBytes.raw()) / static_cast<double>(increment.raw());
         const std::int64_t count = core::Currency::fromRaw(core::roundHalfEven(quotient * core::Currency::Scale)).rounded();
@@ -109,8 +120,8 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(const std::string& dir, core::Currency
 
         for (int pass = 1; pass <= Gutmann::PassCount; ++pass) {
             m_view.passStarted(pass, increment);
-            file.OpenFile(path);
-            opened = true;
+            file.OpenFile(path, folder.get(), texts::TempFileName);
+            made = file.Info();
             if (Gutmann::isRandom(pass)) {
                 // The two halves of the table are seeded differently on purpose.
                 const double t = PatternRandom::secondsSinceMidnight();
@@ -156,9 +167,9 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(const std::string& dir, core::Currency
 
                 const bool interrupted = m_view.interrupted();
                 if (interrupted || (m_view.exitRequested() && exitConfirmed())) {
-                    file.Flush();
+                    flushPass(pass);
                     file.CloseFile();
-                    removeTemp(path);
+                    removeTemp();
                     m_view.setWipeEnabled(true);
                     m_view.setExitRequested(false);
                     m_running = false;
@@ -169,15 +180,14 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(const std::string& dir, core::Currency
                 if (m_view.pauseRequested())
                     pause();
             }
-            file.Flush(); // the pass must be on the device before its file is released
+            flushPass(pass); // the pass must be on the device before its file is released
             file.CloseFile();
-            removeTemp(path);
+            removeTemp();
         }
     } catch (...) {
         if (file.IsOpen())
             file.CloseFile();
-        if (opened)
-            removeTemp(path);
+        removeTemp();
         m_view.setWipeEnabled(true);
         m_running = false;
         throw;
@@ -208,10 +218,6 @@ void FreeSpaceWipe::pause() {
                           core::MsgStyle::OkOnly);
 }
 
-void FreeSpaceWipe::removeTemp(const std::string& path) {
-    truncateAndDelete(m_platform, path, m_problems);
-}
-
 bool FreeSpaceWipe::requestQuit(bool wipeEnabled) {
     if (wipeEnabled)
         return true;
@@ -223,15 +229,16 @@ bool FreeSpaceWipe::requestQuit(bool wipeEnabled) {
 
 bool FreeSpaceWipe::offerStaleRemoval(const std::string& dir) {
     const std::string path = tempPath(dir);
-    const auto info = m_platform.fileSystem().info(path);
+    const auto folder = m_platform.fileSystem().openFolder(dir);
+    const auto info = folder ? folder->entry(texts::TempFileName) : std::nullopt;
     if (!info)
         return false;
-    if (info->isRegular && !m_platform.rawFiles().open(path))
-        return false; // held open: a wipe is running on it right now
+    if (info->isRegular && !folder->openFile(texts::TempFileName, false))
+        return false; // held open (a wipe is running on it right now), or not ours to cut
     if (!m_view.prompts().askYesNo(texts::staleTempFile(path, core::formatGrouped(static_cast<std::int64_t>(info->size))),
                                    core::MessageTitle, core::MsgStyle::YesNo | core::MsgStyle::Question))
         return false;
-    return truncateAndDelete(m_platform, path, m_problems);
+    return truncateAndDelete(*folder, texts::TempFileName, m_problems, info);
 }
 
 } // namespace wipe

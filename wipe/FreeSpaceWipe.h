@@ -65,7 +65,6 @@ private:
     Outcome start(const std::string& dir, bool removable);
     bool exitConfirmed();
     void pause();
-    void removeTemp(const std::string& path);
 
     platform::Platform& m_platform;
     FreeSpaceView& m_view;

@@ -80,6 +80,22 @@ void Random::OpenFile(const std::string& fileName) {
     m_fileName = fileName;
 }
 
+void Random::OpenFile(const std::string& fileName, platform::Folder* folder, const std::string& name) {
+    m_files.setLastError(0);
+    if (m_file)
+        raise(FileError::AlreadyOpen, m_fileName);
+    auto file = folder ? folder->openFile(name, true) : nullptr;
+    if (!file)
+        raise(FileError::OpenFailed, fileName);
+    m_file = std::move(file);
+    m_fileName = fileName;
+}
+
+platform::FileInfo Random::Info() const {
+    requireOpen();
+    return m_file->info().value_or(platform::FileInfo{});
+}
+
 void Random::CloseFile() {
     requireOpen();
     m_file.reset();
@@ -103,9 +119,9 @@ void Random::WriteBytes(std::span<const std::uint8_t> data) {
         Flush();
 }
 
-void Random::Flush() {
+bool Random::Flush() {
     requireOpen();
-    m_file->flush();
+    return m_file->flush();
 }
 
 void Random::StartFlush(std::int64_t position, std::int64_t length) {

@@ -4,6 +4,7 @@
 // opened read-write, created when missing and never truncated, exclusively (no other opener while
 // open) and never through a symbolic link. Every failure is a FileError numbered 45600 to 45604.
 
+#include "platform/Folder.h"
 #include "platform/RawFiles.h"
 
 #include <cstdint>
@@ -36,6 +37,11 @@ public:
     /// Opens `fileName` (created when missing, contents kept). Raises 45601 naming the file already
     /// open when one is, 45602 naming `fileName` when the system refuses it.
     void OpenFile(const std::string& fileName);
+    /// Opens `name` inside the open folder `folder`, as OpenFile does, and calls it `fileName`;
+    /// with no folder (it could not be opened) raises 45602 as a failed open does.
+    void OpenFile(const std::string& fileName, platform::Folder* folder, const std::string& name);
+    /// Facts about the open file (which file it is). Raises 45603 when closed.
+    platform::FileInfo Info() const;
     /// Closes the handle; auto-flush goes back to off. Raises 45603 when closed.
     void CloseFile();
     /// `byteCount` bytes read at the file position, always `byteCount` long: what lies past the end
@@ -44,8 +50,9 @@ public:
     /// Writes `data` at the file position; a short or failed write is not reported (a full disk
     /// simply stops taking bytes). Raises 45603 when closed.
     void WriteBytes(std::span<const std::uint8_t> data);
-    /// Makes everything written reach the device. Raises 45603 when closed.
-    void Flush();
+    /// Makes everything written reach the device; false when the system says it did not. Raises
+    /// 45603 when closed.
+    bool Flush();
     /// Starts `length` bytes from `position` on their way to the device without waiting; Flush
     /// still has to follow. Raises 45603 when closed.
     void StartFlush(std::int64_t position, std::int64_t length);

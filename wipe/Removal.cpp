@@ -5,43 +5,42 @@
 namespace wipe {
 namespace {
 
-bool removeBelow(platform::FileSystem& files, const std::string& path, std::uint64_t device,
-                 core::ProblemSink& problems) {
-    files.makeNormal(path); // a read-only folder would refuse the removal of its entries
+std::string shown(const platform::Folder& folder, const std::string& name) {
+    const std::string& path = folder.path();
+    if (path.empty() || path.back() == '/' || path.back() == '\\')
+        return path + name;
+    // The separator the folder's own path uses.
+    return path + (path.find('\\') != std::string::npos ? '\\' : '/') + name;
+}
+
+bool removeBelow(platform::Folder& dir, core::ProblemSink& problems) {
     std::vector<platform::FileInfo> entries;
     // Collected first: removing entries while the folder is being read may skip some.
-    if (!files.list(path, "*", [&](const platform::FileInfo& fi) {
+    if (!dir.list([&](const platform::FileInfo& fi) {
             entries.push_back(fi);
             return true;
         })) {
-        problems.skipped(path, "cannot be listed");
+        problems.skipped(dir.path(), "cannot be listed");
         return false;
     }
     bool all = true;
     for (const auto& entry : entries) {
-        const std::string child = joinPath(files, path, entry.name);
-        if (entry.isDirectory() && !entry.isLink()) {
-            if (entry.device != device) {
-                problems.skipped(child, "is another filesystem mounted here; left in place");
-                all = false;
-                continue;
-            }
-            all = removeBelow(files, child, device, problems) && all;
+        if (isMountPoint(dir, entry)) {
+            problems.skipped(shown(dir, entry.name), "is a mount point; left in place");
+            all = false;
             continue;
         }
-        files.makeNormal(child);
-        if (!files.removeFile(child)) {
-            problems.skipped(child, "cannot be deleted");
+        if (entry.isDirectory() && !entry.isLink()) {
+            all = removeTree(dir, entry.name, problems) && all;
+            continue;
+        }
+        dir.makeNormal(entry.name); // Windows refuses to delete a read-only file
+        if (!dir.removeFile(entry.name)) {
+            problems.skipped(shown(dir, entry.name), "cannot be deleted");
             all = false;
         }
     }
-    if (!all)
-        return false;
-    if (!files.removeDirectory(path)) {
-        problems.skipped(path, "cannot be deleted");
-        return false;
-    }
-    return true;
+    return all;
 }
 
 } // namespace
@@ -53,33 +52,72 @@ std::string joinPath(const platform::FileSystem& files, const std::string& folde
     return folder + sep + name;
 }
 
-bool truncateAndDelete(platform::Platform& platform, const std::string& path, core::ProblemSink& problems) {
-    auto& files = platform.fileSystem();
-    const auto info = files.info(path);
+std::pair<std::string, std::string> splitPath(const platform::FileSystem& files, const std::string& path) {
+    std::string p = path;
+    const char sep = files.separator();
+    while (p.size() > 1 && p.back() == sep)
+        p.pop_back();
+    const auto cut = p.rfind(sep);
+    if (cut == std::string::npos)
+        return {".", p};
+    return {cut == 0 ? p.substr(0, 1) : p.substr(0, cut), p.substr(cut + 1)};
+}
+
+bool isMountPoint(const platform::Folder& folder, const platform::FileInfo& entry) {
+    return entry.mount != folder.self().mount;
+}
+
+bool truncateAndDelete(platform::Folder& folder, const std::string& name, core::ProblemSink& problems,
+                       const std::optional<platform::FileInfo>& expected) {
+    const auto info = folder.entry(name);
     if (!info)
         return true;
-    if (info->isRegular) {
-        if (auto file = platform.rawFiles().open(path)) {
-            file->seek(0, platform::RawFile::From::Begin);
-            file->truncate();
+    if (isMountPoint(folder, *info)) {
+        problems.skipped(shown(folder, name), "is a mount point; left in place");
+        return false;
+    }
+    if (info->isRegular && info->links == 1 && (!expected || info->sameFileAs(*expected))) {
+        if (auto file = folder.openFile(name, false)) {
+            const auto held = file->info();
+            if (held && held->sameFileAs(*info)) {
+                file->seek(0, platform::RawFile::From::Begin);
+                file->truncate();
+            }
         }
     }
-    if (!files.removeFile(path)) {
-        problems.skipped(path, "cannot be deleted");
+    if (!folder.removeFile(name)) {
+        problems.skipped(shown(folder, name), "cannot be deleted");
         return false;
     }
     return true;
 }
 
-bool removeTree(platform::FileSystem& files, const std::string& path, core::ProblemSink& problems) {
-    const auto info = files.info(path);
+bool removeTree(platform::Folder& parent, const std::string& name, core::ProblemSink& problems) {
+    const auto info = parent.entry(name);
     if (!info)
         return true;
     if (!info->isDirectory() || info->isLink()) {
-        problems.skipped(path, "is not a folder");
+        problems.skipped(shown(parent, name), "is not a folder");
         return false;
     }
-    return removeBelow(files, path, info->device, problems);
+    if (isMountPoint(parent, *info)) {
+        problems.skipped(shown(parent, name), "is a mount point; left in place");
+        return false;
+    }
+    parent.makeNormal(name); // a read-only folder would refuse the removal of its entries
+    auto dir = parent.openFolder(name);
+    if (!dir || !dir->self().sameFileAs(*info)) {
+        problems.skipped(shown(parent, name), "cannot be opened");
+        return false;
+    }
+    if (!removeBelow(*dir, problems))
+        return false;
+    dir.reset();
+    if (!parent.removeFolder(name)) {
+        problems.skipped(shown(parent, name), "cannot be deleted");
+        return false;
+    }
+    return true;
 }
 
 } // namespace wipe

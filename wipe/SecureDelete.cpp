@@ -57,53 +57,93 @@ bool SecureDelete::WipeFolder(const std::string& folder) {
                                    core::MsgStyle::YesNo | core::MsgStyle::Exclamation))
         return false;
     auto& files = m_platform.fileSystem();
-    const auto info = files.info(folder);
-    if (!info || !info->isDirectory() || info->isLink()) {
+    auto dir = files.openFolder(folder);
+    if (!dir) {
         m_problems.skipped(folder, "is not a folder");
         return true;
     }
     std::vector<std::string> own;
-    files.list(folder, "*", [&](const platform::FileInfo& fi) {
+    dir->list([&](const platform::FileInfo& fi) {
         if (fi.isRegular)
-            own.push_back(joinPath(files, folder, fi.name));
+            own.push_back(fi.name);
         return true;
     });
-    for (const auto& path : own) {
+    for (const auto& name : own) {
         if (m_view.interrupted())
             return true; // the rest, and the folder, stay as they are
-        WipeFile(path);
+        wipeEntry(*dir, name);
     }
-    // Subfolders go without being overwritten, and links are removed, never followed.
-    removeTree(files, folder, m_problems);
+    // Subfolders go without being overwritten, and links are removed, never followed. The folder
+    // itself is removed from its parent only while the name still means the folder wiped here.
+    const auto [parentPath, name] = splitPath(files, folder);
+    auto parent = files.openFolder(parentPath);
+    const auto entry = parent ? parent->entry(name) : std::nullopt;
+    if (!entry || !entry->sameFileAs(dir->self())) {
+        m_problems.skipped(folder, "cannot be deleted: it is no longer where it was");
+        return true;
+    }
+    dir.reset();
+    removeTree(*parent, name, m_problems);
     return true;
 }
 
 bool SecureDelete::WipeFile(const std::string& path) {
-    auto& files = m_platform.fileSystem();
-    const auto info = files.info(path);
-    if (!info) {
+    const auto [folderPath, name] = splitPath(m_platform.fileSystem(), path);
+    auto folder = m_platform.fileSystem().openFolder(folderPath);
+    if (!folder) {
         m_problems.skipped(path, "does not exist");
         return true;
     }
-    if (info->isDirectory() && !info->isLink()) {
-        m_problems.skipped(path, "is a folder");
-        return false;
-    }
-    if (info->isRegular) {
-        files.makeNormal(path);
-        if (info->size > 0 && !overwrite(path, info->size) && !m_view.stopRequested() && !m_view.interrupted())
-            m_problems.skipped(path, "could not be overwritten; it is deleted all the same");
-    }
-    return truncateAndDelete(m_platform, path, m_problems);
+    return wipeEntry(*folder, name);
 }
 
-bool SecureDelete::overwrite(const std::string& path, std::uint64_t length) {
-    const std::int64_t blockLength = core::roundHalfEven(static_cast<double>(length) * 0.2);
-    for (int pass = 1; pass <= Gutmann::PassCount; ++pass) {
-        m_view.passStarted(path, pass);
-        auto file = m_platform.rawFiles().open(path);
-        if (!file)
+bool SecureDelete::wipeEntry(platform::Folder& folder, const std::string& name) {
+    const std::string shown = joinPath(m_platform.fileSystem(), folder.path(), name);
+    const auto info = folder.entry(name);
+    if (!info) {
+        m_problems.skipped(shown, "does not exist");
+        return true;
+    }
+    if (info->isDirectory() && !info->isLink()) {
+        m_problems.skipped(shown, "is a folder");
+        return false;
+    }
+    if (isMountPoint(folder, *info)) {
+        m_problems.skipped(shown, "is a mount point; left in place");
+        return false;
+    }
+    if (info->isRegular && info->links > 1) {
+        m_problems.skipped(shown, "has other hard links: only this name is removed, the contents are not overwritten");
+        return truncateAndDelete(folder, name, m_problems);
+    }
+    if (info->isRegular) {
+        folder.makeNormal(name);
+        if (info->size > 0 && overwrite(folder, name, *info, shown) == Overwrite::Replaced)
             return false;
+    }
+    return truncateAndDelete(folder, name, m_problems, *info);
+}
+
+SecureDelete::Overwrite SecureDelete::overwrite(platform::Folder& folder, const std::string& name,
+                                                const platform::FileInfo& original, const std::string& shown) {
+    auto& raw = m_platform.rawFiles();
+    const auto failed = [&](const std::string& what) {
+        const std::string text = raw.errorText(raw.lastError());
+        m_problems.skipped(shown, what + (text.empty() ? "" : ": " + text) + "; it is deleted all the same");
+        return Overwrite::Failed;
+    };
+    const std::int64_t blockLength = core::roundHalfEven(static_cast<double>(original.size) * 0.2);
+    for (int pass = 1; pass <= Gutmann::PassCount; ++pass) {
+        m_view.passStarted(shown, pass);
+        auto file = folder.openFile(name, false);
+        if (!file)
+            return failed("could not be opened for pass " + std::to_string(pass));
+        // The same file as at the start, or nothing more is done to what now bears the name.
+        const auto held = file->info();
+        if (!held || !held->sameFileAs(original)) {
+            m_problems.skipped(shown, "was replaced by another file during the wipe; left alone");
+            return Overwrite::Replaced;
+        }
         const Gutmann::Values values = Gutmann::values(pass, m_random);
         if (blockLength > 0)
             m_view.passValues(passText(values));
@@ -113,22 +153,25 @@ bool SecureDelete::overwrite(const std::string& path, std::uint64_t length) {
         // A block length of 0 (files of 1 or 2 bytes) leaves nothing to count: nothing is written.
         const std::int64_t count =
             blockLength > 0 && current >= 0 ? core::roundHalfEven(static_cast<double>(current) / blockLength) : 0;
-        FileWipeProgress now{path, pass, 0, static_cast<std::uint64_t>(count * blockLength * 3)};
+        FileWipeProgress now{shown, pass, 0, static_cast<std::uint64_t>(count * blockLength * 3)};
         for (std::int64_t i = 1; i <= count; ++i) {
             if (m_view.stopRequested() || m_view.interrupted())
-                return false;
+                return Overwrite::Stopped;
             const std::int64_t position = file->seek(0, platform::RawFile::From::Current);
             for (std::size_t b = 0; b < values.size(); ++b) {
                 file->seek(position, platform::RawFile::From::Begin);
                 const bool last = b + 1 == values.size();
                 if (!writeBlock(*file, values[b], static_cast<std::uint64_t>(blockLength), now, last ? position : -1))
-                    return false;
+                    return m_view.interrupted() ? Overwrite::Stopped : failed("pass " + std::to_string(pass) + " could not be written");
                 m_view.pumpEvents();
             }
         }
-        file->flush(); // this pass reaches the device before the next one overwrites it
+        // This pass reaches the device before the next one overwrites it; if it cannot, the
+        // passes are not doing what they claim.
+        if (!file->flush())
+            return failed("pass " + std::to_string(pass) + " did not reach the device");
     }
-    return true;
+    return Overwrite::Done;
 }
 
 bool SecureDelete::writeBlock(platform::RawFile& file, std::uint8_t value, std::uint64_t length, FileWipeProgress& now,
@@ -139,7 +182,8 @@ bool SecureDelete::writeBlock(platform::RawFile& file, std::uint8_t value, std::
     std::fill(m_chunk.begin(), m_chunk.begin() + static_cast<std::ptrdiff_t>(chunk), value);
     for (std::uint64_t left = length; left > 0;) {
         const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(left, chunk));
-        file.write(m_chunk.data(), n);
+        if (file.write(m_chunk.data(), n) != n)
+            return false;
         if (finalAt >= 0) {
             // These bytes are final for this pass: the device takes them while the rest is written.
             file.startFlush(finalAt, static_cast<std::int64_t>(n));

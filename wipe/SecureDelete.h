@@ -5,6 +5,12 @@
 // three times over the same bytes, and reaches the device before the next pass. The "EndWipe" stop
 // flag is read before every block position; once set, each file still to be wiped is only cut and
 // deleted. Failing steps are skipped (and reported to the problem sink), as the window always did.
+//
+// Everything happens inside open folders, never through a path's text: each pass opens the file
+// by name in its open folder and goes on only if it is still the file the wipe started with. A
+// file with other hard links is never overwritten (its other names would lose their contents):
+// only the chosen name is removed, and the sink is told. Mount points (bind mounts included) are
+// neither written nor entered nor removed.
 
 #include "core/ProblemSink.h"
 #include "platform/Platform.h"
@@ -14,6 +20,10 @@
 
 #include <string>
 #include <vector>
+
+namespace platform {
+class Folder;
+}
 
 namespace wipe {
 
@@ -40,7 +50,13 @@ public:
     static std::string passText(const Gutmann::Values& values);
 
 private:
-    bool overwrite(const std::string& path, std::uint64_t length);
+    enum class Overwrite { Done, Stopped, Failed, Replaced };
+    /// Wipes the entry `name` of `folder`: overwrites it when it may be, then cuts and deletes it.
+    bool wipeEntry(platform::Folder& folder, const std::string& name);
+    /// The 35 passes over `name`, which must stay the file `original` throughout. Failures other
+    /// than a stop go to the problem sink.
+    Overwrite overwrite(platform::Folder& folder, const std::string& name, const platform::FileInfo& original,
+                        const std::string& shown);
     /// Writes `length` bytes of `value` at the file position. `finalAt` is the position when these
     /// bytes are the pass's last word on them (their way to the device starts at once), else -1.
     bool writeBlock(platform::RawFile& file, std::uint8_t value, std::uint64_t length, FileWipeProgress& now,

@@ -1,5 +1,6 @@
 #include "platform/linux/Descriptors.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <fstream>
 #include <sys/stat.h>
@@ -65,6 +66,67 @@ std::optional<Facts> factsAt(int at, const std::string& name, bool follow) {
             f.mount = mountIdFromProc(ref.get());
     }
     return f;
+}
+
+FileInfo describe(const std::string& name, const Facts& f) {
+    FileInfo fi;
+    fi.name = name;
+    fi.device = f.device;
+    fi.index = f.inode;
+    fi.mount = f.mount;
+    fi.links = f.links;
+    fi.modified = f.modified;
+    fi.ownedByUser = f.owner == ::geteuid();
+    if (S_ISLNK(f.mode))
+        fi.attributes |= Attr::ReparsePoint;
+    else if (S_ISDIR(f.mode))
+        fi.attributes |= Attr::Directory;
+    else {
+        fi.isRegular = S_ISREG(f.mode);
+        fi.size = f.size;
+        if (!fi.isRegular)
+            fi.attributes |= Attr::System;
+    }
+    if (!(f.mode & S_IWUSR))
+        fi.attributes |= Attr::ReadOnly;
+    if (!name.empty() && name[0] == '.')
+        fi.attributes |= Attr::Hidden;
+    if (fi.attributes == 0)
+        fi.attributes = Attr::Normal;
+    return fi;
+}
+
+bool openInSomeProcess(std::uint64_t device, std::uint64_t inode, int ownFd) {
+    DIR* proc = ::opendir("/proc");
+    if (!proc)
+        return false;
+    const std::string self = std::to_string(::getpid());
+    bool found = false;
+    while (!found) {
+        const dirent* p = ::readdir(proc);
+        if (!p)
+            break;
+        if (p->d_name[0] < '0' || p->d_name[0] > '9')
+            continue;
+        const bool mine = self == p->d_name;
+        const std::string fdDir = std::string("/proc/") + p->d_name + "/fd";
+        DIR* fds = ::opendir(fdDir.c_str());
+        if (!fds)
+            continue; // another user's process, or gone
+        while (const dirent* f = ::readdir(fds)) {
+            if (f->d_name[0] == '.' || (mine && std::to_string(ownFd) == f->d_name))
+                continue;
+            struct stat st {};
+            // stat (not lstat) on the fd link gives the open file itself.
+            if (::fstatat(::dirfd(fds), f->d_name, &st, 0) == 0 && st.st_dev == device && st.st_ino == inode) {
+                found = true;
+                break;
+            }
+        }
+        ::closedir(fds);
+    }
+    ::closedir(proc);
+    return found;
 }
 
 UniqueFd openFolderAt(int at, const std::string& name) {

@@ -3,6 +3,8 @@
 // path's text: an owning descriptor, opening a folder entry without following a link, and the
 // facts statx gives about an entry or an open descriptor, the mount ID among them.
 
+#include "platform/FileSystem.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -45,6 +47,14 @@ struct Facts {
 /// Facts about `name` in folder `at` (AT_FDCWD for the working folder), the entry itself when
 /// `follow` is false. An empty `name` describes `at` itself.
 std::optional<Facts> factsAt(int at, const std::string& name, bool follow);
+
+/// The FileInfo of an entry called `name` with these facts.
+FileInfo describe(const std::string& name, const Facts& facts);
+
+/// Whether some process has the file `device`/`inode` open, not counting descriptor `ownFd` of
+/// this process (-1: count every descriptor). Reads /proc/*/fd; other users' processes are not
+/// visible to an ordinary user.
+bool openInSomeProcess(std::uint64_t device, std::uint64_t inode, int ownFd = -1);
 
 /// Opens folder `name` in folder `at` without following a link in its last component; -1 when it
 /// is no folder (a link to one included).

@@ -1,5 +1,8 @@
 #include "platform/linux/LinuxFileSystem.h"
 
+#include "platform/linux/Descriptors.h"
+#include "platform/linux/LinuxFolder.h"
+
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
@@ -9,32 +12,6 @@
 
 namespace platform::linux {
 namespace {
-
-FileInfo describe(const std::string& name, const struct stat& st) {
-    FileInfo fi;
-    fi.name = name;
-    fi.device = st.st_dev;
-    fi.links = st.st_nlink;
-    fi.modified = st.st_mtim.tv_sec;
-    fi.ownedByUser = st.st_uid == ::geteuid();
-    if (S_ISLNK(st.st_mode))
-        fi.attributes |= Attr::ReparsePoint;
-    else if (S_ISDIR(st.st_mode))
-        fi.attributes |= Attr::Directory;
-    else {
-        fi.isRegular = S_ISREG(st.st_mode);
-        fi.size = static_cast<std::uint64_t>(st.st_size);
-        if (!fi.isRegular)
-            fi.attributes |= Attr::System;
-    }
-    if (!(st.st_mode & S_IWUSR))
-        fi.attributes |= Attr::ReadOnly;
-    if (!name.empty() && name[0] == '.')
-        fi.attributes |= Attr::Hidden;
-    if (fi.attributes == 0)
-        fi.attributes = Attr::Normal;
-    return fi;
-}
 
 std::string lastComponent(const std::string& path) {
     std::string p = path;
@@ -84,10 +61,10 @@ bool LinuxFileSystem::list(const std::string& dir, const std::string& pattern,
             continue;
         if (!pattern.empty() && !matches(name, pattern))
             continue;
-        struct stat st {};
-        if (::fstatat(fd, e->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0)
+        const auto facts = factsAt(fd, e->d_name, false);
+        if (!facts)
             continue; // gone between readdir and stat
-        if (!visit(describe(name, st)))
+        if (!visit(describe(name, *facts)))
             break;
     }
     ::closedir(d);
@@ -117,10 +94,14 @@ bool LinuxFileSystem::matches(const std::string& name, const std::string& patter
 }
 
 std::optional<FileInfo> LinuxFileSystem::info(const std::string& path) {
-    struct stat st {};
-    if (::fstatat(AT_FDCWD, path.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0)
+    const auto facts = factsAt(AT_FDCWD, path, false);
+    if (!facts)
         return std::nullopt;
-    return describe(lastComponent(path), st);
+    return describe(lastComponent(path), *facts);
+}
+
+std::unique_ptr<Folder> LinuxFileSystem::openFolder(const std::string& path) {
+    return LinuxFolder::open(AT_FDCWD, path, path);
 }
 
 bool LinuxFileSystem::removeFile(const std::string& path) {
@@ -141,47 +122,12 @@ bool LinuxFileSystem::createDirectory(const std::string& path) {
 }
 
 bool LinuxFileSystem::makeNormal(const std::string& path) {
-    struct stat st {};
-    if (::fstatat(AT_FDCWD, path.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0)
-        return false;
-    if (S_ISLNK(st.st_mode))
-        return true; // a link has no permissions of its own
-    return ::fchmodat(AT_FDCWD, path.c_str(), (st.st_mode & 07777) | S_IRUSR | S_IWUSR, 0) == 0;
+    return makeNormalAt(AT_FDCWD, path);
 }
 
 bool LinuxFileSystem::isInUse(const std::string& path) {
-    struct stat target {};
-    if (::fstatat(AT_FDCWD, path.c_str(), &target, AT_SYMLINK_NOFOLLOW) != 0)
-        return false;
-    DIR* proc = ::opendir("/proc");
-    if (!proc)
-        return false;
-    bool found = false;
-    while (!found) {
-        const dirent* p = ::readdir(proc);
-        if (!p)
-            break;
-        if (p->d_name[0] < '0' || p->d_name[0] > '9')
-            continue;
-        const std::string fdDir = std::string("/proc/") + p->d_name + "/fd";
-        DIR* fds = ::opendir(fdDir.c_str());
-        if (!fds)
-            continue; // another user's process, or gone
-        while (const dirent* f = ::readdir(fds)) {
-            if (f->d_name[0] == '.')
-                continue;
-            struct stat st {};
-            // stat (not lstat) on the fd link gives the open file itself.
-            if (::fstatat(::dirfd(fds), f->d_name, &st, 0) == 0 && st.st_dev == target.st_dev &&
-                st.st_ino == target.st_ino) {
-                found = true;
-                break;
-            }
-        }
-        ::closedir(fds);
-    }
-    ::closedir(proc);
-    return found;
+    const auto facts = factsAt(AT_FDCWD, path, false);
+    return facts && openInSomeProcess(facts->device, facts->inode);
 }
 
 } // namespace platform::linux

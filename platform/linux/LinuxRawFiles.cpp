@@ -1,10 +1,11 @@
 #include "platform/linux/LinuxRawFiles.h"
 
+#include "platform/linux/Descriptors.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -64,22 +65,35 @@ public:
 
     std::intptr_t nativeHandle() const override { return m_fd; }
 
+    std::optional<FileInfo> info() const override {
+        const auto facts = factsAt(m_fd, "", false);
+        if (!facts)
+            return std::nullopt;
+        return describe("", *facts);
+    }
+
+    bool openElsewhere() const override {
+        const auto facts = factsAt(m_fd, "", false);
+        return facts && openInSomeProcess(facts->device, facts->inode, m_fd);
+    }
+
 private:
     int m_fd;
 };
 
 } // namespace
 
-std::unique_ptr<RawFile> LinuxRawFiles::open(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+std::unique_ptr<RawFile> openRawAt(int at, const std::string& name, bool create) {
+    const int fd = ::openat(at, name.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | (create ? O_CREAT : 0), 0600);
     if (fd < 0)
         return nullptr;
     // Only plain files: writing through a device node or a pipe that took a file's place would
-    // destroy something nobody chose.
+    // destroy something nobody chose; and only files with one name: the others would change too.
     struct stat st {};
-    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_nlink > 1) {
+        const int err = S_ISREG(st.st_mode) ? EMLINK : EINVAL;
         ::close(fd);
-        errno = EINVAL;
+        errno = err;
         return nullptr;
     }
     if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
@@ -89,6 +103,10 @@ std::unique_ptr<RawFile> LinuxRawFiles::open(const std::string& path) {
         return nullptr;
     }
     return std::make_unique<LinuxRawFile>(fd);
+}
+
+std::unique_ptr<RawFile> LinuxRawFiles::open(const std::string& path) {
+    return openRawAt(AT_FDCWD, path, true);
 }
 
 std::unique_ptr<RawFile> LinuxRawFiles::openForReading(const std::string& path) {

@@ -1,6 +1,7 @@
 #pragma once
 // Raw file handles on Linux: open(2) read-write with O_CREAT, O_NOFOLLOW and O_CLOEXEC, and an
-// exclusive non-blocking flock standing for the no-sharing open of Windows.
+// exclusive non-blocking flock standing for the no-sharing open of Windows; that open also refuses
+// a file held by another opener, which openElsewhere() checks for here in /proc.
 
 #include "platform/RawFiles.h"
 
@@ -14,5 +15,9 @@ public:
     void setLastError(int code) override;
     std::string errorText(int code) const override;
 };
+
+/// Opens `name` in folder `at` as LinuxRawFiles::open does (plain files with one name only,
+/// exclusively, never through a link), creating it when missing only if `create`.
+std::unique_ptr<RawFile> openRawAt(int at, const std::string& name, bool create);
 
 } // namespace platform::linux

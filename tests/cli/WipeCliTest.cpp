@@ -12,6 +12,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -71,6 +72,53 @@ TEST(WipeCli, ShredDirRemovesTheFolderAndItsLinksButNotTheirTargets) {
     fs::create_symlink(outside.path(), dir.path() / "dir-link");
     EXPECT_EQ(testsupport::runCli("shred-dir --yes " + testsupport::shellQuoted(dir.path() / "dir-link")).code, 2);
     EXPECT_EQ(readFile(target), "keep");
+}
+
+TEST(WipeCli, HardLinkedFilesLoseOnlyTheChosenName) {
+    ScratchDir dir, outside;
+    const auto kept = outside.write("kept.txt", "outside bytes");
+    dir.write("victim/own.txt", "own");
+    fs::create_hard_link(kept, dir.path() / "victim" / "link.txt");
+    auto r = testsupport::runCli("shred-dir --yes " + testsupport::shellQuoted(dir.path() / "victim"));
+    EXPECT_EQ(r.code, 1);
+    EXPECT_TRUE(contains(r.err, (dir.path() / "victim" / "link.txt").string() + ": has other hard links")) << r.err;
+    EXPECT_FALSE(fs::exists(dir.path() / "victim"));
+    EXPECT_EQ(readFile(kept), "outside bytes");
+
+    const auto a = dir.write("a.txt", std::string(4000, 'a'));
+    fs::create_hard_link(a, dir.path() / "b.txt");
+    r = testsupport::runCli("shred --yes " + testsupport::shellQuoted(a));
+    EXPECT_EQ(r.code, 1);
+    EXPECT_TRUE(contains(r.err, a.string())) << r.err;
+    EXPECT_FALSE(fs::exists(a));
+    EXPECT_EQ(readFile(dir.path() / "b.txt"), std::string(4000, 'a'));
+}
+
+TEST(WipeCli, ShredDirNeverEntersNorWritesMountsBelowItBindMountsIncluded) {
+    ScratchDir dir;
+    testsupport::LoopImage disk(dir.path(), 16);
+    if (!disk.mounted())
+        GTEST_SKIP() << disk.reason();
+    const fs::path top = disk.mountPoint();
+    const fs::path victim = top / "victim";
+    fs::create_directories(top / "keep");
+    std::ofstream(top / "keep" / "inner.txt") << "bound folder";
+    std::ofstream(top / "kept.txt") << "bound file";
+    fs::create_directories(victim / "sub" / "bound");
+    std::ofstream(victim / "own.txt") << "own";
+    std::ofstream(victim / "over.txt") << "covered";
+    // The same filesystem bound below the folder, as a folder and over one of its own files.
+    testsupport::ScratchMount folder("--bind " + testsupport::shellQuoted(top / "keep"), victim / "sub" / "bound");
+    testsupport::ScratchMount file("--bind " + testsupport::shellQuoted(top / "kept.txt"), victim / "over.txt");
+    ASSERT_TRUE(folder.mounted() && file.mounted()) << folder.reason();
+
+    const auto r = testsupport::runCli("shred-dir --yes " + testsupport::shellQuoted(victim));
+    EXPECT_EQ(r.code, 1);
+    EXPECT_TRUE(contains(r.err, (victim / "sub" / "bound").string() + ": is a mount point")) << r.err;
+    EXPECT_TRUE(contains(r.err, (victim / "over.txt").string() + ": is a mount point")) << r.err;
+    EXPECT_EQ(readFile(top / "keep" / "inner.txt"), "bound folder");
+    EXPECT_EQ(readFile(top / "kept.txt"), "bound file");
+    EXPECT_FALSE(fs::exists(victim / "own.txt"));
 }
 
 TEST(WipeCli, FreeSpaceWipeHelpAndRefusals) {

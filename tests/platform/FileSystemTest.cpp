@@ -57,9 +57,12 @@ TEST_F(FileSystemTest, ListsWithWildcardsAndDescribesLinksAsLinks) {
     EXPECT_FALSE(files.list((dir.path() / "loop").string(), "*", [](auto&) { return true; }));
 }
 
-TEST_F(FileSystemTest, RemovingALinkLeavesItsTarget) {
+TEST_F(FileSystemTest, RemovingOrMakingNormalALinkLeavesItsTarget) {
     const auto target = dir.write("keep.txt", "keep");
+    fs::permissions(target, fs::perms::owner_read, fs::perm_options::replace);
     fs::create_symlink(target, dir.path() / "link");
+    EXPECT_TRUE(files.makeNormal((dir.path() / "link").string()));
+    EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read);
     EXPECT_TRUE(files.removeFile((dir.path() / "link").string()));
     EXPECT_FALSE(fs::is_symlink(dir.path() / "link"));
     EXPECT_EQ(testsupport::readFile(target), "keep");

@@ -50,12 +50,18 @@ TEST_F(RawFilesTest, SecondOpenerIsRefusedWhileTheFirstHoldsTheFile) {
     EXPECT_TRUE(files.open(path));
 }
 
-TEST_F(RawFilesTest, NeverOpensThroughASymbolicLink) {
+TEST_F(RawFilesTest, NeverWritesThroughALinkOfEitherKind) {
     const auto target = dir.write("target.txt", "secret");
     fs::create_symlink(target, dir.path() / "link");
     EXPECT_FALSE(files.open((dir.path() / "link").string()));
     EXPECT_EQ(files.lastError(), ELOOP);
+    // A second name for the same file: writing through either would change both.
+    fs::create_hard_link(target, dir.path() / "second");
+    EXPECT_FALSE(files.open((dir.path() / "second").string()));
+    EXPECT_FALSE(files.open(target.string()));
+    EXPECT_EQ(files.lastError(), EMLINK);
     EXPECT_EQ(testsupport::readFile(target), "secret");
+    EXPECT_TRUE(files.openForReading(target.string())); // reading harms nothing
 }
 
 TEST_F(RawFilesTest, ErrorTextComesFromTheSystemAndIsEmptyForUnknownCodes) {

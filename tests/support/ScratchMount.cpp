@@ -54,7 +54,8 @@ ScratchMount::ScratchMount(const std::string& arguments, const fs::path& point) 
         m_reason = "mounting needs root";
         return;
     }
-    fs::create_directories(point);
+    if (!fs::exists(fs::symlink_status(point)))
+        fs::create_directories(point); // a file mounted over a file needs the file there already
     if (!runQuietly("mount " + arguments + " '" + point.string() + "'")) {
         m_reason = "mounting is not allowed here (mount " + arguments + ")";
         return;

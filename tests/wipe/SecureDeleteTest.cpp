@@ -155,6 +155,41 @@ TEST_F(SecureDeleteTest, FolderWipeRemovesLinksButNeverWhatTheyPointTo) {
     EXPECT_EQ(readFile(target), "must survive");
 }
 
+TEST_F(SecureDeleteTest, NothingSwappedInDuringAWipeIsWrittenOrDeleted) {
+    ScratchDir outside;
+    outside.write("a.bin", filled('P', 1000));
+    outside.write("b.bin", filled('Q', 1000));
+    const auto victim = dir.path() / "victim";
+    dir.write("victim/a.bin", filled('A', 1000));
+    dir.write("victim/b.bin", filled('B', 1000));
+    // While the first file is being wiped, the folder moves away and a link to another folder
+    // with files of the same names takes its place.
+    bool swapped = false;
+    view.onPass = [&](const std::string&, int pass) {
+        if (pass == 2 && !swapped) {
+            fs::rename(victim, dir.path() / "moved");
+            fs::create_directory_symlink(outside.path(), victim);
+            swapped = true;
+        }
+    };
+    EXPECT_TRUE(shred.WipeFolder(victim.string()));
+    EXPECT_EQ(readFile(outside.path() / "a.bin"), filled('P', 1000));
+    EXPECT_EQ(readFile(outside.path() / "b.bin"), filled('Q', 1000));
+    EXPECT_TRUE(fs::is_empty(dir.path() / "moved")); // the wipe went on in the folder it had opened
+    EXPECT_TRUE(fs::is_symlink(victim));               // and did not remove what now bears its name
+
+    // A file replaced under its name between two passes is left alone from then on.
+    const auto file = dir.write("swap.bin", filled('S', 1000));
+    view.onPass = [&](const std::string&, int pass) {
+        if (pass == 3) {
+            fs::rename(file, dir.path() / "old.bin");
+            std::ofstream(file) << "newcomer";
+        }
+    };
+    EXPECT_FALSE(shred.WipeFile(file.string()));
+    EXPECT_EQ(readFile(file), "newcomer");
+}
+
 TEST_F(SecureDeleteTest, FolderWipeNeverEntersAnotherFilesystemMountedBelowIt) {
     const auto victim = dir.path() / "victim";
     dir.write("victim/own.txt", "wiped");

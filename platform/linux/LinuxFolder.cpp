@@ -1,0 +1,100 @@
+#include "platform/linux/LinuxFolder.h"
+
+#include "platform/linux/LinuxRawFiles.h"
+
+#include <cerrno>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform::linux {
+
+std::unique_ptr<LinuxFolder> LinuxFolder::open(int at, const std::string& name, std::string shownPath) {
+    UniqueFd fd = openFolderAt(at, name.empty() ? "." : name);
+    if (!fd)
+        return nullptr;
+    return std::unique_ptr<LinuxFolder>(new LinuxFolder(std::move(fd), std::move(shownPath)));
+}
+
+FileInfo LinuxFolder::self() const {
+    const auto facts = factsAt(m_fd.get(), "", false);
+    return facts ? describe(m_path, *facts) : FileInfo{};
+}
+
+bool LinuxFolder::list(const std::function<bool(const FileInfo&)>& visit) {
+    // A listing of its own, so that this folder's descriptor keeps its place for the *at calls.
+    UniqueFd copy(::openat(m_fd.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    DIR* d = copy ? ::fdopendir(copy.get()) : nullptr;
+    if (!d)
+        return false;
+    copy.release();
+    while (const dirent* e = ::readdir(d)) {
+        const char* n = e->d_name;
+        if (n[0] == '.' && (n[1] == 0 || (n[1] == '.' && n[2] == 0)))
+            continue;
+        const auto facts = factsAt(m_fd.get(), n, false);
+        if (!facts)
+            continue; // gone between the listing and the question
+        if (!visit(describe(n, *facts)))
+            break;
+    }
+    ::closedir(d);
+    return true;
+}
+
+std::optional<FileInfo> LinuxFolder::entry(const std::string& name) {
+    const auto facts = factsAt(m_fd.get(), name, false);
+    if (!facts)
+        return std::nullopt;
+    return describe(name, *facts);
+}
+
+std::unique_ptr<Folder> LinuxFolder::openFolder(const std::string& name) {
+    std::string shown = m_path;
+    if (shown.empty() || shown.back() != '/')
+        shown += '/';
+    return open(m_fd.get(), name, shown + name);
+}
+
+std::unique_ptr<RawFile> LinuxFolder::openFile(const std::string& name, bool create) {
+    return openRawAt(m_fd.get(), name, create);
+}
+
+bool LinuxFolder::removeFile(const std::string& name) {
+    const auto facts = factsAt(m_fd.get(), name, false);
+    if (facts && S_ISDIR(facts->mode)) {
+        errno = EISDIR;
+        return false;
+    }
+    return ::unlinkat(m_fd.get(), name.c_str(), 0) == 0 || errno == ENOENT;
+}
+
+bool LinuxFolder::removeFolder(const std::string& name) {
+    return ::unlinkat(m_fd.get(), name.c_str(), AT_REMOVEDIR) == 0 || errno == ENOENT;
+}
+
+bool LinuxFolder::makeNormal(const std::string& name) {
+    return makeNormalAt(m_fd.get(), name);
+}
+
+bool makeNormalAt(int at, const std::string& name) {
+    // The entry itself, pinned by an O_PATH descriptor: a link put in its place after this point
+    // is not what gets its mode changed.
+    const UniqueFd entry(::openat(at, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (!entry)
+        return false;
+    struct stat st {};
+    if (::fstat(entry.get(), &st) != 0)
+        return false;
+    if (S_ISLNK(st.st_mode))
+        return true; // a link has no permissions of its own
+    const mode_t mode = (st.st_mode & 07777) | S_IRUSR | S_IWUSR | (S_ISDIR(st.st_mode) ? S_IXUSR : 0);
+    if (mode == (st.st_mode & 07777))
+        return true;
+    // fchmod refuses O_PATH descriptors; the descriptor's /proc entry reaches the same object.
+    const std::string self = "/proc/self/fd/" + std::to_string(entry.get());
+    return ::chmod(self.c_str(), mode) == 0;
+}
+
+} // namespace platform::linux

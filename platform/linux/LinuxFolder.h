@@ -1,0 +1,36 @@
+#pragma once
+// An open folder on Linux: a descriptor opened with O_DIRECTORY and O_NOFOLLOW, its entries reached
+// with fstatat/statx, openat and unlinkat relative to it.
+
+#include "platform/Folder.h"
+#include "platform/linux/Descriptors.h"
+
+namespace platform::linux {
+
+class LinuxFolder final : public Folder {
+public:
+    /// Opens folder `name` in folder `at` (AT_FDCWD with a path), not through a link; null when
+    /// that is no folder.
+    static std::unique_ptr<LinuxFolder> open(int at, const std::string& name, std::string shownPath);
+
+    const std::string& path() const override { return m_path; }
+    FileInfo self() const override;
+    bool list(const std::function<bool(const FileInfo&)>& visit) override;
+    std::optional<FileInfo> entry(const std::string& name) override;
+    std::unique_ptr<Folder> openFolder(const std::string& name) override;
+    std::unique_ptr<RawFile> openFile(const std::string& name, bool create) override;
+    bool removeFile(const std::string& name) override;
+    bool removeFolder(const std::string& name) override;
+    bool makeNormal(const std::string& name) override;
+
+private:
+    LinuxFolder(UniqueFd fd, std::string path) : m_fd(std::move(fd)), m_path(std::move(path)) {}
+
+    UniqueFd m_fd;
+    std::string m_path;
+};
+
+/// Clears read-only on `name` in folder `at` without following a link (a link is left alone).
+bool makeNormalAt(int at, const std::string& name);
+
+} // namespace platform::linux
