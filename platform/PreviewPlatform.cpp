@@ -1,5 +1,7 @@
 #include "platform/PreviewPlatform.h"
 
+#include "platform/Folder.h"
+
 #include <algorithm>
 #include <cctype>
 #include <map>
@@ -67,6 +69,15 @@ public:
         return true;
     }
     std::intptr_t nativeHandle() const override { return m_reader ? m_reader->nativeHandle() : -1; }
+    std::optional<FileInfo> info() const override {
+        auto fi = m_reader ? m_reader->info() : std::optional<FileInfo>(FileInfo{});
+        if (fi) {
+            fi->isRegular = true;
+            fi->size = static_cast<std::uint64_t>(m_size);
+        }
+        return fi;
+    }
+    bool openElsewhere() const override { return m_reader && m_reader->openElsewhere(); }
 
 private:
     Journal& m_journal;
@@ -80,6 +91,14 @@ private:
 class PreviewFileSystem final : public FileSystem {
 public:
     PreviewFileSystem(FileSystem& real, Journal& journal) : m_real(real), m_journal(journal) {}
+    /// The raw files that the folders' files open through.
+    void attach(RawFiles& raw) { m_raw = &raw; }
+    std::unique_ptr<Folder> openFolder(const std::string& path) override;
+    std::string joined(const std::string& dir, const std::string& name) const {
+        const char sep = m_real.separator();
+        return dir.empty() || dir.back() == sep ? dir + name : dir + sep + name;
+    }
+    RawFiles& raw() { return *m_raw; }
 
     bool list(const std::string& dir, const std::string& pattern,
               const std::function<bool(const FileInfo&)>& visit) override {
@@ -139,15 +158,51 @@ public:
 
 private:
     bool gone(const std::string& dir, const std::string& name) const {
-        if (m_journal.removedPaths.empty())
-            return false;
-        const char sep = m_real.separator();
-        return m_journal.removedPaths.count(dir.empty() || dir.back() == sep ? dir + name : dir + sep + name) > 0;
+        return !m_journal.removedPaths.empty() && m_journal.removedPaths.count(joined(dir, name)) > 0;
     }
 
     FileSystem& m_real;
     Journal& m_journal;
+    RawFiles* m_raw = nullptr;
 };
+
+// An open folder of the preview: the same answers, reached through the preview's own path-based
+// calls, so that what the preview has "removed" stays removed and changes are only recorded.
+class PreviewFolder final : public Folder {
+public:
+    PreviewFolder(PreviewFileSystem& files, std::string path, FileInfo self)
+        : m_files(files), m_path(std::move(path)), m_self(std::move(self)) {}
+
+    const std::string& path() const override { return m_path; }
+    FileInfo self() const override { return m_self; }
+    bool list(const std::function<bool(const FileInfo&)>& visit) override { return m_files.list(m_path, "*", visit); }
+    std::optional<FileInfo> entry(const std::string& name) override { return m_files.info(full(name)); }
+    std::unique_ptr<Folder> openFolder(const std::string& name) override { return m_files.openFolder(full(name)); }
+    std::unique_ptr<RawFile> openFile(const std::string& name, bool create) override {
+        if (!create && !entry(name)) {
+            m_files.raw().setLastError(2); // no such file, as the real call says
+            return nullptr;
+        }
+        return m_files.raw().open(full(name));
+    }
+    bool removeFile(const std::string& name) override { return m_files.removeFile(full(name)); }
+    bool removeFolder(const std::string& name) override { return m_files.removeDirectory(full(name)); }
+    bool makeNormal(const std::string& name) override { return m_files.makeNormal(full(name)); }
+
+private:
+    std::string full(const std::string& name) const { return m_files.joined(m_path, name); }
+
+    PreviewFileSystem& m_files;
+    std::string m_path;
+    FileInfo m_self;
+};
+
+std::unique_ptr<Folder> PreviewFileSystem::openFolder(const std::string& path) {
+    const auto fi = info(path);
+    if (!fi || !fi->isDirectory() || fi->isLink())
+        return nullptr;
+    return std::make_unique<PreviewFolder>(*this, path, *fi);
+}
 
 class PreviewRawFiles final : public RawFiles {
 public:
@@ -158,6 +213,10 @@ public:
         const auto fi = m_files.info(path);
         if (fi && !fi->isRegular) {
             m_real.setLastError(22); // only plain files open, as the real call says
+            return nullptr;
+        }
+        if (fi && fi->links > 1) {
+            m_real.setLastError(31); // nor files with other names
             return nullptr;
         }
         if (!fi)
@@ -322,7 +381,9 @@ struct PreviewPlatform::Facilities {
     explicit Facilities(Platform& real)
         : files(real.fileSystem(), journal), rawFiles(real.rawFiles(), files, journal),
           registry(real.registry(), journal), shell(real.shell(), journal), urlCache(real.urlCache(), journal),
-          urlHistory(real.urlHistory(), journal), recycleBin(real.recycleBin(), journal) {}
+          urlHistory(real.urlHistory(), journal), recycleBin(real.recycleBin(), journal) {
+        files.attach(rawFiles);
+    }
 
     Journal journal;
     PreviewFileSystem files;
