@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,8 @@ public:
     bool flush() override { return false; }
     bool truncate() override { return false; }
     std::intptr_t nativeHandle() const override { return -1; }
+    std::optional<platform::FileInfo> info() const override { return std::nullopt; }
+    bool openElsewhere() const override { return false; }
 
 private:
     std::string_view m_bytes;

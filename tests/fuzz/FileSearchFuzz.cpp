@@ -71,6 +71,7 @@ public:
         }
         return std::nullopt;
     }
+    std::unique_ptr<platform::Folder> openFolder(const std::string&) override { return nullptr; }
     bool removeFile(const std::string&) override { return false; }
     bool removeDirectory(const std::string&) override { return false; }
     bool createDirectory(const std::string&) override { return false; }
