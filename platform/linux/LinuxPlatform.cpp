@@ -7,12 +7,13 @@
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxKnownFolders.h"
 #include "platform/linux/LinuxMemoryStatus.h"
-#include "platform/linux/LinuxPlaceholders.h"
 #include "platform/linux/LinuxProcesses.h"
 #include "platform/linux/LinuxRawFiles.h"
 #include "platform/linux/LinuxRecycleBin.h"
 #include "platform/linux/LinuxRegistry.h"
 #include "platform/linux/LinuxShell.h"
+#include "platform/linux/LinuxUrlCache.h"
+#include "platform/linux/LinuxUrlHistory.h"
 #include "platform/linux/LinuxVirtualMemory.h"
 
 namespace platform {
@@ -22,7 +23,8 @@ namespace {
 class LinuxPlatform final : public Platform {
 public:
     explicit LinuxPlatform(const Environment& env)
-        : m_drives(env.mountInfo), m_registry(env), m_knownFolders(env), m_recycleBin(env) {}
+        : m_drives(env.mountInfo), m_registry(env), m_knownFolders(env), m_urlCache(env), m_urlHistory(env),
+          m_recycleBin(env) {}
 
     RawFiles& rawFiles() override { return m_rawFiles; }
     FileSystem& fileSystem() override { return m_fileSystem; }
@@ -49,8 +51,8 @@ private:
     LinuxVirtualMemory m_virtualMemory;
     LinuxShell m_shell;
     LinuxConnectivity m_connectivity;
-    EmptyUrlCache m_urlCache;
-    EmptyUrlHistory m_urlHistory;
+    LinuxUrlCache m_urlCache;
+    LinuxUrlHistory m_urlHistory;
     LinuxRecycleBin m_recycleBin;
 };
 

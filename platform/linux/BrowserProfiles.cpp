@@ -1,0 +1,199 @@
+#include "platform/linux/BrowserProfiles.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <dirent.h>
+#include <fcntl.h>
+#include <fstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform::linux {
+namespace {
+
+// Relative to $XDG_CONFIG_HOME (and to $XDG_CACHE_HOME for their caches), in listing order.
+const char* const kChromiumFolders[] = {
+    "chromium",         "google-chrome",        "google-chrome-beta", "google-chrome-unstable",
+    "BraveSoftware/Brave-Browser", "vivaldi",   "microsoft-edge",     "microsoft-edge-beta",
+    "microsoft-edge-dev",
+};
+
+bool isFolder(const std::string& path) {
+    struct stat st {};
+    return ::stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+bool exists(const std::string& path) {
+    struct stat st {};
+    return ::lstat(path.c_str(), &st) == 0;
+}
+
+std::vector<std::string> subfolders(const std::string& path) {
+    std::vector<std::string> names;
+    DIR* dir = ::opendir(path.c_str());
+    if (!dir)
+        return names;
+    while (const dirent* e = ::readdir(dir)) {
+        const std::string name = e->d_name;
+        if (name != "." && name != ".." && isFolder(path + "/" + name))
+            names.push_back(name);
+    }
+    ::closedir(dir);
+    return names;
+}
+
+/// Sort key of a Chromium profile folder: Default, then Profile N by N, then the rest by name.
+std::pair<long, std::string> profileOrder(const std::string& name) {
+    if (name == "Default")
+        return {0, ""};
+    if (name.rfind("Profile ", 0) == 0 && name.size() > 8 && name.size() < 18 &&
+        std::all_of(name.begin() + 8, name.end(), [](char c) { return c >= '0' && c <= '9'; }))
+        return {1 + std::stol(name.substr(8)), ""};
+    return {LONG_MAX, name};
+}
+
+void addCache(std::vector<std::string>& caches, const std::string& path) {
+    if (isFolder(path) && std::find(caches.begin(), caches.end(), path) == caches.end())
+        caches.push_back(path);
+}
+
+void findChromium(const Environment& env, std::vector<BrowserProfile>& out) {
+    for (const char* relative : kChromiumFolders) {
+        const std::string userData = env.configHome + "/" + relative;
+        std::vector<std::string> names = subfolders(userData);
+        // A profile folder is one the browser has written its preferences or history into.
+        std::erase_if(names, [&](const std::string& n) {
+            return !exists(userData + "/" + n + "/Preferences") && !exists(userData + "/" + n + "/History");
+        });
+        std::sort(names.begin(), names.end(),
+                  [](const std::string& a, const std::string& b) { return profileOrder(a) < profileOrder(b); });
+        for (const std::string& name : names) {
+            BrowserProfile p;
+            p.family = BrowserFamily::Chromium;
+            p.folder = userData + "/" + name;
+            p.userDataFolder = userData;
+            addCache(p.caches, env.cacheHome + "/" + relative + "/" + name + "/Cache/Cache_Data");
+            addCache(p.caches, p.folder + "/Cache/Cache_Data");
+            out.push_back(std::move(p));
+        }
+    }
+}
+
+struct IniProfile {
+    std::string path;
+    bool relative = true;
+};
+
+std::vector<IniProfile> readProfilesIni(const std::string& file) {
+    std::vector<IniProfile> out;
+    std::ifstream in(file);
+    std::string line;
+    bool inProfile = false;
+    while (std::getline(in, line)) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        if (!line.empty() && line[0] == '[') {
+            inProfile = line.rfind("[Profile", 0) == 0;
+            if (inProfile)
+                out.emplace_back();
+            continue;
+        }
+        if (!inProfile)
+            continue;
+        const auto eq = line.find('=');
+        if (eq == std::string::npos)
+            continue;
+        const std::string key = line.substr(0, eq), value = line.substr(eq + 1);
+        if (key == "Path")
+            out.back().path = value;
+        else if (key == "IsRelative")
+            out.back().relative = value != "0";
+    }
+    std::erase_if(out, [](const IniProfile& p) { return p.path.empty(); });
+    return out;
+}
+
+void findFirefox(const Environment& env, std::vector<BrowserProfile>& out) {
+    const std::string roots[] = {env.home + "/.mozilla/firefox", env.configHome + "/mozilla/firefox"};
+    const std::string cacheRoot = env.cacheHome + "/mozilla/firefox";
+    std::vector<std::string> seen;
+    for (const std::string& root : roots) {
+        for (const IniProfile& ini : readProfilesIni(root + "/profiles.ini")) {
+            BrowserProfile p;
+            p.family = BrowserFamily::Firefox;
+            p.folder = ini.relative ? root + "/" + ini.path : ini.path;
+            while (p.folder.size() > 1 && p.folder.back() == '/')
+                p.folder.pop_back();
+            p.userDataFolder = p.folder;
+            if (!isFolder(p.folder) || std::find(seen.begin(), seen.end(), p.folder) != seen.end())
+                continue;
+            seen.push_back(p.folder);
+            // The browser places the local data of a profile below its profiles folder at the same
+            // relative place below the cache folder.
+            if (p.folder.rfind(root + "/", 0) == 0)
+                addCache(p.caches, cacheRoot + p.folder.substr(root.size()) + "/cache2");
+            addCache(p.caches, p.folder + "/cache2");
+            out.push_back(std::move(p));
+        }
+    }
+}
+
+bool processAlive(long pid) {
+    return pid > 0 && (::kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM);
+}
+
+std::string linkTarget(const std::string& path) {
+    char buf[PATH_MAX];
+    const ssize_t n = ::readlink(path.c_str(), buf, sizeof buf - 1);
+    return n > 0 ? std::string(buf, static_cast<std::size_t>(n)) : std::string();
+}
+
+long parsePid(const std::string& text) {
+    if (text.empty() || text.size() > 10 || !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
+        return -1;
+    return std::stol(text);
+}
+
+bool chromiumHeld(const std::string& userData) {
+    const std::string target = linkTarget(userData + "/SingletonLock");
+    const auto dash = target.rfind('-');
+    if (dash == std::string::npos)
+        return false; // no lock, or not one the browser would honour either
+    char host[HOST_NAME_MAX + 1] = {};
+    ::gethostname(host, sizeof host - 1);
+    if (target.substr(0, dash) != host)
+        return true; // another machine's browser, perhaps running: cannot tell, so keep away
+    return processAlive(parsePid(target.substr(dash + 1)));
+}
+
+bool firefoxHeld(const std::string& profile) {
+    const std::string target = linkTarget(profile + "/lock");
+    if (const auto plus = target.rfind(":+"); plus != std::string::npos && processAlive(parsePid(target.substr(plus + 2))))
+        return true;
+    const int fd = ::open((profile + "/.parentlock").c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    const bool held = ::fcntl(fd, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    ::close(fd);
+    return held;
+}
+
+} // namespace
+
+std::vector<BrowserProfile> findBrowserProfiles(const Environment& env) {
+    std::vector<BrowserProfile> out;
+    findChromium(env, out);
+    findFirefox(env, out);
+    return out;
+}
+
+bool profileHeld(const BrowserProfile& profile) {
+    return profile.family == BrowserFamily::Chromium ? chromiumHeld(profile.userDataFolder) : firefoxHeld(profile.folder);
+}
+
+} // namespace platform::linux

@@ -1,0 +1,214 @@
+#include "platform/linux/CacheFolder.h"
+
+#include "platform/linux/CacheKeys.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform::linux {
+namespace {
+
+// Most keys fit in the first read; a longer one costs a second read.
+constexpr std::size_t kFirstRead = 512;
+// A Firefox entry up to this size is read whole: one read instead of two.
+constexpr std::uint64_t kWholeRead = 16 * 1024;
+
+bool isHex(char c, bool upper) {
+    return (c >= '0' && c <= '9') || (upper ? (c >= 'A' && c <= 'F') : (c >= 'a' && c <= 'f'));
+}
+
+bool isSimpleEntryName(const char* name) {
+    const std::string_view n(name);
+    return n.size() == 18 && n.substr(16) == "_0" &&
+           std::all_of(n.begin(), n.begin() + 16, [](char c) { return isHex(c, false); });
+}
+
+bool isCache2EntryName(const char* name) {
+    const std::string_view n(name);
+    return n.size() == 40 && std::all_of(n.begin(), n.end(), [](char c) { return isHex(c, true); });
+}
+
+int openEntry(int dir, const char* name) {
+    // Reading the cache is no use of it: leave access times as the browser left them.
+    int fd = ::openat(dir, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NOATIME);
+    if (fd < 0 && errno == EPERM)
+        fd = ::openat(dir, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    return fd;
+}
+
+bool readAt(int fd, std::string& buf, std::size_t length, std::uint64_t offset) {
+    buf.resize(length);
+    std::size_t done = 0;
+    while (done < length) {
+        const ssize_t n = ::pread(fd, buf.data() + done, length - done, static_cast<off_t>(offset + done));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            break;
+        done += static_cast<std::size_t>(n);
+    }
+    buf.resize(done);
+    return done == length;
+}
+
+std::optional<std::string> readSimpleAddress(int fd, std::uint64_t size) {
+    std::string head;
+    readAt(fd, head, static_cast<std::size_t>(std::min<std::uint64_t>(size, kFirstRead)), 0);
+    std::size_t needed = 0;
+    auto key = simpleCacheKey(head, &needed);
+    if (!key && needed > head.size() && needed <= size && readAt(fd, head, needed, 0))
+        key = simpleCacheKey(head);
+    if (!key)
+        return std::nullopt;
+    return std::string(simpleCacheAddress(*key));
+}
+
+std::optional<std::string> readCache2Address(int fd, std::uint64_t size) {
+    std::string bytes;
+    std::uint64_t base = 0; // file offset of bytes[0]
+    if (size <= kWholeRead) {
+        if (!readAt(fd, bytes, static_cast<std::size_t>(size), 0))
+            return std::nullopt;
+    } else if (!readAt(fd, bytes, 4, size - 4)) {
+        return std::nullopt;
+    } else {
+        base = size - 4;
+    }
+    const auto offset = cache2MetadataOffset(std::string_view(bytes).substr(bytes.size() - 4), size);
+    if (!offset)
+        return std::nullopt;
+    std::string_view metadata;
+    if (base == 0) {
+        metadata = std::string_view(bytes).substr(*offset);
+    } else {
+        const std::size_t first = static_cast<std::size_t>(
+            std::min<std::uint64_t>(size - *offset, cache2KeyHeaderSize(*offset) + kFirstRead));
+        if (!readAt(fd, bytes, first, *offset))
+            return std::nullopt;
+        metadata = bytes;
+    }
+    std::size_t needed = 0;
+    auto key = cache2Key(metadata, *offset, &needed);
+    if (!key && base != 0 && needed > metadata.size() && needed <= size - *offset && readAt(fd, bytes, needed, *offset))
+        key = cache2Key(bytes, *offset);
+    if (!key)
+        return std::nullopt;
+    const auto address = cache2Address(*key);
+    return address ? std::optional<std::string>(std::string(*address)) : std::nullopt;
+}
+
+/// Removes `name` in the folder `at`; gone already counts as removed.
+bool removeName(int at, const std::string& name) {
+    return ::unlinkat(at, name.c_str(), 0) == 0 || errno == ENOENT;
+}
+
+int openFolder(int at, const std::string& name) {
+    return ::openat(at, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+}
+
+} // namespace
+
+std::string cacheEntriesFolder(BrowserFamily family, const std::string& folder) {
+    return family == BrowserFamily::Firefox ? folder + "/entries" : folder;
+}
+
+FolderStamp folderStamp(const std::string& folder) {
+    FolderStamp stamp;
+    struct stat st {};
+    if (::stat(folder.c_str(), &st) == 0) {
+        stamp.device = st.st_dev;
+        stamp.inode = st.st_ino;
+        stamp.modified = st.st_mtim;
+    }
+    return stamp;
+}
+
+CacheFolderReader::CacheFolderReader(BrowserFamily family, const std::string& folder)
+    : m_family(family), m_entries(cacheEntriesFolder(family, folder)) {
+    const int fd = ::open(m_entries.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return;
+    struct stat st {};
+    if (::fstat(fd, &st) == 0) {
+        m_stamp.device = st.st_dev;
+        m_stamp.inode = st.st_ino;
+        m_stamp.modified = st.st_mtim;
+    }
+    m_dir = ::fdopendir(fd);
+    if (!m_dir)
+        ::close(fd);
+}
+
+CacheFolderReader::~CacheFolderReader() {
+    if (m_dir)
+        ::closedir(m_dir);
+}
+
+bool CacheFolderReader::next(CacheEntryFile& entry) {
+    if (!m_dir)
+        return false;
+    while (const dirent* e = ::readdir(m_dir)) {
+        if (e->d_type != DT_REG && e->d_type != DT_UNKNOWN)
+            continue;
+        const bool candidate = m_family == BrowserFamily::Firefox ? isCache2EntryName(e->d_name) : isSimpleEntryName(e->d_name);
+        if (candidate && readEntry(e->d_name, entry))
+            return true;
+    }
+    ::closedir(m_dir);
+    m_dir = nullptr;
+    return false;
+}
+
+bool CacheFolderReader::readEntry(const char* name, CacheEntryFile& entry) {
+    const int fd = openEntry(::dirfd(m_dir), name);
+    if (fd < 0)
+        return false;
+    struct stat st {};
+    std::optional<std::string> address;
+    if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode)) {
+        const auto size = static_cast<std::uint64_t>(st.st_size);
+        address = m_family == BrowserFamily::Firefox ? readCache2Address(fd, size) : readSimpleAddress(fd, size);
+    }
+    ::close(fd);
+    if (!address)
+        return false;
+    entry.name = name;
+    entry.address = std::move(*address);
+    entry.size = static_cast<std::uint64_t>(st.st_size);
+    entry.modified = st.st_mtim.tv_sec;
+    return true;
+}
+
+bool removeCacheEntry(BrowserFamily family, const std::string& folder, const std::string& name) {
+    const int cache = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (cache < 0)
+        return false;
+    bool gone = false;
+    if (family == BrowserFamily::Chromium) {
+        // The simple cache trusts index-dir/the-real-index only while it is there; without it the
+        // browser rebuilds the index from the entry files it finds.
+        if (const int indexDir = openFolder(cache, "index-dir"); indexDir >= 0) {
+            removeName(indexDir, "the-real-index");
+            ::close(indexDir);
+        }
+        const std::string stem = name.substr(0, name.size() - 2);
+        gone = removeName(cache, stem + "_0");
+        gone = removeName(cache, stem + "_1") && gone;
+        gone = removeName(cache, stem + "_s") && gone;
+    } else {
+        // cache2 rebuilds its index (and journal) from the entries when the index file is missing.
+        for (const char* index : {"index", "index.tmp", "index.log"})
+            removeName(cache, index);
+        if (const int entries = openFolder(cache, "entries"); entries >= 0) {
+            gone = removeName(entries, name);
+            ::close(entries);
+        }
+    }
+    ::close(cache);
+    return gone;
+}
+
+} // namespace platform::linux

@@ -1,0 +1,322 @@
+// The history of a Chromium-family profile. Visits live in "History"; the same addresses are kept
+// in "Favicons" (which icon a page showed), "Top Sites", "Shortcuts" (omnibox), "Network Action
+// Predictor", the user-data folder's segmentation_platform/ukm_db, the session files and
+// "Visited Links". Bookmarks live in the JSON file "Bookmarks", which is only read: a bookmarked
+// address keeps its row in History and its icon, as the browser itself keeps them when it clears.
+
+#include "platform/linux/ProfileHistory.h"
+
+#include <chrono>
+#include <cstdio>
+
+namespace platform::linux {
+namespace {
+
+// Chromium keeps 90 days of history; an entry is due to go then.
+constexpr std::int64_t kKeptMicros = 90LL * 24 * 3600 * 1000000;
+// Microseconds between 1601-01-01 and 1970-01-01.
+constexpr std::int64_t kUnixEpochMicros = 11644473600LL * 1000000;
+// PAGE_TRANSITION_LINK, as the first and last visit of its own redirect chain.
+constexpr std::int64_t kLinkTransition = 0x30000000;
+
+/// Appends `code` to `out` as UTF-8.
+void appendUtf8(std::string& out, std::uint32_t code) {
+    if (code < 0x80) {
+        out += static_cast<char>(code);
+    } else if (code < 0x800) {
+        out += static_cast<char>(0xC0 | (code >> 6));
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    } else if (code < 0x10000) {
+        out += static_cast<char>(0xE0 | (code >> 12));
+        out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    } else {
+        out += static_cast<char>(0xF0 | (code >> 18));
+        out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
+        out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    }
+}
+
+/// The JSON string starting at the quote `text[pos]`, unescaped; `pos` moves past it.
+std::optional<std::string> jsonString(const std::string& text, std::size_t& pos) {
+    std::string out;
+    for (++pos; pos < text.size(); ++pos) {
+        const char c = text[pos];
+        if (c == '"') {
+            ++pos;
+            return out;
+        }
+        if (c != '\\') {
+            out += c;
+            continue;
+        }
+        if (++pos >= text.size())
+            return std::nullopt;
+        switch (text[pos]) {
+        case 'b': out += '\b'; break;
+        case 'f': out += '\f'; break;
+        case 'n': out += '\n'; break;
+        case 'r': out += '\r'; break;
+        case 't': out += '\t'; break;
+        case 'u': {
+            auto hex4 = [&](std::size_t at) -> std::optional<std::uint32_t> {
+                if (at + 4 > text.size())
+                    return std::nullopt;
+                return static_cast<std::uint32_t>(std::stoul(text.substr(at, 4), nullptr, 16));
+            };
+            auto unit = hex4(pos + 1);
+            if (!unit)
+                return std::nullopt;
+            pos += 4;
+            std::uint32_t code = *unit;
+            if (code >= 0xD800 && code < 0xDC00 && text.compare(pos + 1, 2, "\\u") == 0) {
+                if (auto low = hex4(pos + 3); low && *low >= 0xDC00 && *low < 0xE000) {
+                    code = 0x10000 + ((code - 0xD800) << 10) + (*low - 0xDC00);
+                    pos += 6;
+                }
+            }
+            appendUtf8(out, code);
+            break;
+        }
+        default: out += text[pos]; break;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string readWhole(const std::string& path) {
+    std::string text;
+    if (FILE* f = std::fopen(path.c_str(), "rb")) {
+        char buf[65536];
+        std::size_t n;
+        while ((n = std::fread(buf, 1, sizeof buf, f)) > 0)
+            text.append(buf, n);
+        std::fclose(f);
+    }
+    return text;
+}
+
+bool fillKeptUrls(SqliteDb& db, const std::vector<std::string>& urls) {
+    if (!db.exec("CREATE TEMP TABLE kept_urls(url TEXT PRIMARY KEY)"))
+        return false;
+    SqliteStatement insert = db.prepare("INSERT OR IGNORE INTO temp.kept_urls VALUES (?1)");
+    for (const std::string& url : urls) {
+        insert.reset();
+        if (!insert.bind(1, url).run())
+            return false;
+    }
+    return true;
+}
+
+class ChromiumHistory final : public ProfileHistory {
+public:
+    using ProfileHistory::ProfileHistory;
+
+    StoreResult read(std::vector<StatUrl>& out) override {
+        ProfileDatabases dbs;
+        if (const StoreResult r = dbs.openForReading({file("History")}); r != StoreResult::Done)
+            return r;
+        SqliteStatement rows = dbs.get(file("History"))->prepare(
+            "SELECT url, title, last_visit_time, hidden FROM urls WHERE last_visit_time > 0 ORDER BY id");
+        while (rows.step()) {
+            StatUrl record;
+            record.cbSize = 40;
+            record.pwcsUrl = rows.text(0);
+            record.pwcsTitle = rows.text(1);
+            record.ftLastVisited = fileTimeFromMicros1601(rows.integer(2));
+            record.ftLastUpdated = record.ftLastVisited;
+            record.ftExpires = fileTimeFromMicros1601(rows.integer(2) + kKeptMicros);
+            record.dwFlags = rows.integer(3) == 0 ? kStatUrlTopLevel : 0;
+            out.push_back(std::move(record));
+        }
+        return rows.failed() ? StoreResult::Failed : StoreResult::Done;
+    }
+
+    StoreResult add(const std::string& url, const std::string& title) override {
+        ProfileDatabases dbs;
+        if (const StoreResult r = dbs.lockForWriting({file("History")}); r != StoreResult::Done)
+            return r;
+        SqliteDb& db = *dbs.get(file("History"));
+        if (!db.hasTable("urls") || !db.hasTable("visits"))
+            return StoreResult::Failed;
+        const std::int64_t now =
+            std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::system_clock::now().time_since_epoch()).count() +
+            kUnixEpochMicros;
+        bool ok = recordVisit(db, url, title, now);
+        if (!ok) {
+            dbs.rollback();
+            return StoreResult::Failed;
+        }
+        return dbs.commit(false) ? StoreResult::Done : StoreResult::Failed;
+    }
+
+    StoreResult forget(const std::optional<std::string>& url) override {
+        const std::string ukm = profile().userDataFolder + "/segmentation_platform/ukm_db";
+        ProfileDatabases dbs;
+        const StoreResult r = dbs.lockForWriting({file("History"), file("Favicons"), file("Top Sites"), file("Shortcuts"),
+                                                  file("Network Action Predictor"), ukm});
+        if (r == StoreResult::InUse)
+            return r;
+        bool ok = r == StoreResult::Done;
+        if (ok) {
+            const std::vector<std::string> kept = bookmarkedUrls();
+            if (SqliteDb* db = dbs.get(file("History")))
+                ok = forgetInHistory(*db, url, kept) && ok;
+            if (SqliteDb* db = dbs.get(file("Favicons")))
+                ok = forgetInFavicons(*db, url, kept) && ok;
+            if (SqliteDb* db = dbs.get(file("Top Sites")))
+                ok = runWhereTables(*db, {"top_sites"}, "DELETE FROM top_sites" + where("url", url), url) &&
+                     runWhereTables(*db, {"thumbnails"}, "DELETE FROM thumbnails" + where("url", url), url) && ok;
+            if (SqliteDb* db = dbs.get(file("Shortcuts")))
+                ok = runWhereTables(*db, {"omni_box_shortcuts"}, "DELETE FROM omni_box_shortcuts" + where("url", url), url) && ok;
+            if (SqliteDb* db = dbs.get(file("Network Action Predictor")))
+                ok = forgetInPredictor(*db, url) && ok;
+            if (SqliteDb* db = dbs.get(ukm))
+                ok = runWhereTables(*db, {"metrics", "urls"},
+                                    "DELETE FROM metrics WHERE url_id IN (SELECT url_id FROM urls" + where("url", url) + ")", url) &&
+                     runWhereTables(*db, {"urls"}, "DELETE FROM urls" + where("url", url), url) && ok;
+            ok = dbs.commit(true) && ok;
+        }
+        if (!url)
+            ok = removeVisitFiles() && ok;
+        return ok ? StoreResult::Done : StoreResult::Failed;
+    }
+
+private:
+    static std::string where(const char* column, const std::optional<std::string>& url) {
+        return url ? std::string(" WHERE ") + column + " = ?1" : std::string();
+    }
+    static std::string andWhere(const char* column, const std::optional<std::string>& url) {
+        return url ? std::string(" AND ") + column + " = ?1" : std::string();
+    }
+    /// Adds one visit of `url` at `now`, with a row for the address when it has none yet.
+    static bool recordVisit(SqliteDb& db, const std::string& url, const std::string& title, std::int64_t now) {
+        SqliteStatement find = db.prepare("SELECT id FROM urls WHERE url = ?1");
+        find.bind(1, url);
+        std::int64_t id = 0;
+        bool ok = true;
+        if (find.step()) {
+            id = find.integer(0);
+            SqliteStatement update = db.prepare(
+                "UPDATE urls SET title = CASE WHEN ?2 <> '' THEN ?2 ELSE title END, visit_count = visit_count + 1, "
+                "last_visit_time = ?3, hidden = 0 WHERE id = ?4");
+            ok = update.bind(2, title).bind(3, now).bind(4, id).run();
+        } else {
+            SqliteStatement insert = db.prepare("INSERT INTO urls (url, title, visit_count, typed_count, last_visit_time, "
+                                                "hidden) VALUES (?1, ?2, 1, 0, ?3, 0)");
+            ok = insert.bind(1, url).bind(2, title).bind(3, now).run();
+            id = std::stoll(db.value("SELECT last_insert_rowid()").value_or("0"));
+        }
+        SqliteStatement visit = db.prepare(
+            "INSERT INTO visits (url, visit_time, from_visit, transition, segment_id) VALUES (?1, ?2, 0, ?3, 0)");
+        return ok && visit.bind(1, id).bind(2, now).bind(3, kLinkTransition).run();
+    }
+
+    /// The addresses of the profile's bookmarks: every "url" member of the Bookmarks file.
+    std::vector<std::string> bookmarkedUrls() const {
+        std::vector<std::string> urls;
+        const std::string json = readWhole(file("Bookmarks"));
+        for (std::size_t pos = json.find("\"url\""); pos != std::string::npos; pos = json.find("\"url\"", pos)) {
+            pos += 5;
+            while (pos < json.size() && (json[pos] == ' ' || json[pos] == '\t' || json[pos] == '\n' || json[pos] == '\r'))
+                ++pos;
+            if (pos >= json.size() || json[pos] != ':')
+                continue;
+            ++pos;
+            while (pos < json.size() && (json[pos] == ' ' || json[pos] == '\t' || json[pos] == '\n' || json[pos] == '\r'))
+                ++pos;
+            if (pos < json.size() && json[pos] == '"')
+                if (auto value = jsonString(json, pos))
+                    urls.push_back(std::move(*value));
+        }
+        return urls;
+    }
+
+    static bool forgetInHistory(SqliteDb& db, const std::optional<std::string>& url, const std::vector<std::string>& kept) {
+        if (!db.hasTable("urls") || !fillKeptUrls(db, kept))
+            return false;
+        bool ok = db.exec("CREATE TEMP TABLE targets(id INTEGER PRIMARY KEY)") &&
+                  runWhereTables(db, {"urls"}, "INSERT INTO temp.targets SELECT id FROM urls" + where("url", url), url) &&
+                  db.exec("CREATE TEMP TABLE gone_visits(id INTEGER PRIMARY KEY)") &&
+                  runWhereTables(db, {"visits"},
+                                 "INSERT INTO temp.gone_visits SELECT id FROM visits WHERE url IN (SELECT id FROM temp.targets)");
+        const std::string goneVisits = " IN (SELECT id FROM temp.gone_visits)";
+        const std::string targets = " IN (SELECT id FROM temp.targets)";
+        ok = ok && runWhereTables(db, {"visit_source"}, "DELETE FROM visit_source WHERE id" + goneVisits) &&
+             runWhereTables(db, {"content_annotations"}, "DELETE FROM content_annotations WHERE visit_id" + goneVisits) &&
+             runWhereTables(db, {"context_annotations"}, "DELETE FROM context_annotations WHERE visit_id" + goneVisits) &&
+             runWhereTables(db, {"clusters_and_visits"}, "DELETE FROM clusters_and_visits WHERE visit_id" + goneVisits) &&
+             runWhereTables(db, {"cluster_visit_duplicates"},
+                            "DELETE FROM cluster_visit_duplicates WHERE visit_id" + goneVisits + " OR duplicate_visit_id" + goneVisits) &&
+             runWhereTables(db, {"clusters", "clusters_and_visits"},
+                            "DELETE FROM clusters WHERE cluster_id NOT IN (SELECT cluster_id FROM clusters_and_visits)") &&
+             runWhereTables(db, {"cluster_keywords", "clusters"},
+                            "DELETE FROM cluster_keywords WHERE cluster_id NOT IN (SELECT cluster_id FROM clusters)") &&
+             runWhereTables(db, {"visits"}, "DELETE FROM visits WHERE id" + goneVisits) &&
+             runWhereTables(db, {"keyword_search_terms"}, "DELETE FROM keyword_search_terms WHERE url_id" + targets) &&
+             runWhereTables(db, {"segment_usage", "segments"},
+                            "DELETE FROM segment_usage WHERE segment_id IN (SELECT id FROM segments WHERE url_id" + targets + ")") &&
+             runWhereTables(db, {"segments"}, "DELETE FROM segments WHERE url_id" + targets) &&
+             // A visited link also names the page it was followed from.
+             runWhereTables(db, {"visited_links"},
+                            "DELETE FROM visited_links WHERE link_url_id" + targets +
+                                (url ? " OR top_level_url = ?1 OR frame_url = ?1" : ""),
+                            url) &&
+             db.exec("DELETE FROM urls WHERE id" + targets + " AND url NOT IN (SELECT url FROM temp.kept_urls)") &&
+             db.exec("UPDATE urls SET visit_count = 0, typed_count = 0, last_visit_time = 0 WHERE id" + targets);
+        if (!url) {
+            // Tables that record browsing without naming one address each go whole.
+            for (const char* table : {"visit_source", "visited_links", "downloads", "downloads_url_chains", "downloads_slices",
+                                      "history_sync_metadata", "journeys", "journey_history_entries",
+                                      "journey_continuation_queries", "journey_sync_metadata"})
+                ok = runWhereTables(db, {table}, std::string("DELETE FROM ") + table) && ok;
+        }
+        return ok;
+    }
+
+    static bool forgetInFavicons(SqliteDb& db, const std::optional<std::string>& url, const std::vector<std::string>& kept) {
+        return fillKeptUrls(db, kept) &&
+               runWhereTables(db, {"icon_mapping"},
+                              "DELETE FROM icon_mapping WHERE page_url NOT IN (SELECT url FROM temp.kept_urls)" +
+                                  andWhere("page_url", url),
+                              url) &&
+               runWhereTables(db, {"favicons", "icon_mapping"},
+                              "DELETE FROM favicons WHERE id NOT IN (SELECT icon_id FROM icon_mapping WHERE icon_id NOT NULL)") &&
+               runWhereTables(db, {"favicon_bitmaps", "favicons"},
+                              "DELETE FROM favicon_bitmaps WHERE icon_id NOT IN (SELECT id FROM favicons)");
+    }
+
+    static bool forgetInPredictor(SqliteDb& db, const std::optional<std::string>& url) {
+        if (url)
+            return runWhereTables(db, {"network_action_predictor"}, "DELETE FROM network_action_predictor WHERE url = ?1", url);
+        // Every table of the predictor but its bookkeeping records addresses or hosts the user went to.
+        std::vector<std::string> tables;
+        SqliteStatement names = db.prepare("SELECT name FROM sqlite_master WHERE type = 'table' AND name <> 'meta' "
+                                           "AND name NOT LIKE '%metadata' AND name NOT LIKE 'sqlite_%'");
+        while (names.step())
+            tables.push_back(names.text(0));
+        bool ok = !names.failed();
+        for (const std::string& table : tables)
+            ok = db.exec("DELETE FROM \"" + table + "\"") && ok;
+        return ok;
+    }
+
+    /// Removes the files that only record visits: the session files the browser restores tabs
+    /// from, and the visited-link table.
+    bool removeVisitFiles() const {
+        bool ok = true;
+        for (const char* name : {"Visited Links", "History Provider Cache", "Current Session", "Current Tabs",
+                                 "Last Session", "Last Tabs"})
+            ok = removeFileIfThere(file(name)) && ok;
+        return removeFilesIn(file("Sessions")) && ok;
+    }
+};
+
+} // namespace
+
+std::unique_ptr<ProfileHistory> makeChromiumHistory(const BrowserProfile& profile) {
+    return std::make_unique<ChromiumHistory>(profile);
+}
+
+} // namespace platform::linux

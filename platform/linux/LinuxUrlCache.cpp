@@ -1,0 +1,249 @@
+#include "platform/linux/LinuxUrlCache.h"
+
+#include "platform/linux/CacheFolder.h"
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <unordered_map>
+
+namespace platform::linux {
+namespace {
+
+constexpr std::uint32_t kNormalCacheEntry = 0x1;
+// 100-nanosecond intervals between 1601-01-01 and 1970-01-01.
+constexpr std::uint64_t kUnixEpochAsFileTime = 116444736000000000ULL;
+
+FileTime fileTimeOf(std::int64_t unixSeconds) {
+    const std::uint64_t t = unixSeconds > 0 ? kUnixEpochAsFileTime + std::uint64_t(unixSeconds) * 10000000ULL : 0;
+    return FileTime{static_cast<std::uint32_t>(t), static_cast<std::uint32_t>(t >> 32)};
+}
+
+struct Located {
+    std::size_t cache;
+    std::string name;
+};
+
+} // namespace
+
+/// The caches of one discovery of the profiles, and what has been read of them.
+struct LinuxUrlCache::Catalogue {
+    struct Cache {
+        BrowserFamily family;
+        std::size_t profile;
+        std::string folder;
+        bool complete = false; ///< every entry of the folder is in `byAddress`
+        FolderStamp stamp;     ///< of its entries folder when it was last read completely
+    };
+    std::vector<BrowserProfile> profiles;
+    std::vector<Cache> caches;          ///< of the profiles not held, in enumeration order
+    std::vector<std::string> held;      ///< profile folders left alone
+    std::unordered_map<std::string, std::vector<Located>> byAddress;
+
+    void remember(std::size_t cache, const CacheEntryFile& entry) {
+        byAddress[entry.address].push_back(Located{cache, entry.name});
+    }
+
+    /// Reads cache `index` whole into `byAddress`, replacing what was known of it.
+    void reread(std::size_t index) {
+        for (auto it = byAddress.begin(); it != byAddress.end();) {
+            std::erase_if(it->second, [&](const Located& l) { return l.cache == index; });
+            it = it->second.empty() ? byAddress.erase(it) : std::next(it);
+        }
+        Cache& cache = caches[index];
+        CacheFolderReader reader(cache.family, cache.folder);
+        CacheEntryFile entry;
+        while (reader.next(entry))
+            remember(index, entry);
+        cache.stamp = reader.stamp();
+        cache.complete = true;
+    }
+};
+
+/// One enumeration: the caches in order, the open folder, and the entry to be handed out next.
+class LinuxUrlCache::Enumeration {
+public:
+    explicit Enumeration(std::shared_ptr<Catalogue> catalogue) : m_catalogue(std::move(catalogue)) {}
+
+    /// The entry to hand out next, read now if need be; null at the end.
+    const CacheEntryFile* peek() {
+        while (!m_pending) {
+            if (!m_reader) {
+                if (m_next >= m_catalogue->caches.size())
+                    return nullptr;
+                m_current = m_next++;
+                const auto& cache = m_catalogue->caches[m_current];
+                m_reader = std::make_unique<CacheFolderReader>(cache.family, cache.folder);
+            }
+            CacheEntryFile entry;
+            if (m_reader->next(entry)) {
+                m_catalogue->remember(m_current, entry);
+                m_pending = std::move(entry);
+            } else {
+                finishFolder();
+            }
+        }
+        return &*m_pending;
+    }
+
+    std::uint32_t neededSize() const {
+        return static_cast<std::uint32_t>(sizeof(UrlCacheEntryInfo) + m_pending->address.size() + 1 + localName().size() + 1);
+    }
+
+    /// Writes the pending entry into `buffer` (at least neededSize() bytes) and moves on.
+    void write(void* buffer) {
+        auto* base = static_cast<char*>(buffer);
+        char* url = base + sizeof(UrlCacheEntryInfo);
+        std::memcpy(url, m_pending->address.c_str(), m_pending->address.size() + 1);
+        char* local = url + m_pending->address.size() + 1;
+        const std::string path = localName();
+        std::memcpy(local, path.c_str(), path.size() + 1);
+
+        UrlCacheEntryInfo info;
+        info.dwStructSize = sizeof(UrlCacheEntryInfo);
+        info.lpszSourceUrlName = url;
+        info.lpszLocalFileName = local;
+        info.CacheEntryType = kNormalCacheEntry;
+        info.dwSizeLow = static_cast<std::uint32_t>(m_pending->size);
+        info.dwSizeHigh = static_cast<std::uint32_t>(m_pending->size >> 32);
+        info.LastModifiedTime = fileTimeOf(m_pending->modified);
+        info.LastAccessTime = info.LastModifiedTime;
+        info.LastSyncTime = info.LastModifiedTime;
+        std::memcpy(base, &info, sizeof info);
+        m_pending.reset();
+    }
+
+private:
+    std::string localName() const { return m_reader->entriesFolder() + "/" + m_pending->name; }
+
+    void finishFolder() {
+        // Only a folder that did not change while it was read is known whole.
+        auto& cache = m_catalogue->caches[m_current];
+        if (!cache.complete && m_reader->stamp() == folderStamp(m_reader->entriesFolder())) {
+            cache.complete = true;
+            cache.stamp = m_reader->stamp();
+        }
+        m_reader.reset();
+    }
+
+    std::shared_ptr<Catalogue> m_catalogue;
+    std::size_t m_next = 0;
+    std::size_t m_current = 0;
+    std::unique_ptr<CacheFolderReader> m_reader;
+    std::optional<CacheEntryFile> m_pending;
+};
+
+LinuxUrlCache::LinuxUrlCache(Environment env) : m_env(std::move(env)) {}
+
+LinuxUrlCache::~LinuxUrlCache() = default;
+
+std::shared_ptr<LinuxUrlCache::Catalogue> LinuxUrlCache::discover() {
+    auto catalogue = std::make_shared<Catalogue>();
+    catalogue->profiles = findBrowserProfiles(m_env);
+    for (std::size_t p = 0; p < catalogue->profiles.size(); ++p) {
+        const BrowserProfile& profile = catalogue->profiles[p];
+        if (profile.caches.empty())
+            continue;
+        if (profileHeld(profile)) {
+            catalogue->held.push_back(profile.folder);
+            continue;
+        }
+        for (const std::string& folder : profile.caches)
+            catalogue->caches.push_back(Catalogue::Cache{profile.family, p, folder, false, {}});
+    }
+    return catalogue;
+}
+
+UrlCacheEnum LinuxUrlCache::findFirst(void* buffer, std::uint32_t& size) {
+    if (!m_probe) {
+        m_catalogue = discover();
+        m_inUse = m_catalogue->held;
+        m_probe = std::make_unique<Enumeration>(m_catalogue);
+    }
+    if (!m_probe->peek()) {
+        m_probe.reset();
+        size = 0;
+        return 0;
+    }
+    const std::uint32_t needed = m_probe->neededSize();
+    if (!buffer || size < needed) {
+        size = needed;
+        return 0;
+    }
+    m_probe->write(buffer);
+    size = needed;
+    const UrlCacheEnum handle = ++m_lastHandle;
+    m_open[handle] = std::move(m_probe);
+    return handle;
+}
+
+bool LinuxUrlCache::findNext(UrlCacheEnum enumeration, void* buffer, std::uint32_t& size) {
+    const auto it = m_open.find(enumeration);
+    if (it == m_open.end() || !it->second->peek()) {
+        size = 0;
+        return false;
+    }
+    const std::uint32_t needed = it->second->neededSize();
+    if (!buffer || size < needed) {
+        size = needed;
+        return false;
+    }
+    it->second->write(buffer);
+    size = needed;
+    return true;
+}
+
+void LinuxUrlCache::findClose(UrlCacheEnum enumeration) {
+    m_open.erase(enumeration);
+}
+
+bool LinuxUrlCache::deleteEntry(const std::string& url) {
+    if (!m_catalogue)
+        m_catalogue = discover();
+    Catalogue& catalogue = *m_catalogue;
+    m_inUse = catalogue.held;
+
+    auto found = catalogue.byAddress.find(url);
+    if (found == catalogue.byAddress.end()) {
+        // Not among the entries read so far: read the folders not read whole, or changed since.
+        for (std::size_t i = 0; i < catalogue.caches.size(); ++i) {
+            const auto& cache = catalogue.caches[i];
+            if (!cache.complete || !(cache.stamp == folderStamp(cacheEntriesFolder(cache.family, cache.folder))))
+                catalogue.reread(i);
+        }
+        found = catalogue.byAddress.find(url);
+        if (found == catalogue.byAddress.end())
+            return false;
+    }
+
+    bool deleted = true;
+    std::vector<Located> kept;
+    for (const Located& location : found->second) {
+        auto& cache = catalogue.caches[location.cache];
+        const BrowserProfile& profile = catalogue.profiles[cache.profile];
+        if (profileHeld(profile)) {
+            if (std::find(m_inUse.begin(), m_inUse.end(), profile.folder) == m_inUse.end())
+                m_inUse.push_back(profile.folder);
+            kept.push_back(location);
+            deleted = false;
+            continue;
+        }
+        const std::string entries = cacheEntriesFolder(cache.family, cache.folder);
+        const bool wasCurrent = cache.complete && cache.stamp == folderStamp(entries);
+        if (!removeCacheEntry(cache.family, cache.folder, location.name)) {
+            kept.push_back(location);
+            deleted = false;
+            continue;
+        }
+        // Our own removal changes the folder; what is known of it stays whole.
+        if (wasCurrent)
+            cache.stamp = folderStamp(entries);
+    }
+    if (kept.empty())
+        catalogue.byAddress.erase(found);
+    else
+        found->second = std::move(kept);
+    return deleted;
+}
+
+} // namespace platform::linux

@@ -1,0 +1,44 @@
+#pragma once
+// The URL cache on Linux: the disk caches of every browser profile found (see BrowserProfiles.h),
+// enumerated profile by profile, entry by entry, each entry read only when the enumeration reaches
+// it. The entries an enumeration has read are remembered by address, so deleting a long list of
+// them ("Wipe Cache") finds each one without reading the caches again; a cache folder is read
+// again only when an address is not known and the folder has changed since it was read. A profile
+// whose browser holds it is neither read nor changed, and is named by storesInUse().
+
+#include "platform/UrlCache.h"
+#include "platform/linux/BrowserProfiles.h"
+#include "platform/linux/Environment.h"
+
+#include <map>
+#include <memory>
+
+namespace platform::linux {
+
+class LinuxUrlCache final : public UrlCache {
+public:
+    explicit LinuxUrlCache(Environment env);
+    ~LinuxUrlCache() override;
+
+    UrlCacheEnum findFirst(void* buffer, std::uint32_t& size) override;
+    bool findNext(UrlCacheEnum enumeration, void* buffer, std::uint32_t& size) override;
+    void findClose(UrlCacheEnum enumeration) override;
+    bool deleteEntry(const std::string& url) override;
+    std::vector<std::string> storesInUse() const override { return m_inUse; }
+
+private:
+    struct Catalogue;
+    class Enumeration;
+
+    std::shared_ptr<Catalogue> discover();
+
+    Environment m_env;
+    std::shared_ptr<Catalogue> m_catalogue;
+    /// An enumeration positioned at its first entry by a findFirst that only asked for the size.
+    std::unique_ptr<Enumeration> m_probe;
+    std::map<UrlCacheEnum, std::unique_ptr<Enumeration>> m_open;
+    UrlCacheEnum m_lastHandle = 0;
+    std::vector<std::string> m_inUse;
+};
+
+} // namespace platform::linux

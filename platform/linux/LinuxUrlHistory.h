@@ -1,0 +1,37 @@
+#pragma once
+// The URL history store on Linux: the history databases of every browser profile found (see
+// BrowserProfiles.h), read profile by profile. Clearing and deleting reach every profile whose
+// browser does not hold it; one that is held is left whole and named by storesInUse(). An address
+// is added to the first profile that can take it (a Chromium-family one).
+
+#include "platform/UrlHistory.h"
+#include "platform/linux/Environment.h"
+
+#include <memory>
+
+namespace platform::linux {
+
+/// SetFilter flags of IEnumSTATURL that the enumeration honours.
+namespace StatUrlQuery {
+constexpr std::uint32_t NoUrl = 0x20000;    ///< STATURL_QUERYFLAG_NOURL: leave the address out
+constexpr std::uint32_t NoTitle = 0x40000;  ///< STATURL_QUERYFLAG_NOTITLE: leave the title out
+constexpr std::uint32_t TopLevel = 0x80000; ///< STATURL_QUERYFLAG_TOPLEVEL: only pages shown as such
+} // namespace StatUrlQuery
+
+class LinuxUrlHistory final : public UrlHistory {
+public:
+    explicit LinuxUrlHistory(Environment env);
+
+    bool addUrl(const std::string& url, const std::string& title, std::uint32_t flags) override;
+    bool deleteUrl(const std::string& url, std::uint32_t flags) override;
+    std::unique_ptr<UrlHistoryEnum> enumUrls() override;
+    bool clearHistory() override;
+    std::vector<std::string> storesInUse() const override { return *m_inUse; }
+
+private:
+    Environment m_env;
+    /// Shared with the enumerators, which find held profiles as they reach them.
+    std::shared_ptr<std::vector<std::string>> m_inUse;
+};
+
+} // namespace platform::linux

@@ -1,0 +1,55 @@
+#pragma once
+// The history databases of one browser profile, held together for one change: every database is
+// opened and write-locked before any is changed, so that a profile whose browser holds one of them
+// is left whole. Deleted rows are overwritten (secure_delete), and after the commit each database
+// is rebuilt (VACUUM) and its journal or write-ahead log emptied, so that no deleted byte stays in
+// any of its files.
+
+#include "platform/linux/Sqlite.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace platform::linux {
+
+enum class StoreResult { Done, Failed, InUse };
+
+class ProfileDatabases {
+public:
+    ProfileDatabases() = default;
+    ~ProfileDatabases();
+    ProfileDatabases(const ProfileDatabases&) = delete;
+    ProfileDatabases& operator=(const ProfileDatabases&) = delete;
+
+    /// Opens each of `paths` that exists and takes its write lock. InUse when one stays locked by
+    /// another process (nothing is then held); Failed when none could be opened; otherwise Done,
+    /// also when a damaged one had to be left out (failures() tells).
+    StoreResult lockForWriting(const std::vector<std::string>& paths);
+    /// Opens each of `paths` that exists for reading only; InUse when one is locked.
+    StoreResult openForReading(const std::vector<std::string>& paths);
+    /// The open database at `path`, or null when it is not there.
+    SqliteDb* get(const std::string& path) const;
+    /// Commits every database, then, when `compact`, rebuilds it and empties its journal. True when
+    /// all of it worked.
+    bool commit(bool compact);
+    /// Gives up every change.
+    void rollback();
+    /// Whether a database had to be left out or a step failed.
+    bool failures() const { return m_failures; }
+    void noteFailure() { m_failures = true; }
+
+private:
+    struct Open {
+        std::string path;
+        std::unique_ptr<SqliteDb> db;
+        bool wal = false;
+        bool inTransaction = false;
+    };
+    StoreResult open(const std::vector<std::string>& paths, bool write);
+
+    std::vector<Open> m_open;
+    bool m_failures = false;
+};
+
+} // namespace platform::linux

@@ -1,0 +1,59 @@
+#pragma once
+// The history of one browser profile, whatever the browser: its visited addresses read as STATURL
+// records, one address added, one address or all of them forgotten. Forgetting takes every record
+// of a visit out of the profile's databases (bookmarked addresses stay, their visit data reset)
+// and removes the files that only record visits (sessions, visited-link tables).
+
+#include "platform/UrlHistory.h"
+#include "platform/linux/BrowserProfiles.h"
+#include "platform/linux/ProfileDatabases.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace platform::linux {
+
+/// STATURLFLAG_ISTOPLEVEL: the address was shown as a page, not only inside one.
+constexpr std::uint32_t kStatUrlTopLevel = 0x2;
+
+class ProfileHistory {
+public:
+    explicit ProfileHistory(BrowserProfile profile) : m_profile(std::move(profile)) {}
+    virtual ~ProfileHistory() = default;
+
+    const BrowserProfile& profile() const { return m_profile; }
+    /// Appends the profile's visited addresses, oldest entry first.
+    virtual StoreResult read(std::vector<StatUrl>& out) = 0;
+    /// Records a visit of `url` now; Failed where the store cannot take it safely.
+    virtual StoreResult add(const std::string& url, const std::string& title) = 0;
+    /// Removes every record of visiting `url`, or of every address when `url` is empty.
+    virtual StoreResult forget(const std::optional<std::string>& url) = 0;
+
+protected:
+    std::string file(const std::string& name) const { return m_profile.folder + "/" + name; }
+
+private:
+    BrowserProfile m_profile;
+};
+
+/// The history of `profile`, by its browser family.
+std::unique_ptr<ProfileHistory> profileHistory(const BrowserProfile& profile);
+
+/// Runs `sql` on `db` when it has every table in `tables`, binding `url` (when given) as ?1;
+/// true when it ran or the tables are not there.
+bool runWhereTables(SqliteDb& db, std::initializer_list<const char*> tables, const std::string& sql,
+                    const std::optional<std::string>& url = std::nullopt);
+
+/// A FILETIME from microseconds since 1601-01-01 UTC.
+FileTime fileTimeFromMicros1601(std::int64_t micros);
+/// Removes the file `path` (never a folder, never through a link); true when it is gone.
+bool removeFileIfThere(const std::string& path);
+/// Removes every file directly in the folder `path` (not through a link to it); true when they are gone.
+bool removeFilesIn(const std::string& path);
+
+std::unique_ptr<ProfileHistory> makeChromiumHistory(const BrowserProfile& profile);
+std::unique_ptr<ProfileHistory> makeFirefoxHistory(const BrowserProfile& profile);
+
+} // namespace platform::linux

@@ -1,0 +1,136 @@
+#include "tests/platform/BrowserHome.h"
+
+#include "tests/support/CliProcess.h"
+
+#include <cstring>
+#include <fstream>
+
+namespace fs = std::filesystem;
+
+namespace testsupport {
+namespace {
+
+const fs::path kData = fs::path(SCOURMILL_TEST_DATA) / "browsers";
+
+std::string firefoxProfileName() {
+    std::ifstream ini(kData / "firefox/profiles/profiles.ini");
+    for (std::string line; std::getline(ini, line);)
+        if (line.rfind("Path=", 0) == 0)
+            return line.substr(5);
+    return {};
+}
+
+void copyTree(const fs::path& from, const fs::path& to) {
+    fs::create_directories(to);
+    fs::copy(from, to, fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+}
+
+} // namespace
+
+const std::string kSite = "http://127.0.0.1:48123/";
+const std::string kBookmarkedUrl = kSite + "scourmill-bookmarked-b00c.html";
+
+const std::vector<VisitedPage>& visitedPages() {
+    static const std::vector<VisitedPage> pages = {
+        {kSite + "scourmill-alpha-7f3a.html", "Scourmill Alpha Title 7f3a"},
+        {kSite + "scourmill-beta-91c2.html", "Scourmill Beta Title 91c2"},
+        {kSite + "scourmill-untitled-4d8e.html", ""},
+        {kSite + "scourmill-gamma-2e6b.html?q=scourmill-query-5521", "Scourmill Gamma Title 2e6b"},
+        {kBookmarkedUrl, "Scourmill Bookmarked Title b00c"},
+    };
+    return pages;
+}
+
+BrowserHome::BrowserHome(CacheLayout layout, FirefoxRoot root, BrowserChoice browsers)
+    : m_home(m_dir.path() / "home"), m_layout(layout), m_firefoxName(firefoxProfileName()) {
+    fs::create_directories(m_home);
+    setEnv("HOME", m_home.string());
+    setEnv("XDG_CONFIG_HOME", (m_home / ".config").string());
+    setEnv("XDG_CACHE_HOME", (m_home / ".cache").string());
+    m_firefoxRoot = root == FirefoxRoot::DotMozilla ? m_home / ".mozilla/firefox" : m_home / ".config/mozilla/firefox";
+    if (browsers.chromium) {
+        copyTree(kData / "chromium/user-data", chromiumUserData());
+        copyTree(kData / "chromium/cache/Default/Cache/Cache_Data", chromiumCache());
+    }
+    if (browsers.firefox) {
+        copyTree(kData / "firefox/profiles", m_firefoxRoot);
+        copyTree(kData / "firefox/cache" / m_firefoxName / "cache2", firefoxCache());
+    }
+    m_platform = platform::createNative();
+}
+
+fs::path BrowserHome::chromiumCache() const {
+    return m_layout == CacheLayout::UnderCacheHome ? m_home / ".cache/chromium/Default/Cache/Cache_Data"
+                                                   : chromiumProfile() / "Cache/Cache_Data";
+}
+
+fs::path BrowserHome::firefoxCache() const {
+    return m_layout == CacheLayout::UnderCacheHome ? m_home / ".cache/mozilla/firefox" / m_firefoxName / "cache2"
+                                                   : firefoxProfile() / "cache2";
+}
+
+std::map<fs::path, std::string> BrowserHome::snapshot() const {
+    std::map<fs::path, std::string> files;
+    for (const auto& entry : fs::recursive_directory_iterator(m_home))
+        if (entry.is_regular_file() && !entry.is_symlink())
+            files[entry.path()] = readFile(entry.path());
+    return files;
+}
+
+std::vector<std::string> listCache(platform::UrlCache& cache) {
+    std::vector<std::string> urls;
+    auto take = [&](const std::vector<char>& buffer) {
+        platform::UrlCacheEntryInfo info;
+        std::memcpy(&info, buffer.data(), sizeof info);
+        urls.emplace_back(info.lpszSourceUrlName);
+    };
+    std::uint32_t size = 0;
+    cache.findFirst(nullptr, size);
+    if (size == 0)
+        return urls;
+    std::vector<char> buffer(size);
+    const platform::UrlCacheEnum handle = cache.findFirst(buffer.data(), size);
+    if (!handle)
+        return urls;
+    take(buffer);
+    for (;;) {
+        size = 0;
+        cache.findNext(handle, nullptr, size);
+        if (size == 0)
+            break;
+        buffer.assign(size, 0);
+        if (!cache.findNext(handle, buffer.data(), size))
+            break;
+        take(buffer);
+    }
+    cache.findClose(handle);
+    return urls;
+}
+
+std::vector<platform::StatUrl> listHistory(platform::UrlHistory& history, const std::string& prefix, std::uint32_t flags) {
+    std::vector<platform::StatUrl> records;
+    auto enumerator = history.enumUrls();
+    if (!enumerator)
+        return records;
+    enumerator->setFilter(prefix, flags);
+    platform::StatUrl record;
+    while (enumerator->next(record) == 1)
+        records.push_back(record);
+    return records;
+}
+
+bool holdsText(const std::string& bytes, const std::string& text) {
+    std::string wide;
+    for (char c : text) {
+        wide += c;
+        wide += '\0';
+    }
+    return bytes.find(text) != std::string::npos || bytes.find(wide) != std::string::npos;
+}
+
+std::string integrityOf(const fs::path& path) {
+    const CliResult r = runCommand("sqlite3 " + shellQuoted(path) + " 'PRAGMA integrity_check'");
+    return r.code == 0 ? r.out : "sqlite3 failed: " + r.err;
+}
+
+} // namespace testsupport

@@ -1,0 +1,190 @@
+// The Linux URL cache over the disk caches of real Chromium and Firefox profiles.
+
+#include "tests/platform/BrowserHome.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <set>
+
+namespace fs = std::filesystem;
+using namespace testsupport;
+
+namespace {
+
+std::set<std::string> cachedInBoth() {
+    std::set<std::string> urls;
+    for (const VisitedPage& page : visitedPages())
+        urls.insert(page.url);
+    for (const char* file : {"scourmill-style-3b7d.css", "scourmill-picture-c0de.png", "scourmill-icon-e5f1.png"})
+        urls.insert(kSite + file);
+    return urls;
+}
+
+std::string firstEntryFile(const fs::path& folder, const std::string& containing) {
+    for (const auto& e : fs::recursive_directory_iterator(folder))
+        if (e.is_regular_file() && readFile(e.path()).find(containing) != std::string::npos &&
+            e.path().filename().string().size() >= 18 && e.path().parent_path().filename() != "index-dir")
+            return e.path().filename().string();
+    return {};
+}
+
+void writeBytes(const fs::path& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::string le32(std::uint32_t v) {
+    return std::string{char(v), char(v >> 8), char(v >> 16), char(v >> 24)};
+}
+
+std::string be32(std::uint32_t v) {
+    return std::string{char(v >> 24), char(v >> 16), char(v >> 8), char(v)};
+}
+
+/// A simple-cache "_0" file holding only its header and `key`.
+std::string simpleEntry(const std::string& key) {
+    return le32(0xa7725c30) + le32(0xfcfb6d1b) + le32(5) + le32(static_cast<std::uint32_t>(key.size())) + le32(0) + le32(0) + key;
+}
+
+/// A cache2 entry file with `dataSize` bytes of data and `key`.
+std::string cache2Entry(std::uint32_t dataSize, const std::string& key) {
+    const std::uint32_t chunks = (dataSize + 262143) / 262144;
+    std::string file(dataSize, 'd');
+    file += be32(0) + std::string(chunks * 2, '\0');
+    file += be32(4) + be32(1) + be32(0) + be32(0) + be32(0) + be32(0) + be32(static_cast<std::uint32_t>(key.size())) + be32(0);
+    file += key + '\0';
+    file += be32(dataSize);
+    return file;
+}
+
+} // namespace
+
+class UrlCacheLayouts : public ::testing::TestWithParam<std::pair<CacheLayout, FirefoxRoot>> {};
+
+TEST_P(UrlCacheLayouts, ListsEveryEntryProfileByProfile) {
+    BrowserHome home(GetParam().first, GetParam().second);
+    const std::vector<std::string> urls = listCache(home.platform().urlCache());
+
+    const std::set<std::string> expected = cachedInBoth();
+    ASSERT_EQ(urls.size(), expected.size() * 2 + 1); // Firefox also cached its start page
+    const std::set<std::string> chromium(urls.begin(), urls.begin() + expected.size());
+    std::set<std::string> firefox(urls.begin() + expected.size(), urls.end());
+    EXPECT_EQ(chromium, expected);
+    EXPECT_EQ(firefox.erase("about:home"), 1u);
+    EXPECT_EQ(firefox, expected);
+    EXPECT_TRUE(home.platform().urlCache().storesInUse().empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(BothLayouts, UrlCacheLayouts,
+                         ::testing::Values(std::pair{CacheLayout::UnderCacheHome, FirefoxRoot::DotMozilla},
+                                           std::pair{CacheLayout::InProfile, FirefoxRoot::XdgConfig}));
+
+TEST(UrlCache, EntryRecordPointsIntoTheBufferAndShortBuffersKeepTheEntry) {
+    BrowserHome home;
+    platform::UrlCache& cache = home.platform().urlCache();
+    const std::vector<std::string> all = listCache(cache);
+
+    std::uint32_t size = 0;
+    EXPECT_EQ(cache.findFirst(nullptr, size), 0u);
+    ASSERT_GT(size, sizeof(platform::UrlCacheEntryInfo));
+    std::vector<char> buffer(size);
+    std::uint32_t shortSize = size - 1;
+    EXPECT_EQ(cache.findFirst(buffer.data(), shortSize), 0u);
+    EXPECT_EQ(shortSize, size);
+    const platform::UrlCacheEnum handle = cache.findFirst(buffer.data(), size);
+    ASSERT_NE(handle, 0u);
+
+    platform::UrlCacheEntryInfo info;
+    std::memcpy(&info, buffer.data(), sizeof info);
+    EXPECT_EQ(info.dwStructSize, sizeof info);
+    ASSERT_GE(info.lpszSourceUrlName, buffer.data());
+    ASSERT_LT(info.lpszSourceUrlName, buffer.data() + buffer.size());
+    EXPECT_EQ(std::string(info.lpszSourceUrlName), all[0]);
+    EXPECT_TRUE(fs::is_regular_file(info.lpszLocalFileName));
+    EXPECT_EQ(std::uint64_t(info.dwSizeLow) | std::uint64_t(info.dwSizeHigh) << 32, fs::file_size(info.lpszLocalFileName));
+
+    // A second entry asked for with too small a buffer is still the next one afterwards.
+    std::uint32_t needed = 8;
+    EXPECT_FALSE(cache.findNext(handle, buffer.data(), needed));
+    std::vector<char> second(needed);
+    ASSERT_TRUE(cache.findNext(handle, second.data(), needed));
+    std::memcpy(&info, second.data(), sizeof info);
+    EXPECT_EQ(std::string(info.lpszSourceUrlName), all[1]);
+    cache.findClose(handle);
+}
+
+TEST(UrlCache, DeletingAnEntryRemovesAllItsFilesAndInvalidatesTheIndex) {
+    BrowserHome home;
+    const std::string beta = kSite + "scourmill-beta-91c2.html";
+    const std::string chromiumEntry = firstEntryFile(home.chromiumCache(), "http://127.0.0.1 " + beta);
+    ASSERT_FALSE(chromiumEntry.empty());
+    const std::string stem = chromiumEntry.substr(0, 16);
+    writeBytes(home.chromiumCache() / (stem + "_1"), "stream two");
+    writeBytes(home.chromiumCache() / (stem + "_s"), "sparse data");
+    writeBytes(home.firefoxCache() / "index", "cache2 index");
+    const std::string firefoxEntry = firstEntryFile(home.firefoxCache() / "entries", ":" + beta + std::string(1, '\0'));
+    ASSERT_FALSE(firefoxEntry.empty());
+    auto before = home.snapshot();
+
+    platform::UrlCache& cache = home.platform().urlCache();
+    listCache(cache);
+    ASSERT_TRUE(cache.deleteEntry(beta));
+
+    for (const fs::path& gone : {home.chromiumCache() / chromiumEntry, home.chromiumCache() / (stem + "_1"),
+                                 home.chromiumCache() / (stem + "_s"), home.chromiumCache() / "index-dir/the-real-index",
+                                 home.firefoxCache() / "entries" / firefoxEntry, home.firefoxCache() / "index"}) {
+        EXPECT_FALSE(fs::exists(gone)) << gone;
+        before.erase(gone);
+    }
+    EXPECT_EQ(home.snapshot(), before) << "only the entry's files and the indexes go";
+
+    std::vector<std::string> left = listCache(cache);
+    EXPECT_EQ(std::count(left.begin(), left.end(), beta), 0);
+    EXPECT_EQ(left.size(), cachedInBoth().size() * 2 + 1 - 2);
+    EXPECT_FALSE(cache.deleteEntry(beta));
+    EXPECT_FALSE(cache.deleteEntry(kSite + "never-visited.html"));
+}
+
+TEST(UrlCache, DeletesWithoutListingFirstAndFindsEntriesAddedSince) {
+    BrowserHome home;
+    platform::UrlCache& cache = home.platform().urlCache();
+    EXPECT_TRUE(cache.deleteEntry(kSite + "scourmill-alpha-7f3a.html"));
+
+    // Entries written after a listing are found: one with a long key in a large Firefox entry (the
+    // key lies past the first read), one new simple-cache entry.
+    listCache(cache);
+    const std::string longUrl = kSite + "long-" + std::string(700, 'k');
+    writeBytes(home.firefoxCache() / "entries" / "0123456789ABCDEF0123456789ABCDEF01234567",
+               cache2Entry(300 * 1024, "a,:" + longUrl));
+    writeBytes(home.chromiumCache() / "0123456789abcdef_0", simpleEntry("1/0/_dk_http://x http://x " + kSite + "late.png"));
+    EXPECT_TRUE(cache.deleteEntry(longUrl));
+    EXPECT_TRUE(cache.deleteEntry(kSite + "late.png"));
+    EXPECT_FALSE(fs::exists(home.chromiumCache() / "0123456789abcdef_0"));
+
+    writeBytes(home.firefoxCache() / "entries" / "0123456789ABCDEF0123456789ABCDEF01234567",
+               cache2Entry(300 * 1024, "a,:" + longUrl));
+    const auto anotherRun = home.freshPlatform();
+    const std::vector<std::string> urls = listCache(anotherRun->urlCache());
+    EXPECT_EQ(std::count(urls.begin(), urls.end(), longUrl), 1);
+}
+
+TEST(UrlCache, WipingEveryListedEntryEmptiesBothCaches) {
+    BrowserHome home(CacheLayout::InProfile);
+    platform::UrlCache& cache = home.platform().urlCache();
+    const std::vector<std::string> urls = listCache(cache);
+    std::set<std::string> unique(urls.begin(), urls.end());
+    for (const std::string& url : urls)
+        cache.deleteEntry(url);
+    EXPECT_TRUE(listCache(cache).empty());
+    std::uint32_t size = 1;
+    EXPECT_EQ(cache.findFirst(nullptr, size), 0u);
+    EXPECT_EQ(size, 0u);
+    for (const auto& [path, bytes] : home.snapshot())
+        for (const std::string& url : unique)
+            EXPECT_FALSE((path.string().find("Cache_Data") != std::string::npos ||
+                          path.string().find("cache2") != std::string::npos) &&
+                         holdsText(bytes, url))
+                << path;
+}
