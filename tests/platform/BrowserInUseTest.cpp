@@ -48,8 +48,10 @@ CleanAnswers cleanEverything(platform::Platform& platform) {
 
 TEST(BrowserInUse, LiveLocksKeepBothProfilesByteForByte) {
     BrowserHome home;
-    ChildProcess chromium("chromium");
-    ChildProcess firefox("firefox-esr");
+    // Any live process makes a lock current; these names are ones no browser watcher looks for,
+    // so tests running beside this one see no browser start or stop.
+    ChildProcess chromium("lock-holder-c");
+    ChildProcess firefox("lock-holder-f");
     fs::create_symlink(hostName() + "-" + std::to_string(chromium.pid()), home.chromiumUserData() / "SingletonLock");
     fs::create_symlink("127.0.0.1:+" + std::to_string(firefox.pid()), home.firefoxProfile() / "lock");
     const auto before = home.snapshot();
