@@ -414,14 +414,15 @@ bool WineHive::parse(std::string text) {
                 logical += next.substr(lead);
                 ok = parseValueData(logical, dataPos, value, continues);
             }
-            if (ok && !continues) {
+            if (ok) {
                 for (std::size_t k = i + 1; k <= last; ++k)
                     entry.raw += lines[k];
                 i = last;
                 entry.kind = Entry::Kind::Value;
                 entry.name = name;
                 entry.folded = fold(name);
-                entry.value = std::move(value);
+                entry.unfinished = continues;
+                entry.value = continues ? HiveValue{} : std::move(value);
             }
         }
         current->entries.push_back(std::move(entry));
@@ -500,7 +501,19 @@ void WineHive::stamp(Section& section, std::int64_t now) {
         }
 }
 
+void WineHive::finishUnfinished() {
+    // Only the file's last value can be unfinished.
+    if (m_sections.empty() || m_sections.back().entries.empty())
+        return;
+    Entry& last = m_sections.back().entries.back();
+    if (last.unfinished) {
+        last.raw = formatValue(last.name, last.value) + "\n";
+        last.unfinished = false;
+    }
+}
+
 WineHive::Section& WineHive::appendSection(const std::string& key, std::int64_t now) {
+    finishUnfinished();
     Section section;
     section.path = canonical(trimKey(key));
     section.folded = fold(section.path);
@@ -617,6 +630,7 @@ void WineHive::setValue(const std::string& key, const std::string& name, const H
     }
     if (placed)
         return;
+    finishUnfinished();
     Section* target = sections.empty() ? &appendSection(key, now) : sections.back();
     // A new value goes after the key's last line that is not blank.
     auto& entries = target->entries;

@@ -2,8 +2,11 @@
 // Wine's text registry hive ("WINE REGISTRY Version 2", the user.reg of a prefix), kept as the
 // file's own text: what is not changed is written back byte for byte, and a changed or new value
 // is written in the form Wine itself writes it. Values are presented as the ANSI functions of
-// advapi32 see them (strings as UTF-8 with their closing NUL), key and value names compare
-// without regard to ASCII case. Plain C++: no file access here; LinuxRegistry reads and writes.
+// advapi32 see them (strings as UTF-8 with their closing NUL), key and value names compare without
+// regard to ASCII case. A value whose data runs on past the end of the file reads as Wine reads
+// it, empty and of type 0, and is rewritten as Wine writes such a value once lines are added after
+// it (they would otherwise become the rest of its data). Plain C++: no file access here;
+// LinuxRegistry reads and writes.
 
 #include <cstdint>
 #include <string>
@@ -53,6 +56,7 @@ private:
         std::string name;
         std::string folded;
         HiveValue value;
+        bool unfinished = false; ///< a value whose data runs on past the end of the file
     };
     struct Section {
         std::string path;
@@ -66,6 +70,7 @@ private:
     std::vector<const Section*> sectionsOf(const std::string& folded) const;
     Section& appendSection(const std::string& key, std::int64_t now);
     static void stamp(Section& section, std::int64_t now);
+    void finishUnfinished();
 
     std::string m_preamble;
     std::vector<Section> m_sections;

@@ -373,3 +373,28 @@ TEST(WineHive, NamesWithStrayBytesOrZerosAreFoundTheSameAfterWritingAndReadingBa
         EXPECT_EQ(h->valueNames(key), std::vector<std::string>{"N\xc3\xbf\0"s});
     }
 }
+
+TEST(WineHive, AValueCutOffAtTheEndReadsEmptyAsInWineAndIsWrittenAsWineWritesItOnceLinesFollow) {
+    // Wine reads such a value as an empty one of type 0 and saves it as "Cut"=hex(0):.
+    const std::string cut = "\n[Software\\\\Tavi] 1\n\"Kept\"=dword:00000001\n\"Cut\"=hex:01,02,\\\n  03,\\\n";
+    for (const bool newKey : {true, false}) {
+        WineHive hive;
+        ASSERT_TRUE(hive.parse(testsupport::HiveHeader + cut));
+        EXPECT_EQ(hive.text(), testsupport::HiveHeader + cut);
+        EXPECT_EQ(hive.valueNames("Software\\Tavi"), (std::vector<std::string>{"Kept", "Cut"}));
+        const std::string key = newKey ? "Software\\New" : "Software\\Tavi";
+        hive.createKey(key, 2);
+        hive.setValue(key, "Added", HiveValue{platform::RegType::Dword, {2, 0, 0, 0}}, 2);
+        EXPECT_NE(hive.text().find("\n\"Cut\"=hex(0):\n"), std::string::npos);
+
+        WineHive again;
+        ASSERT_TRUE(again.parse(hive.text()));
+        for (const WineHive* h : {&hive, &again}) {
+            ASSERT_NE(h->value("Software\\Tavi", "Cut"), nullptr);
+            EXPECT_EQ(h->value("Software\\Tavi", "Cut")->type, platform::RegType::None);
+            EXPECT_TRUE(h->value("Software\\Tavi", "Cut")->data.empty());
+            ASSERT_NE(h->value(key, "Added"), nullptr);
+            EXPECT_EQ(h->value(key, "Added")->data, (std::vector<std::uint8_t>{2, 0, 0, 0}));
+        }
+    }
+}
