@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
+#include <charconv>
 #include <fstream>
 #include <sstream>
 #include <string_view>
@@ -10,7 +10,28 @@
 namespace platform::linux {
 namespace {
 
-std::string unescape(const std::string& field) {
+// The kernel separates the fields of a line by single blanks and escapes the blanks, tabs, line
+// ends and backslashes inside them, but nothing else: a field may hold any other character, such
+// as a carriage return, and may be empty (a mount with no source).
+std::vector<std::string_view> fields(std::string_view line) {
+    std::vector<std::string_view> out;
+    for (std::size_t start = 0;;) {
+        const std::size_t blank = line.find(' ', start);
+        out.push_back(line.substr(start, blank == std::string_view::npos ? std::string_view::npos : blank - start));
+        if (blank == std::string_view::npos)
+            return out;
+        start = blank + 1;
+    }
+}
+
+// A decimal number; 0 when the field is none.
+template <typename T> T number(std::string_view field) {
+    T value = 0;
+    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
+    return error == std::errc() && end == field.data() + field.size() ? value : 0;
+}
+
+std::string unescape(std::string_view field) {
     std::string out;
     for (std::size_t i = 0; i < field.size(); ++i) {
         if (field[i] == '\\' && i + 3 < field.size() &&
@@ -37,28 +58,30 @@ bool under(const std::string& path, std::string_view top) {
 
 std::vector<Mount> parseMountInfo(const std::string& text) {
     std::vector<Mount> mounts;
-    std::istringstream lines(text);
-    std::string line;
-    while (std::getline(lines, line)) {
+    std::size_t start = 0;
+    while (start < text.size()) {
+        std::size_t end = text.find('\n', start);
+        if (end == std::string::npos)
+            end = text.size();
         // id parent major:minor root mountpoint options [optional fields...] - fstype source superopts
-        std::istringstream in(line);
-        std::string id, parent, devno, root, point, options;
-        if (!(in >> id >> parent >> devno >> root >> point >> options))
+        const std::vector<std::string_view> f = fields(std::string_view(text).substr(start, end - start));
+        start = end + 1;
+        if (f.size() < 6)
             continue;
-        std::string field;
-        while (in >> field && field != "-") {
-        }
         Mount m;
-        m.id = std::strtoull(id.c_str(), nullptr, 10);
-        m.parent = std::strtoull(parent.c_str(), nullptr, 10);
-        in >> m.fsType >> m.source;
-        m.mountPoint = unescape(point);
-        m.source = unescape(m.source);
-        const auto colon = devno.find(':');
-        if (colon != std::string::npos) {
-            m.major = static_cast<unsigned>(std::stoul(devno.substr(0, colon)));
-            m.minor = static_cast<unsigned>(std::stoul(devno.substr(colon + 1)));
+        m.id = number<std::uint64_t>(f[0]);
+        m.parent = number<std::uint64_t>(f[1]);
+        const auto colon = f[2].find(':');
+        if (colon != std::string_view::npos) {
+            m.major = number<unsigned>(f[2].substr(0, colon));
+            m.minor = number<unsigned>(f[2].substr(colon + 1));
         }
+        m.mountPoint = unescape(f[4]);
+        const auto dash = std::find(f.begin() + 6, f.end(), "-");
+        if (dash != f.end() && dash + 1 != f.end())
+            m.fsType = *(dash + 1);
+        if (dash != f.end() && dash + 1 != f.end() && dash + 2 != f.end())
+            m.source = unescape(*(dash + 2));
         mounts.push_back(std::move(m));
     }
     return mounts;

@@ -38,6 +38,24 @@ TEST(MountTable, ParsesMountInfoWithEscapesAndOptionalFields) {
     EXPECT_TRUE(platform::linux::isRealFilesystem(mounts[3]));
 }
 
+TEST(MountTable, FieldsAreSplitAtSingleBlanksAsTheKernelWritesThem) {
+    // Lines as the kernel wrote them for a mount point with a blank, a tab, a backslash, a carriage
+    // return and a vertical tab in its name (only the first three are escaped), and for a mount
+    // with an empty source (two blanks in a row).
+    const std::string text = "42 27 0:39 / /tmp/fz\\040mnt\\011x\\134y\rz\vw rw,relatime - tmpfs src\\040with rw\n"
+                             "43 27 0:40 / /tmp/fzempty rw,relatime - tmpfs  rw\n"
+                             "44 27 x:y / /bad rw - ext4 /dev/sdz1 rw\n";
+    const auto mounts = platform::linux::parseMountInfo(text);
+    ASSERT_EQ(mounts.size(), 3u);
+    EXPECT_EQ(mounts[0].mountPoint, "/tmp/fz mnt\tx\\y\rz\vw");
+    EXPECT_EQ(mounts[0].fsType, "tmpfs");
+    EXPECT_EQ(mounts[0].source, "src with");
+    EXPECT_EQ(mounts[1].mountPoint, "/tmp/fzempty");
+    EXPECT_EQ(mounts[1].source, "");
+    EXPECT_EQ(mounts[2].major, 0u); // a device number that is none does not end the parse
+    EXPECT_EQ(mounts[2].mountPoint, "/bad");
+}
+
 TEST(Drives, TheScratchMountTableIsTheOnlyOneSeen) {
     auto p = platform::createNative();
     auto& drives = p->drives();
