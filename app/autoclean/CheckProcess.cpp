@@ -21,10 +21,13 @@ const std::vector<std::string>& watchedBrowsers() {
 #ifdef _WIN32
     static const std::vector<std::string> names = {"iexplore.exe"};
 #else
-    static const std::vector<std::string> names = {
-        "iexplore.exe", "firefox",      "firefox-esr", "firefox-bin", "chromium",    "chromium-browser",
-        "chrome",       "google-chrome", "brave",      "brave-browser", "vivaldi-bin", "opera",
-        "msedge"};
+    // Program file names as the process list shows them (/proc/<pid>/exe), not the names of the
+    // launcher scripts that start them: google-chrome, brave-browser and microsoft-edge exec chrome,
+    // brave and msedge. Helpers that outlive the browser (chrome_crashpad_handler, Firefox's
+    // crashhelper) are left out, or the clean would wait for them.
+    static const std::vector<std::string> names = {"iexplore.exe", "firefox",          "firefox-esr", "firefox-bin",
+                                                   "chromium",     "chromium-browser", "chrome",      "brave",
+                                                   "vivaldi-bin",  "opera",            "msedge"};
 #endif
     return names;
 }

@@ -49,3 +49,16 @@ TEST(CheckProcess, FindsAProgramByNameIgnoringCaseAndBlanks) {
     browser.stop();
     EXPECT_FALSE(IsProcessRunning(processes, "iexplore.exe"));
 }
+
+TEST(CheckProcess, WatchesTheBrowsersByTheirProgramFilesNotTheHelpersThatOutliveThem) {
+    auto platform = platform::createNative();
+    {
+        testsupport::ChildProcess helper("chrome_crashpad_handler");
+        testsupport::ChildProcess crash("crashhelper");
+        EXPECT_FALSE(IsProcessRunning(platform->processes(), watchedBrowsers()));
+    }
+    for (const char* program : {"chromium", "firefox-esr", "chrome", "firefox"}) {
+        testsupport::ChildProcess browser(program);
+        EXPECT_TRUE(IsProcessRunning(platform->processes(), watchedBrowsers())) << program;
+    }
+}
