@@ -1,9 +1,12 @@
 // The file side of the trace cleaning: the rules that decide which files of the shared temporary
-// and cookie folders may go, the temporary-folder clean, and the eleven-pass overwrite.
+// and cookie folders may go, the temporary-folder clean, and the eleven-pass overwrite. Everything
+// happens inside open folders (platform::Folder), so a folder renamed or replaced by a link while
+// the clean runs cannot lead it anywhere else, and no walk crosses into another mount.
 
 #include "cleaning/TraceCleaner.h"
 
 #include "core/Rounding.h"
+#include "wipe/Removal.h"
 
 #include <algorithm>
 
@@ -11,6 +14,7 @@ namespace cleaning {
 namespace {
 
 using platform::FileInfo;
+using platform::Folder;
 using platform::RawFile;
 
 constexpr std::int64_t BlockBytes = 1024;
@@ -20,10 +24,10 @@ constexpr int Passes = 11;
 constexpr std::int64_t GroupBlocks = 256;
 constexpr std::uint8_t Pattern = 0x55; // "U"
 
-std::vector<FileInfo> entriesOf(platform::FileSystem& files, const std::string& dir, bool& listed) {
+std::vector<FileInfo> entriesOf(Folder& folder, bool& listed) {
     std::vector<FileInfo> entries;
     // Collected first: removing entries while the folder is being read may skip some.
-    listed = files.list(dir, "*", [&](const FileInfo& fi) {
+    listed = folder.list([&](const FileInfo& fi) {
         entries.push_back(fi);
         return true;
     });
@@ -34,28 +38,35 @@ bool isSubfolder(const FileInfo& fi) {
     return fi.isDirectory() && !fi.isLink();
 }
 
+/// The subfolder `entry` of `parent`, only while it is still the folder that was listed.
+std::unique_ptr<Folder> openListed(Folder& parent, const FileInfo& entry) {
+    auto dir = parent.openFolder(entry.name);
+    return dir && dir->self().sameFileAs(entry) ? std::move(dir) : nullptr;
+}
+
 } // namespace
 
-TraceCleaner::Kept TraceCleaner::kept(const std::string& path, const FileInfo& entry) {
-    if (!entry.isRegular || entry.isLink())
+TraceCleaner::Kept TraceCleaner::kept(Folder& folder, const FileInfo& entry) {
+    if (!entry.isRegular || entry.isLink() || wipe::isMountPoint(folder, entry))
         return Kept::NotAFile;
     if (!entry.ownedByUser)
         return Kept::OtherOwner;
-    if (m_platform.fileSystem().isInUse(path))
+    if (m_platform.fileSystem().isInUse(join(folder.path(), entry.name)))
         return Kept::InUse;
     return Kept::No;
 }
 
-void TraceCleaner::wipeIfAllowed(const std::string& path, const FileInfo& entry, TraceStep step) {
-    switch (kept(path, entry)) {
+void TraceCleaner::wipeIfAllowed(Folder& folder, const FileInfo& entry, TraceStep step) {
+    const std::string path = join(folder.path(), entry.name);
+    switch (kept(folder, entry)) {
     case Kept::No:
-        WipeFile(path);
+        wipeEntry(folder, entry.name);
         m_view.itemDone(step, path);
         return;
     case Kept::InUse:
         skipped(path, "is open in a running program; left alone");
         return;
-    case Kept::NotAFile: // links, sockets, pipes, devices
+    case Kept::NotAFile: // links, sockets, pipes, devices, files mounted over
     case Kept::OtherOwner:
         return; // never this user's to clean: not a skip
     }
@@ -65,41 +76,45 @@ void TraceCleaner::CleanTempFolder() {
     const std::string temp = m_paths.TempPath;
     if (temp.empty())
         return; // never the current folder
-    auto& files = m_platform.fileSystem();
-    const auto top = files.info(temp);
-    if (!top || !isSubfolder(*top)) {
+    auto top = m_platform.fileSystem().openFolder(temp);
+    if (!top) {
         skipped(temp, "is not a folder");
         return;
     }
     bool listed = false;
-    const auto entries = entriesOf(files, temp, listed);
+    const auto entries = entriesOf(*top, listed);
     if (!listed)
         skipped(temp, "cannot be listed");
     for (const FileInfo& fi : entries) {
         if (m_view.interrupted())
             return;
         if (!isSubfolder(fi))
-            wipeIfAllowed(join(temp, fi.name), fi, TraceStep::TempFiles);
+            wipeIfAllowed(*top, fi, TraceStep::TempFiles);
     }
     for (const FileInfo& fi : entries) {
         if (m_view.interrupted())
             return;
         if (isSubfolder(fi))
-            cleanSubfolder(join(temp, fi.name), fi, top->device);
+            cleanSubfolder(*top, fi);
     }
 }
 
-void TraceCleaner::cleanSubfolder(const std::string& path, const FileInfo& entry, std::uint64_t device) {
+void TraceCleaner::cleanSubfolder(Folder& parent, const FileInfo& entry) {
     // Another user's folder, or another filesystem mounted here, is not this user's to empty.
-    if (!entry.ownedByUser || entry.device != device)
+    if (!entry.ownedByUser || wipe::isMountPoint(parent, entry))
         return;
-    auto& files = m_platform.fileSystem();
+    const std::string path = join(parent.path(), entry.name);
+    auto dir = openListed(parent, entry);
+    if (!dir) {
+        skipped(path, "cannot be opened");
+        return;
+    }
     bool listed = false;
-    for (const FileInfo& fi : entriesOf(files, path, listed)) {
+    for (const FileInfo& fi : entriesOf(*dir, listed)) {
         if (m_view.interrupted())
             return;
         if (!isSubfolder(fi))
-            wipeIfAllowed(join(path, fi.name), fi, TraceStep::TempFiles);
+            wipeIfAllowed(*dir, fi, TraceStep::TempFiles);
     }
     if (!listed) {
         skipped(path, "cannot be listed");
@@ -107,68 +122,79 @@ void TraceCleaner::cleanSubfolder(const std::string& path, const FileInfo& entry
     }
     // Removed whole or not at all, and without force: a read-only folder stays, and so does one
     // that still holds anything the rules keep.
-    if (entry.attributes & platform::Attr::ReadOnly)
+    if (entry.attributes & platform::Attr::ReadOnly || !clearBelow(*dir, false))
         return;
-    if (clearBelow(path, device, false) && !clearBelow(path, device, true))
+    const bool emptied = clearBelow(*dir, true);
+    dir.reset(); // an open folder cannot be removed everywhere
+    if (!emptied || !parent.removeFolder(entry.name))
         skipped(path, "could not be removed completely");
 }
 
-bool TraceCleaner::clearBelow(const std::string& dir, std::uint64_t device, bool remove) {
-    auto& files = m_platform.fileSystem();
+bool TraceCleaner::clearBelow(Folder& dir, bool remove) {
     bool listed = false;
-    const auto entries = entriesOf(files, dir, listed);
+    const auto entries = entriesOf(dir, listed);
     bool all = listed;
     for (const FileInfo& fi : entries) {
-        const std::string child = join(dir, fi.name);
         bool goes = false;
-        if (!fi.ownedByUser || fi.isLink() || (fi.attributes & platform::Attr::ReadOnly))
+        if (!fi.ownedByUser || fi.isLink() || (fi.attributes & platform::Attr::ReadOnly) ||
+            wipe::isMountPoint(dir, fi))
             goes = false;
-        else if (fi.isDirectory())
-            goes = fi.device == device && clearBelow(child, device, remove);
-        else if (fi.isRegular)
+        else if (fi.isDirectory()) {
+            auto sub = openListed(dir, fi);
+            goes = sub && clearBelow(*sub, remove);
+            sub.reset();
+            if (remove && goes)
+                goes = dir.removeFolder(fi.name);
+        } else if (fi.isRegular) {
             // The scan asked about open files moments ago; the removal does not ask again.
-            goes = remove ? files.removeFile(child) : !files.isInUse(child);
-        if (remove && goes && !fi.isDirectory())
-            m_view.itemDone(TraceStep::TempFiles, child);
+            goes = remove ? dir.removeFile(fi.name) : !m_platform.fileSystem().isInUse(join(dir.path(), fi.name));
+            if (remove && goes)
+                m_view.itemDone(TraceStep::TempFiles, join(dir.path(), fi.name));
+        }
         all = goes && all;
         if (!all && !remove)
             return false; // the first item kept decides
     }
-    if (remove && all)
-        return files.removeDirectory(dir);
     return all;
 }
 
 void TraceCleaner::WipeFile(const std::string& path) {
-    auto& files = m_platform.fileSystem();
-    const auto info = files.info(path);
+    const auto [folderPath, name] = wipe::splitPath(m_platform.fileSystem(), path);
+    if (auto folder = m_platform.fileSystem().openFolder(folderPath))
+        wipeEntry(*folder, name);
+}
+
+void TraceCleaner::wipeEntry(Folder& folder, const std::string& name) {
+    const std::string path = join(folder.path(), name);
+    const auto info = folder.entry(name);
     if (!info)
         return; // already gone (the full clean deletes first on purpose)
-    if (!info->isRegular) {
-        skipped(path, "is not a plain file; left alone");
+    if (!info->isRegular || wipe::isMountPoint(folder, *info)) {
+        skipped(path, "is not a plain file of this folder; left alone");
         return;
     }
     if (info->links > 1) {
         // Overwriting would destroy the file under its other names too.
-        if (files.removeFile(path))
+        if (folder.removeFile(name))
             skipped(path, "has other names (hard links): only this name was removed, nothing was overwritten");
         else
             skipped(path, "cannot be deleted");
         return;
     }
-    std::int64_t length = static_cast<std::int64_t>(info->size);
-    if (auto reader = m_platform.rawFiles().openForReading(path))
-        length = std::max<std::int64_t>(0, reader->seek(0, RawFile::From::End));
-    const std::int64_t blocks = core::roundHalfEven(static_cast<double>(length) / BlockBytes);
-    files.makeNormal(path);
+    const std::int64_t blocks = core::roundHalfEven(static_cast<double>(info->size) / BlockBytes);
+    folder.makeNormal(name);
     bool overwritten = true;
     for (int pass = 1; pass <= Passes && !m_view.interrupted(); ++pass) {
-        // Opening creates a missing file: one that went meanwhile is not brought back.
-        if (!files.info(path))
-            return;
-        auto file = m_platform.rawFiles().open(path);
+        // Never created anew: a file that went meanwhile is not brought back.
+        auto file = folder.openFile(name, false);
         if (!file) {
-            skipped(path, "is in use (it cannot be opened alone); left alone");
+            if (folder.entry(name))
+                skipped(path, "is in use (it cannot be opened alone); left alone");
+            return;
+        }
+        const auto held = file->info();
+        if (!held || !held->sameFileAs(*info)) {
+            skipped(path, "was replaced by another file during the wipe; left alone");
             return;
         }
         overwritten = writePass(*file, path, pass, blocks) && overwritten;
@@ -179,7 +205,7 @@ void TraceCleaner::WipeFile(const std::string& path) {
     }
     if (!overwritten)
         skipped(path, "could not be overwritten completely; it was deleted all the same");
-    if (!files.removeFile(path))
+    if (!folder.removeFile(name))
         skipped(path, "cannot be deleted");
 }
 

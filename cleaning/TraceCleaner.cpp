@@ -116,15 +116,15 @@ void TraceCleaner::CleanAll() {
 }
 
 void TraceCleaner::cleanCookieRecords() {
-    // An empty path would list the current folder: no cookie folder recorded, nothing to clean.
-    const std::string& folder = m_paths.CookiesPath;
-    if (folder.empty())
+    // An empty path would be the current folder: no cookie folder recorded, nothing to clean.
+    const std::string& path = m_paths.CookiesPath;
+    auto folder = path.empty() ? nullptr : m_platform.fileSystem().openFolder(path);
+    if (!folder)
         return;
-    auto& files = m_platform.fileSystem();
     m_view.clearList();
-    files.list(folder, "*", [&](const platform::FileInfo& fi) {
+    folder->list([&](const platform::FileInfo& fi) {
         if (!fi.isDirectory() || fi.isLink())
-            m_view.addLine(join(folder, fi.name));
+            m_view.addLine(join(path, fi.name));
         return true;
     });
     for (std::size_t i = 0; i < m_view.lineCount() && !m_view.interrupted(); ++i) {
@@ -132,15 +132,16 @@ void TraceCleaner::cleanCookieRecords() {
         if (line.size() < RecordFileName.size() ||
             line.compare(line.size() - RecordFileName.size(), RecordFileName.size(), RecordFileName) != 0)
             continue; // the cookies themselves stay
-        const auto info = files.info(line);
-        const Kept verdict = info ? kept(line, *info) : Kept::NotAFile;
+        const std::string name = wipe::splitPath(m_platform.fileSystem(), line).second;
+        const auto info = folder->entry(name);
+        const Kept verdict = info ? kept(*folder, *info) : Kept::NotAFile;
         if (verdict == Kept::InUse)
             skipped(line, "is open in a running program; left alone");
         if (verdict != Kept::No)
             continue;
         // Deleted first on purpose: the wipe then finds nothing, unless the deletion failed.
-        files.removeFile(line);
-        WipeFile(line);
+        folder->removeFile(name);
+        wipeEntry(*folder, name);
         m_view.itemDone(TraceStep::CookieFiles, line);
     }
     m_view.clearList();

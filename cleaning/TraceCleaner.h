@@ -16,6 +16,7 @@
 #include "cleaning/FolderPaths.h"
 #include "cleaning/TraceView.h"
 #include "core/ProblemSink.h"
+#include "platform/Folder.h"
 #include "platform/Platform.h"
 
 #include <cstdint>
@@ -68,13 +69,15 @@ public:
 private:
     /// Why automatic cleaning leaves an entry alone.
     enum class Kept { No, NotAFile, OtherOwner, InUse };
-    Kept kept(const std::string& path, const platform::FileInfo& entry);
-    /// WipeFile for an entry of the temporary or cookie folder, when the rules allow.
-    void wipeIfAllowed(const std::string& path, const platform::FileInfo& entry, TraceStep step);
-    void cleanSubfolder(const std::string& path, const platform::FileInfo& entry, std::uint64_t device);
+    Kept kept(platform::Folder& folder, const platform::FileInfo& entry);
+    /// The overwrite of WipeFile, for the entry `name` of an open folder.
+    void wipeEntry(platform::Folder& folder, const std::string& name);
+    /// wipeEntry for an entry of the temporary or cookie folder, when the rules allow.
+    void wipeIfAllowed(platform::Folder& folder, const platform::FileInfo& entry, TraceStep step);
+    void cleanSubfolder(platform::Folder& parent, const platform::FileInfo& entry);
     /// Walks everything below `dir`. With `remove` false, tells whether all of it may go; with it
-    /// true, removes what may and tells whether `dir` itself went.
-    bool clearBelow(const std::string& dir, std::uint64_t device, bool remove);
+    /// true, removes what may and tells whether all of it went.
+    bool clearBelow(platform::Folder& dir, bool remove);
     bool writePass(platform::RawFile& file, const std::string& path, int pass, std::int64_t blocks);
     void deleteListed();
     void cleanCookieRecords();

@@ -9,8 +9,10 @@
 #include "tests/cleaning/TraceRecorders.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Hive.h"
+#include "tests/support/CliProcess.h"
 #include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
+#include "tests/support/ScratchMount.h"
 
 #include <gtest/gtest.h>
 
@@ -178,18 +180,23 @@ TEST_F(TraceCleanerTest, TempFolderCleanTakesOnlyTheUsersOwnClosedPlainFiles) {
         temp.write("others-folder/mine.txt", "mine");
         ASSERT_EQ(::chown((root / "others-folder").c_str(), 65534, 65534), 0);
     }
-    // A filesystem mounted in the temporary folder is never entered.
-    const fs::path mount = root / "mounted";
-    fs::create_directory(mount);
-    const bool mounted = root_ && testsupport::runQuietly("mount -t tmpfs scourmill-test '" + mount.string() + "'");
+    // Mounts in the temporary folder are never entered or written: another filesystem, a bind
+    // mount of a folder of this very filesystem, and a file bound over a temporary file's name.
+    fs::create_directories(root / "mounted");
+    fs::create_directories(root / "bound");
+    const fs::path boundFile = temp.write("bound-file.txt", "placeholder");
+    const fs::path outsideFile = outside.write("bound-source.txt", "bound from outside");
+    testsupport::ScratchMount tmpfs("-t tmpfs -o size=1m scourmill-test", root / "mounted");
+    testsupport::ScratchMount folderBind("--bind " + testsupport::shellQuoted(outside.path() / "folder"), root / "bound");
+    testsupport::ScratchMount fileBind("--bind " + testsupport::shellQuoted(outsideFile), boundFile);
+    const bool mounted = tmpfs.mounted() && folderBind.mounted() && fileBind.mounted();
     if (mounted)
-        std::ofstream(mount / "on-another-fs.txt") << "elsewhere";
+        std::ofstream(root / "mounted/on-another-fs.txt") << "elsewhere";
 
     cleaner.CleanTempFolder();
     const auto left = snapshot(root);
-    if (mounted) {
-        testsupport::runQuietly("umount '" + mount.string() + "'");
-    }
+    for (auto* m : {&fileBind, &folderBind, &tmpfs})
+        m->unmount();
 
     for (const char* gone : {"own.txt", "readonly.txt", "nested", "keeps-link/own.txt", "keeps-held/own.txt"})
         EXPECT_FALSE(left.count(gone)) << gone;
@@ -209,6 +216,8 @@ TEST_F(TraceCleanerTest, TempFolderCleanTakesOnlyTheUsersOwnClosedPlainFiles) {
     }
     if (mounted) {
         EXPECT_EQ(entry(left, "mounted/on-another-fs.txt").substr(0, 15), "file:elsewhere:");
+        EXPECT_EQ(readFile(outside.path() / "folder/inside.txt"), "not in the temp folder either");
+        EXPECT_EQ(readFile(outsideFile), "bound from outside");
     }
 
     // Files in use are reported as skipped; what was never the user's to clean is not.
