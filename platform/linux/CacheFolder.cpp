@@ -54,25 +54,36 @@ bool readAt(int fd, std::string& buf, std::size_t length, std::uint64_t offset) 
     return done == length;
 }
 
-std::optional<std::string> readSimpleAddress(int fd, std::uint64_t size) {
+/// Removes `name` in the folder `at`; gone already counts as removed.
+bool removeName(int at, const std::string& name) {
+    return ::unlinkat(at, name.c_str(), 0) == 0 || errno == ENOENT;
+}
+
+int openFolder(int at, const std::string& name) {
+    return ::openat(at, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+}
+
+} // namespace
+
+std::optional<std::string> simpleCacheEntryAddress(const ReadAt& read, std::uint64_t size) {
     std::string head;
-    readAt(fd, head, static_cast<std::size_t>(std::min<std::uint64_t>(size, kFirstRead)), 0);
+    read(head, static_cast<std::size_t>(std::min<std::uint64_t>(size, kFirstRead)), 0);
     std::size_t needed = 0;
     auto key = simpleCacheKey(head, &needed);
-    if (!key && needed > head.size() && needed <= size && readAt(fd, head, needed, 0))
+    if (!key && needed > head.size() && needed <= size && read(head, needed, 0))
         key = simpleCacheKey(head);
     if (!key)
         return std::nullopt;
     return std::string(simpleCacheAddress(*key));
 }
 
-std::optional<std::string> readCache2Address(int fd, std::uint64_t size) {
+std::optional<std::string> cache2EntryAddress(const ReadAt& read, std::uint64_t size) {
     std::string bytes;
     std::uint64_t base = 0; // file offset of bytes[0]
     if (size <= kWholeRead) {
-        if (!readAt(fd, bytes, static_cast<std::size_t>(size), 0))
+        if (!read(bytes, static_cast<std::size_t>(size), 0))
             return std::nullopt;
-    } else if (!readAt(fd, bytes, 4, size - 4)) {
+    } else if (!read(bytes, 4, size - 4)) {
         return std::nullopt;
     } else {
         base = size - 4;
@@ -86,30 +97,19 @@ std::optional<std::string> readCache2Address(int fd, std::uint64_t size) {
     } else {
         const std::size_t first = static_cast<std::size_t>(
             std::min<std::uint64_t>(size - *offset, cache2KeyHeaderSize(*offset) + kFirstRead));
-        if (!readAt(fd, bytes, first, *offset))
+        if (!read(bytes, first, *offset))
             return std::nullopt;
         metadata = bytes;
     }
     std::size_t needed = 0;
     auto key = cache2Key(metadata, *offset, &needed);
-    if (!key && base != 0 && needed > metadata.size() && needed <= size - *offset && readAt(fd, bytes, needed, *offset))
+    if (!key && base != 0 && needed > metadata.size() && needed <= size - *offset && read(bytes, needed, *offset))
         key = cache2Key(bytes, *offset);
     if (!key)
         return std::nullopt;
     const auto address = cache2Address(*key);
     return address ? std::optional<std::string>(std::string(*address)) : std::nullopt;
 }
-
-/// Removes `name` in the folder `at`; gone already counts as removed.
-bool removeName(int at, const std::string& name) {
-    return ::unlinkat(at, name.c_str(), 0) == 0 || errno == ENOENT;
-}
-
-int openFolder(int at, const std::string& name) {
-    return ::openat(at, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-}
-
-} // namespace
 
 std::string cacheEntriesFolder(BrowserFamily family, const std::string& folder) {
     return family == BrowserFamily::Firefox ? folder + "/entries" : folder;
@@ -170,7 +170,11 @@ bool CacheFolderReader::readEntry(const char* name, CacheEntryFile& entry) {
     std::optional<std::string> address;
     if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode)) {
         const auto size = static_cast<std::uint64_t>(st.st_size);
-        address = m_family == BrowserFamily::Firefox ? readCache2Address(fd, size) : readSimpleAddress(fd, size);
+        const ReadAt fromFile = [fd](std::string& buf, std::size_t length, std::uint64_t offset) {
+            return readAt(fd, buf, length, offset);
+        };
+        address = m_family == BrowserFamily::Firefox ? cache2EntryAddress(fromFile, size)
+                                                     : simpleCacheEntryAddress(fromFile, size);
     }
     ::close(fd);
     if (!address)
