@@ -88,6 +88,8 @@ std::optional<std::string> cache2EntryAddress(const ReadAt& read, std::uint64_t 
     } else {
         base = size - 4;
     }
+    if (bytes.size() < 4)
+        return std::nullopt; // cut short before the metadata offset at its end
     const auto offset = cache2MetadataOffset(std::string_view(bytes).substr(bytes.size() - 4), size);
     if (!offset)
         return std::nullopt;

@@ -170,6 +170,17 @@ TEST(UrlCache, DeletesWithoutListingFirstAndFindsEntriesAddedSince) {
     EXPECT_EQ(std::count(urls.begin(), urls.end(), longUrl), 1);
 }
 
+TEST(UrlCache, EntryFilesCutShortAreSkipped) {
+    // What a browser killed while creating entries leaves: files with fewer bytes than any header.
+    BrowserHome home;
+    const std::vector<std::string> before = listCache(home.platform().urlCache());
+    for (const std::string& bytes : {std::string(), std::string("\0\0\1")}) {
+        writeBytes(home.firefoxCache() / "entries" / "0123456789ABCDEF0123456789ABCDEF01234567", bytes);
+        writeBytes(home.chromiumCache() / "0123456789abcdef_0", bytes);
+        EXPECT_EQ(listCache(home.freshPlatform()->urlCache()), before);
+    }
+}
+
 TEST(UrlCache, WipingEveryListedEntryEmptiesBothCaches) {
     BrowserHome home(CacheLayout::InProfile);
     platform::UrlCache& cache = home.platform().urlCache();
