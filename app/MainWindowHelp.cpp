@@ -2,9 +2,9 @@
 
 namespace app {
 
-const std::vector<HelpMenu>& mainWindowHelp() {
+const std::vector<core::HelpMenu>& mainWindowHelp() {
     // The texts are the program's own, odd spacing and spelling included.
-    static const std::vector<HelpMenu> menus = {
+    static const std::vector<core::HelpMenu> menus = {
         {"mainhelp", "mainhelp  ", "GGCommand1",
          {{"mainshowcache", " Cache  is a place where data is stored for"},
           {"mainshowcache2", "quicker access to avoid reads from a slower"},

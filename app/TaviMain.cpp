@@ -14,6 +14,7 @@
 #include "controls/ggcommand/GGCommand.h"
 #include "controls/hoverhelp/HoverHelp.h"
 #include "controls/ggcommand/Design.h"
+#include "controls/widgets/Centre.h"
 #include "memory/ui/CleanMemory.h"
 #include "platform/Platform.h"
 #include "wipe/ui/BusyCursor.h"
@@ -28,7 +29,6 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
-#include <QScreen>
 #include <QThread>
 #include <QTimer>
 
@@ -37,12 +37,6 @@
 
 namespace app {
 namespace {
-
-const QString HelpOn = "HELP ON";
-const QString HelpOff = "HELP OFF";
-
-/// Buttons with hover help, by number; List1 has its own on every mouse move.
-constexpr int HelpButtons[] = {1, 2, 3, 4, 8, 9, 10, 11, 12};
 
 void pumpEvents() {
     QCoreApplication::processEvents();
@@ -173,17 +167,7 @@ void TaviMain::buildMenus() {
     entry("Mnu_Exit", "Exit", [this] { exitProgram(); });
 
     m_help = new hoverhelp::HoverHelp(this, m_menuBar);
-    for (const HelpMenu& menu : mainWindowHelp()) {
-        QStringList names;
-        QStringList lines;
-        for (const HelpLine& line : menu.lines) {
-            names << line.entry;
-            lines << line.text;
-        }
-        QWidget* control = findChild<QWidget*>(menu.control);
-        QWidget* pointerArea = control == m_list1 ? m_list1->viewport() : nullptr; // List1: on every move
-        m_help->add(menu.menu, menu.title, names, lines, control, pointerArea);
-    }
+    m_help->addMenus(mainWindowHelp());
 }
 
 void TaviMain::connectCommands() {
@@ -206,13 +190,8 @@ void TaviMain::connectCommands() {
         cleaning::CleanIT(m_platform, m_prompts, nullptr, &progress).CleanMruItem(m_combo1->currentText().toStdString());
     });
     connect(button(12), &ggcommand::GGCommand::Click, this, [this] { hideMe(); });
-    connect(button(14), &ggcommand::GGCommand::Click, this, [this] { toggleHelp(); });
+    connect(button(14), &ggcommand::GGCommand::Click, this, [this] { GGCommand14_Click(); });
 
-    for (int n : HelpButtons) {
-        ggcommand::GGCommand* b = button(n);
-        connect(b, &ggcommand::GGCommand::MouseEnter, this, [this, b] { m_help->popUp(b); });
-        connect(b, &ggcommand::GGCommand::MouseExit, this, [this, b] { m_help->hide(b); });
-    }
     connect(m_list1, &QListWidget::itemDoubleClicked, this, [this] { List1_DblClick(); });
 
     connect(m_timer1, &QTimer::timeout, this, [this] { refreshConnection(); });
@@ -232,7 +211,7 @@ void TaviMain::Form_MouseMove(tray::TrayMessage message) {
 
 void TaviMain::load() {
     adjustSize();
-    centreOnScreen();
+    widgets::centreOnScreen(*this);
     for (const std::string& item : cleaning::ChooserItems)
         m_combo1->addItem(QString::fromStdString(item));
     m_combo1->setEditText(QString::fromStdString(cleaning::ChooserPrompt));
@@ -247,15 +226,6 @@ void TaviMain::load() {
     m_cleaner->ReadFolderPaths(); // the Shell Folders paths, then the temporary folder
     std::srand(static_cast<unsigned>(std::time(nullptr)));
     m_timer1->start();
-}
-
-void TaviMain::centreOnScreen() {
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    if (!screen)
-        return;
-    const QRect area = screen->geometry();
-    // Each half is truncated before the subtraction.
-    move(area.width() / 2 - width() / 2, area.height() / 2 - height() / 2);
 }
 
 QString TaviMain::historyPath() const {
@@ -315,14 +285,8 @@ void TaviMain::startPopUpStopper() {
     m_platform.shell().startProgram(m_platform.shell().executableName("tavipop"));
 }
 
-void TaviMain::toggleHelp() {
-    ggcommand::GGCommand* toggle = button(14);
-    if (toggle->caption() == HelpOn)
-        toggle->setCaption(HelpOff);
-    else if (toggle->caption() == HelpOff)
-        toggle->setCaption(HelpOn);
-    // The caption names what the next click does: "HELP OFF" means help is on.
-    m_help->setActive(toggle->caption() == HelpOff);
+void TaviMain::GGCommand14_Click() {
+    m_help->toggle(*button(14));
 }
 
 void TaviMain::hideMe() {

@@ -77,7 +77,6 @@ private:
     void buildMenus();
     void connectCommands();
     void load();
-    void centreOnScreen();
 
     void GGCommand1_Click();
     void GGCommand2_Click();
@@ -85,7 +84,7 @@ private:
     void Mnu_Show_Click();
     void List1_DblClick();
     void startPopUpStopper();
-    void toggleHelp();
+    void GGCommand14_Click();
     void hideMe();
     void showFromTray();
     void exitProgram();

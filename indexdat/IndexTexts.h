@@ -2,6 +2,8 @@
 // Every text of the index.dat manager: the window's captions, its messages and its hover help.
 // The window and the command line take them from here so that both say the same thing.
 
+#include "core/HoverHelpText.h"
+
 #include <string>
 #include <vector>
 
@@ -17,27 +19,7 @@ inline const std::string SelectFileMessage =
 /// The question asked before a file's activity is overwritten.
 std::string confirmWipeText(const std::string& path);
 
-/// The help toggle's captions: it names what the next click does, so help is on while it reads
-/// HelpOff.
-inline const std::string HelpOn = "HELP ON";
-inline const std::string HelpOff = "HELP OFF";
-/// The caption after a click: "HELP ON" and "HELP OFF" swap; any other caption stays.
-std::string toggledHelpCaption(const std::string& caption);
-
-/// One hover-help pop-up: a menu whose items are the lines of a control's help.
-struct HelpItem {
-    std::string name;
-    std::string caption;
-};
-struct HelpMenu {
-    std::string name;    ///< "hlp1"
-    std::string control; ///< the control whose pointer entry pops it up; empty for none
-    std::vector<HelpItem> items;
-};
-
 /// The eleven help pop-ups, "hlp" to "hlp10".
-const std::vector<HelpMenu>& helpMenus();
-/// The pop-up for `control` ("Dir1", "GGCommand3"), or null when it has none.
-const HelpMenu* helpFor(const std::string& control);
+const std::vector<core::HelpMenu>& helpMenus();
 
 } // namespace indexdat

@@ -1,5 +1,8 @@
 #include "controls/hoverhelp/HoverHelp.h"
 
+#include "controls/ggcommand/GGCommand.h"
+
+#include <QAbstractScrollArea>
 #include <QCursor>
 #include <QEvent>
 #include <QMenu>
@@ -10,26 +13,50 @@ namespace hoverhelp {
 
 HoverHelp::HoverHelp(QWidget* window, QMenuBar* menuBar) : QObject(window), m_window(window), m_menuBar(menuBar) {}
 
-void HoverHelp::add(const QString& menuName, const QString& title, const QStringList& itemNames,
-                    const QStringList& lines, QWidget* control, QWidget* pointerArea) {
-    auto* menu = new QMenu(title.isEmpty() ? menuName : title, m_window);
-    menu->setObjectName(menuName);
+void HoverHelp::addMenus(const std::vector<core::HelpMenu>& menus) {
+    for (const core::HelpMenu& help : menus) {
+        QMenu* menu = build(help);
+        if (!help.control.empty())
+            if (auto* control = m_window->findChild<QWidget*>(QString::fromStdString(help.control)))
+                attach(control, menu);
+    }
+}
+
+QMenu* HoverHelp::build(const core::HelpMenu& help) {
+    const QString name = QString::fromStdString(help.menu);
+    auto* menu = new QMenu(help.title.empty() ? name : QString::fromStdString(help.title), m_window);
+    menu->setObjectName(name);
     // A tool tip, not a pop-up: no grab, no focus, and clicks pass through to the window.
     menu->setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput);
     menu->setAttribute(Qt::WA_ShowWithoutActivating);
     menu->setAttribute(Qt::WA_TransparentForMouseEvents);
-    for (int i = 0; i < lines.size(); ++i)
-        menu->addAction(lines[i])->setObjectName(itemNames.value(i));
+    for (const core::HelpLine& line : help.lines)
+        menu->addAction(QString::fromStdString(line.text))->setObjectName(QString::fromStdString(line.entry));
     if (m_menuBar)
         m_menuBar->addMenu(menu);
-    m_byName[menuName] = menu;
-    if (control)
-        m_byControl[control] = menu;
-    if (control && pointerArea) {
-        m_areas[pointerArea] = control;
-        pointerArea->setMouseTracking(true);
-        pointerArea->installEventFilter(this);
+    m_byName[name] = menu;
+    return menu;
+}
+
+void HoverHelp::attach(QWidget* control, QMenu* menu) {
+    m_byControl[control] = menu;
+    if (auto* button = qobject_cast<ggcommand::GGCommand*>(control)) {
+        connect(button, &ggcommand::GGCommand::MouseEnter, this, [this, button] { popUp(button); });
+        connect(button, &ggcommand::GGCommand::MouseExit, this, [this, button] { hide(button); });
+        return;
     }
+    // Lists and text boxes get the pointer in their viewport.
+    auto* area = qobject_cast<QAbstractScrollArea*>(control);
+    QWidget* pointerArea = area ? area->viewport() : control;
+    m_areas[pointerArea] = control;
+    pointerArea->setMouseTracking(true);
+    pointerArea->installEventFilter(this);
+}
+
+void HoverHelp::toggle(ggcommand::GGCommand& toggle) {
+    const std::string caption = core::toggledHelpCaption(toggle.caption().toStdString());
+    toggle.setCaption(QString::fromStdString(caption));
+    setActive(caption == core::HelpOff);
 }
 
 void HoverHelp::setActive(bool active) {

@@ -6,6 +6,7 @@
 #include "indexdat/IndexTexts.h"
 #include "indexdat/RawReport.h"
 #include "controls/hoverhelp/HoverHelp.h"
+#include "controls/widgets/Centre.h"
 #include "controls/widgets/Placed.h"
 #include "platform/FolderList.h"
 #include "platform/Platform.h"
@@ -17,7 +18,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
-#include <QScreen>
 
 // Resources of a static library must be registered by name, outside any namespace.
 static void initIndexDatResources() {
@@ -108,17 +108,7 @@ void TaviIndex::buildControls() {
 
 void TaviIndex::buildHelp() {
     m_help = new HoverHelp(this);
-    for (const HelpMenu& menu : helpMenus()) {
-        QStringList names;
-        QStringList lines;
-        for (const HelpItem& item : menu.items) {
-            names << QString::fromStdString(item.name);
-            lines << QString::fromStdString(item.caption);
-        }
-        auto* control = menu.control.empty() ? nullptr : findChild<QWidget*>(QString::fromStdString(menu.control));
-        auto* area = qobject_cast<QAbstractScrollArea*>(control);
-        m_help->add(QString::fromStdString(menu.name), {}, names, lines, control, area ? area->viewport() : nullptr);
-    }
+    m_help->addMenus(helpMenus());
 }
 
 void TaviIndex::connectEvents() {
@@ -129,11 +119,6 @@ void TaviIndex::connectEvents() {
     connect(m_buttons[5], &ggcommand::GGCommand::Click, this, [this] { m_manager.deleteAll(); });
     connect(m_buttons[6], &ggcommand::GGCommand::Click, this, [this] { m_manager.reportAll(); });
     connect(m_buttons[7], &ggcommand::GGCommand::Click, this, [this] { GGCommand7_Click(); });
-    for (int number = 1; number <= 6; ++number) {
-        auto* b = m_buttons[number];
-        connect(b, &ggcommand::GGCommand::MouseEnter, this, [this, b] { m_help->popUp(b); });
-        connect(b, &ggcommand::GGCommand::MouseExit, this, [this, b] { m_help->hide(b); });
-    }
     connect(m_list1, &QListWidget::itemDoubleClicked, this, [this] { m_manager.openFile(); });
     connect(m_list2, &QListWidget::itemDoubleClicked, this, [this] { List2_DblClick(); });
     connect(m_dir1, &QListWidget::itemDoubleClicked, this, [this] { Dir1_DblClick(); });
@@ -141,10 +126,7 @@ void TaviIndex::connectEvents() {
 }
 
 void TaviIndex::Form_Load() {
-    if (const QScreen* screen = QApplication::primaryScreen()) {
-        const QRect area = screen->geometry();
-        move(area.width() / 2 - width() / 2, area.height() / 2 - height() / 2);
-    }
+    widgets::centreOnScreen(*this);
     const std::string start = defaultSearchFolder(m_platform);
     const std::string drive = m_platform.drives().rootOf(start);
     for (const std::string& root : m_platform.drives().roots())
@@ -187,9 +169,7 @@ void TaviIndex::Dir1_DblClick() {
 }
 
 void TaviIndex::GGCommand7_Click() {
-    const std::string caption = toggledHelpCaption(m_buttons[7]->caption().toStdString());
-    m_buttons[7]->setCaption(QString::fromStdString(caption));
-    m_help->setActive(caption == HelpOff);
+    m_help->toggle(*m_buttons[7]);
 }
 
 void TaviIndex::List2_DblClick() {

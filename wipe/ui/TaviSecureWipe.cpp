@@ -1,6 +1,7 @@
 #include "wipe/ui/TaviSecureWipe.h"
 
 #include "controls/prompts/MessageBoxPrompts.h"
+#include "controls/widgets/Centre.h"
 #include "controls/widgets/Placed.h"
 #include "core/NumberFormat.h"
 #include "platform/Platform.h"
@@ -17,7 +18,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QAbstractItemView>
-#include <QScreen>
 #include <QTimer>
 
 namespace wipe::ui {
@@ -39,8 +39,7 @@ TaviSecureWipe::TaviSecureWipe(platform::Platform& platform, QWidget* parent, co
     setWindowTitle("Tavi Secure FreeSpace Wipe");
     buildControls();
     setFixedSize(WidthPixels, widgets::pixels(CollapsedTwips));
-    if (const QScreen* screen = QGuiApplication::primaryScreen())
-        move(screen->geometry().center() - rect().center());
+    widgets::centreOnScreen(*this);
     for (const auto& root : m_platform.drives().roots())
         m_drive1->addItem(text(root));
     // A crash may have left a temporary file on the drive the user turns to: offer to remove it.

@@ -1,6 +1,7 @@
 #include "wipe/ui/frmSize.h"
 
 #include "controls/prompts/MessageBoxPrompts.h"
+#include "controls/widgets/Centre.h"
 #include "platform/FolderList.h"
 #include "platform/Platform.h"
 #include "wipe/WipeTexts.h"
@@ -15,7 +16,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QScreen>
 
 #include <algorithm>
 
@@ -55,8 +55,7 @@ frmSize::frmSize(platform::Platform& platform, QWidget* parent, core::Prompts* p
     setWindowTitle("Tavi SecureDelete");
     buildControls();
     setFixedSize(600, 344);
-    if (const QScreen* screen = QGuiApplication::primaryScreen())
-        move(screen->geometry().center() - rect().center());
+    widgets::centreOnScreen(*this);
 
     for (const FileType& type : FileTypes)
         m_cboFileType->addItem(type.item);
