@@ -13,8 +13,7 @@ namespace {
 class BarView final : public cleaning::CleanView {
 public:
     void recycleProgress(std::size_t done, std::size_t items) override {
-        m_bar.update(items ? static_cast<double>(done) / static_cast<double>(items) : 1.0,
-                     "trash " + std::to_string(done) + "/" + std::to_string(items));
+        m_bar.update(static_cast<double>(done), static_cast<double>(items), ProgressBar::Unit::Items, "trash");
     }
 
 private:
@@ -37,6 +36,7 @@ void addCleanItemCommands(CLI::App& app, Context& ctx) {
     auto yes = std::make_shared<bool>(false);
     clean->add_option("ITEM", *item, "The chooser item, exactly as listed:" + itemList())->required();
     clean->add_flag("-y,--yes", *yes, "Empty the recycle bin without asking");
+    ctx.summary.changes(clean);
     clean->callback([&ctx, item, yes] {
         if (!cleaning::CleanIT::IsChooserItem(*item))
             throw UsageError(cleaning::NoChoiceMessage);

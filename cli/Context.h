@@ -1,9 +1,10 @@
 #pragma once
 // What every command of the command line gets: the platform, the terminal's prompts and problem
-// sink, and the exit code it sets.
+// sink, the exit code it sets, and the closing summary of what it changed.
 
-#include "cli/TerminalPrompts.h"
 #include "cli/StderrSink.h"
+#include "cli/Summary.h"
+#include "cli/TerminalPrompts.h"
 #include "platform/Platform.h"
 
 #include <stdexcept>
@@ -20,6 +21,7 @@ struct Context {
     TerminalPrompts prompts;
     StderrSink problems;
     int exitCode = 0;
+    Summary summary;
 };
 
 } // namespace cli

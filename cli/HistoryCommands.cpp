@@ -117,18 +117,21 @@ void addHistoryCommands(CLI::App& app, Context& ctx) {
         auto title = std::make_shared<std::string>();
         cmd->add_option("URL", *url, "The address")->required();
         cmd->add_option("TITLE", *title, "The page title")->required();
+        ctx.summary.changes(cmd);
         cmd->callback([&ctx, url, title] { add(ctx, *url, *title); });
     }
     {
         auto* cmd = history->add_subcommand("remove", "Remove every record of an address from the history");
         auto url = std::make_shared<std::string>();
         cmd->add_option("URL", *url, "The address, exactly")->required();
+        ctx.summary.changes(cmd);
         cmd->callback([&ctx, url] { remove(ctx, *url); });
     }
     {
         auto* cmd = history->add_subcommand("clear", "Remove every visited address from the history");
         auto yes = std::make_shared<bool>(false);
         cmd->add_flag("--yes,-y", *yes, "Do not ask first");
+        ctx.summary.changes(cmd);
         cmd->callback([&ctx, yes] {
             ctx.prompts.setAssumeYes(*yes);
             clear(ctx);

@@ -1,22 +1,24 @@
 #include "cli/ProgressBar.h"
 
+#include "cli/Terminal.h"
+
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
-#include <unistd.h>
 
 namespace cli {
 
 ProgressBar::ProgressBar(bool enabled) : m_enabled(enabled) {
-    reset();
+    restart();
 }
 
-ProgressBar::ProgressBar() : ProgressBar(::isatty(STDERR_FILENO) == 1) {}
+ProgressBar::ProgressBar() : ProgressBar(progressShown()) {}
 
 ProgressBar::~ProgressBar() {
     finish();
 }
 
-void ProgressBar::reset() {
+void ProgressBar::restart() {
     m_start = std::chrono::steady_clock::now();
     m_lastDraw = {};
 }
@@ -33,28 +35,45 @@ std::string ProgressBar::humanBytes(double bytes) {
     return text;
 }
 
-void ProgressBar::update(double fraction, const std::string& label, std::uint64_t bytes) {
+std::string ProgressBar::figures(double done, double total, Unit unit, double seconds) {
+    const auto amount = [unit](double value) {
+        return unit == Unit::Bytes ? humanBytes(value) : std::to_string(static_cast<std::uint64_t>(std::floor(value)));
+    };
+    std::string text = amount(done) + " / " + amount(total);
+    if (seconds >= 0.05) {
+        const double rate = done / seconds;
+        if (unit == Unit::Bytes) {
+            text += "  " + humanBytes(rate) + "/s";
+        } else {
+            char perSecond[32];
+            std::snprintf(perSecond, sizeof perSecond, "  %.1f/s", rate);
+            text += perSecond;
+        }
+    }
+    return text;
+}
+
+void ProgressBar::update(double done, double total, Unit unit, const std::string& label) {
     if (!m_enabled)
         return;
     const auto now = std::chrono::steady_clock::now();
+    const double fraction = total > 0 ? std::clamp(done / total, 0.0, 1.0) : 1.0;
     if (m_drawn && now - m_lastDraw < std::chrono::milliseconds(100) && fraction < 1.0)
         return;
     m_lastDraw = now;
-    fraction = std::clamp(fraction, 0.0, 1.0);
     constexpr int Width = 30;
     const int filled = static_cast<int>(fraction * Width);
     std::string bar(static_cast<std::size_t>(filled), '#');
     bar.append(static_cast<std::size_t>(Width - filled), '.');
-    std::string tail = label;
-    if (bytes > 0) {
-        const double seconds = std::chrono::duration<double>(now - m_start).count();
-        tail += "  " + humanBytes(static_cast<double>(bytes));
-        if (seconds > 0.05)
-            tail += "  " + humanBytes(static_cast<double>(bytes) / seconds) + "/s";
-    }
-    std::fprintf(stderr, "\r[%s] %3d%%  %s\033[K", bar.c_str(), static_cast<int>(fraction * 100), tail.c_str());
+    const double seconds = std::chrono::duration<double>(now - m_start).count();
+    std::fprintf(stderr, "\r[%s] %3d%%  %s  %s\033[K", bar.c_str(), static_cast<int>(fraction * 100), label.c_str(),
+                 figures(done, total, unit, seconds).c_str());
     std::fflush(stderr);
     m_drawn = true;
+}
+
+void ProgressBar::bytes(std::uint64_t done, std::uint64_t total, const std::string& label) {
+    update(static_cast<double>(done), static_cast<double>(total), Unit::Bytes, label);
 }
 
 void ProgressBar::finish() {

@@ -1,6 +1,10 @@
 #pragma once
-// A one-line progress bar on stderr for long commands, drawn only when stderr is a terminal:
-// "[#######.............]  35%  pass 3/35  1.2 GiB  85.0 MiB/s". Redraws at most ten times a second.
+// A one-line progress bar on stderr for long commands, drawn only when progress is shown (stderr a
+// terminal, no --quiet): how far, what is being done, done / total and the rate since the bar
+// (re)started, e.g.
+//   [##########....................]  35%  report.pdf  pass 13/35  700.0 MiB / 2.0 GiB  85.0 MiB/s
+//   [#####.........................]  17%  cache entries 12  12 / 70  30.5/s
+// Redraws at most ten times a second.
 
 #include <chrono>
 #include <cstdint>
@@ -10,22 +14,29 @@ namespace cli {
 
 class ProgressBar {
 public:
-    /// `enabled` false draws nothing (stderr is not a terminal, or output must stay clean).
+    /// What the figures count.
+    enum class Unit { Bytes, Items };
+
+    /// `enabled` false draws nothing.
     explicit ProgressBar(bool enabled);
-    /// A bar that draws when stderr is a terminal.
+    /// A bar that draws when progress is shown.
     ProgressBar();
     ~ProgressBar();
 
-    /// Shows `fraction` (0..1) done, a free label ("pass 3/35") and the bytes handled so far, whose
-    /// rate is measured from the last reset().
-    void update(double fraction, const std::string& label, std::uint64_t bytes = 0);
-    /// Starts measuring the rate anew (at the start of a pass).
-    void reset();
+    /// Shows `done` of `total` (in `unit`, fractions of an item allowed), after `label`.
+    void update(double done, double total, Unit unit, const std::string& label);
+    /// The same in bytes.
+    void bytes(std::uint64_t done, std::uint64_t total, const std::string& label);
+    /// Measures the rate anew from now (a new file, a new run).
+    void restart();
     /// Clears the line so that ordinary output can follow.
     void finish();
 
     /// "1.2 GiB", "512 B".
     static std::string humanBytes(double bytes);
+    /// The text after the label: "700.0 MiB / 2.0 GiB  85.0 MiB/s" ("12 / 70  30.5/s" for items);
+    /// no rate before a twentieth of a second has passed.
+    static std::string figures(double done, double total, Unit unit, double seconds);
 
 private:
     bool m_enabled;

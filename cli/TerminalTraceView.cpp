@@ -1,8 +1,7 @@
 #include "cli/TerminalTraceView.h"
 
 #include "cli/Interrupt.h"
-
-#include <unistd.h>
+#include "cli/Terminal.h"
 
 namespace cli {
 namespace {
@@ -30,16 +29,17 @@ const char* stepName(cleaning::TraceStep step) {
 
 } // namespace
 
-TerminalTraceView::TerminalTraceView(std::size_t total) : m_bar(total > 0 && ::isatty(STDERR_FILENO) == 1), m_total(total) {}
+TerminalTraceView::TerminalTraceView(std::size_t total) : m_bar(total > 0 && progressShown()), m_total(total) {}
 
 bool TerminalTraceView::interrupted() {
     return cli::interrupted();
 }
 
-void TerminalTraceView::draw(double withinItem, const std::string& label, std::uint64_t bytes) {
+void TerminalTraceView::draw(double withinItem, const std::string& label) {
     if (m_total == 0)
         return;
-    m_bar.update((static_cast<double>(m_done) + withinItem) / static_cast<double>(m_total), label, bytes);
+    m_bar.update(static_cast<double>(m_done) + withinItem, static_cast<double>(m_total), ProgressBar::Unit::Items,
+                 label);
 }
 
 void TerminalTraceView::wiping(const std::string& path, int pass, std::uint64_t written, std::uint64_t total) {
@@ -49,7 +49,7 @@ void TerminalTraceView::wiping(const std::string& path, int pass, std::uint64_t 
         m_bar.reset();
     }
     const double inPass = total > 0 ? static_cast<double>(written) / static_cast<double>(total) : 1.0;
-    draw((pass - 1 + inPass) / Passes, lastPart(path) + "  pass " + std::to_string(pass) + "/11", written);
+    draw((pass - 1 + inPass) / Passes, lastPart(path) + "  pass " + std::to_string(pass) + "/11");
 }
 
 void TerminalTraceView::itemDone(cleaning::TraceStep step, const std::string&) {

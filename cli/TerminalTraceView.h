@@ -29,7 +29,7 @@ public:
     std::size_t done(cleaning::TraceStep step) const { return m_counts[static_cast<std::size_t>(step)]; }
 
 private:
-    void draw(double withinItem, const std::string& label, std::uint64_t bytes = 0);
+    void draw(double withinItem, const std::string& label);
 
     ProgressBar m_bar;
     std::size_t m_total;

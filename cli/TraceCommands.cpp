@@ -173,6 +173,7 @@ void addTraceCommands(CLI::App& app, Context& ctx) {
         auto* cmd = app.add_subcommand("wipe-cache", "List the browser cache entries, then delete the listed entries");
         auto yes = std::make_shared<bool>(false);
         cmd->add_flag("--yes,-y", *yes, "Do not ask before deleting");
+        ctx.summary.changes(cmd);
         cmd->callback([&ctx, yes] {
             ctx.prompts.setAssumeYes(*yes);
             wipeCache(ctx);
@@ -188,6 +189,7 @@ void addTraceCommands(CLI::App& app, Context& ctx) {
                     "devices stay, and a temporary subfolder that still holds any of them stays whole.\n"
                     "A browser profile whose browser runs is left alone and named on stderr (exit code 1).\n"
                     "Ctrl-C stops: the file being overwritten is deleted, nothing further is touched.");
+        ctx.summary.changes(cmd);
         cmd->callback([&ctx, yes] {
             ctx.prompts.setAssumeYes(*yes);
             cleanAll(ctx);
@@ -201,6 +203,7 @@ void addTraceCommands(CLI::App& app, Context& ctx) {
             ->check(CLI::Range(10, 3'600'000))
             ->group(""); // the desktop program watches every 2000 ms; tests look more often
         cmd->footer("Runs until Ctrl-C; prints one line for each clean.");
+        ctx.summary.changes(cmd);
         cmd->callback([&ctx, interval] { watch(ctx, *interval); });
     }
     app.add_subcommand("preview", "List what \"Do Em All\" and clean-all would remove (registry values, trash items, "

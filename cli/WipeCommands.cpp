@@ -34,11 +34,12 @@ public:
     bool interrupted() override { return cli::interrupted(); }
     // The terminal has no exit check box: Ctrl-C is the exit request, and it needs no confirmation.
     bool exitRequested() override { return false; }
-    void passStarted(int, core::Currency) override { m_bar.reset(); }
     void progress(const wipe::FreeSpaceProgress& now) override {
-        const double inPass = now.count > 0 ? static_cast<double>(now.index) / static_cast<double>(now.count) : 1.0;
-        m_bar.update((now.pass - 1 + std::min(inPass, 1.0)) / wipe::Gutmann::PassCount, passLabel(now.pass),
-                     static_cast<std::uint64_t>(now.wiped.rounded()));
+        // Every pass covers the same increments; the bar counts all 35 of them.
+        const double perPass = static_cast<double>(now.increment.rounded()) * static_cast<double>(now.count);
+        const double inPass = std::min(static_cast<double>(now.wiped.rounded()), perPass);
+        m_bar.update((now.pass - 1) * perPass + inPass, wipe::Gutmann::PassCount * perPass, ProgressBar::Unit::Bytes,
+                     passLabel(now.pass));
     }
     void finish() { m_bar.finish(); }
 
@@ -54,16 +55,17 @@ public:
     core::Prompts& prompts() override { return m_ctx.prompts; }
     bool interrupted() override { return cli::interrupted(); }
     bool stopRequested() override { return false; }
-    void passStarted(const std::string&, int) override {
+    void passStarted(const std::string&, int pass) override {
         watchInterrupts(); // from the first pass on; at the question Ctrl-C simply ends the program
-        m_bar.reset();
+        if (pass == 1)
+            m_bar.restart(); // a new file: its own figures and rate
     }
     void progress(const wipe::FileWipeProgress& now) override {
-        const double inPass = now.total > 0 ? static_cast<double>(now.written) / static_cast<double>(now.total) : 1.0;
         const auto slash = now.path.find_last_of('/');
         const std::string name = slash == std::string::npos ? now.path : now.path.substr(slash + 1);
-        m_bar.update((now.pass - 1 + inPass) / wipe::Gutmann::PassCount, name + "  " + passLabel(now.pass),
-                     now.written);
+        const double perPass = static_cast<double>(now.total);
+        m_bar.update((now.pass - 1) * perPass + static_cast<double>(now.written), wipe::Gutmann::PassCount * perPass,
+                     ProgressBar::Unit::Bytes, name + "  " + passLabel(now.pass));
     }
     void finish() { m_bar.finish(); }
 
@@ -167,6 +169,7 @@ void addWipeCommands(CLI::App& app, Context& ctx) {
         cmd->footer("Ctrl-C stops after the current increment and removes the temporary file.\n"
                     "Overwriting cannot reach copy-on-write or journaled copies, SSD spare blocks, or the\n"
                     "blocks reserved for root when run as a user: see the README.");
+        ctx.summary.changes(cmd);
         cmd->callback([&ctx, dir, yes, removable] {
             ctx.prompts.setAssumeYes(*yes);
             wipeFreeSpace(ctx, *dir, *removable);
@@ -179,6 +182,7 @@ void addWipeCommands(CLI::App& app, Context& ctx) {
         cmd->add_option("FILE", *paths, "Plain files to destroy (links and folders are refused)")->required();
         cmd->add_flag("--yes,-y", *yes, "Do not ask for confirmation");
         cmd->footer("Ctrl-C stops: the file being shredded is deleted, files not reached are left untouched.");
+        ctx.summary.changes(cmd);
         cmd->callback([&ctx, paths, yes] {
             ctx.prompts.setAssumeYes(*yes);
             shredFiles(ctx, *paths);
@@ -193,6 +197,7 @@ void addWipeCommands(CLI::App& app, Context& ctx) {
         cmd->add_flag("--yes,-y", *yes, "Do not ask for confirmation");
         cmd->footer("Files in subfolders are deleted without being overwritten. Links are removed, never\n"
                     "followed, and nothing on another filesystem mounted below DIR is touched.");
+        ctx.summary.changes(cmd);
         cmd->callback([&ctx, dir, yes] {
             ctx.prompts.setAssumeYes(*yes);
             shredFolder(ctx, *dir);

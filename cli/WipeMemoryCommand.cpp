@@ -22,16 +22,19 @@ public:
     explicit TerminalMemoryWipeView(std::int32_t size) : m_size(size) {}
 
     void passDone(int pass) override {
-        const auto held = static_cast<std::uint64_t>(pass + 1) * memory::MemoryWipe::BytesPerCharacter *
-                          static_cast<std::uint64_t>(m_size > 0 ? m_size : 0);
-        m_bar.update(static_cast<double>(pass + 1) / memory::MemoryWipe::Passes,
-                     "pass " + std::to_string(pass + 1) + "/" + std::to_string(memory::MemoryWipe::Passes), held);
+        const double perPass = static_cast<double>(memory::MemoryWipe::BytesPerCharacter) * (m_size > 0 ? m_size : 0);
+        m_filled = (pass + 1) * perPass;
+        m_bar.update(m_filled, memory::MemoryWipe::Passes * perPass, ProgressBar::Unit::Bytes,
+                     "pass " + std::to_string(pass + 1) + "/" + std::to_string(memory::MemoryWipe::Passes));
     }
+    /// Bytes of memory filled by the passes done so far.
+    double filled() const { return m_filled; }
     bool interrupted() override { return cli::interrupted(); }
     void finish() { m_bar.finish(); }
 
 private:
     std::int32_t m_size;
+    double m_filled = 0;
     ProgressBar m_bar;
 };
 
@@ -67,6 +70,7 @@ void wipeMemory(Context& ctx, const Options& options) {
         wipe.setFloor(options.keepFreeMiB << 20);
     const memory::WipeResult result = wipe.WipeMemory(size);
     view.finish();
+    ctx.summary.note(ProgressBar::humanBytes(view.filled()) + " of memory filled");
     switch (result.end) {
     case memory::WipeEnd::Completed:
         return;
@@ -100,6 +104,7 @@ void addWipeMemoryCommand(CLI::App& app, Context& ctx) {
     cmd->footer("While it runs, this process is the first the system ends should memory run out, so no\n"
                 "other program can pay for the wipe. Ctrl-C stops at the next pass; the memory is given\n"
                 "back at once.");
+    ctx.summary.changes(cmd);
     cmd->callback([&ctx, options, size] {
         options->sizeGiven = size->count() > 0;
         wipeMemory(ctx, *options);

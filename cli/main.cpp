@@ -3,6 +3,8 @@
 
 #include "cli/Commands.h"
 #include "cli/Context.h"
+#include "cli/CountingPlatform.h"
+#include "cli/Terminal.h"
 
 #include <iostream>
 
@@ -18,12 +20,18 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     app.fallthrough();
 
-    auto platform = platform::createNative();
-    if (!platform) {
+    app.add_flag_callback("-q,--quiet", [] { cli::setQuiet(true); },
+                          "No progress bars and no closing line of what changed (questions, problems and errors "
+                          "still show)");
+
+    auto native = platform::createNative();
+    if (!native) {
         std::cerr << "scourmill-cli: this system is not supported\n";
         return 2;
     }
-    cli::Context ctx{*platform, {}, {}, 0};
+    // Every change a command makes is counted on its way to the machine, for the closing summary.
+    cli::CountingPlatform platform(*native);
+    cli::Context ctx{platform, {}, {}, 0, {}};
     cli::addMemMonCommand(app, ctx);
     cli::addCleanItemCommands(app, ctx);
     cli::addIndexDatCommand(app, ctx);
@@ -43,6 +51,10 @@ int main(int argc, char** argv) {
         std::cerr << "scourmill-cli: " << e.what() << "\n";
         return 2;
     }
+    const CLI::App* ran = &app;
+    while (!ran->get_subcommands().empty())
+        ran = ran->get_subcommands().front();
+    ctx.summary.print(std::cerr, *ran, platform.counts());
     if (ctx.exitCode == 0 && ctx.problems.count() > 0)
         ctx.exitCode = 1;
     return ctx.exitCode;

@@ -1,0 +1,292 @@
+#include "cli/CountingPlatform.h"
+
+namespace cli {
+namespace {
+
+using Ledger = CountingPlatform::Ledger;
+
+class CountingRawFile final : public platform::RawFile {
+public:
+    CountingRawFile(std::unique_ptr<platform::RawFile> real, Ledger& ledger, std::string path)
+        : m_real(std::move(real)), m_ledger(ledger), m_path(std::move(path)) {}
+
+    std::size_t read(void* buffer, std::size_t count) override { return m_real->read(buffer, count); }
+    std::size_t write(const void* data, std::size_t count) override {
+        const std::size_t written = m_real->write(data, count);
+        if (written > 0) {
+            m_ledger.counts.bytesWritten += written;
+            m_ledger.files[m_path].written = true;
+        }
+        return written;
+    }
+    std::int64_t seek(std::int64_t distance, From from) override { return m_real->seek(distance, from); }
+    bool flush() override { return m_real->flush(); }
+    void startFlush(std::int64_t offset, std::int64_t length) override { m_real->startFlush(offset, length); }
+    bool truncate() override { return m_real->truncate(); }
+    std::intptr_t nativeHandle() const override { return m_real->nativeHandle(); }
+
+private:
+    std::unique_ptr<platform::RawFile> m_real;
+    Ledger& m_ledger;
+    std::string m_path;
+};
+
+class CountingRawFiles final : public platform::RawFiles {
+public:
+    CountingRawFiles(platform::RawFiles& real, platform::FileSystem& files, Ledger& ledger)
+        : m_real(real), m_files(files), m_ledger(ledger) {}
+
+    std::unique_ptr<platform::RawFile> open(const std::string& path) override {
+        // Whether the file was the user's is settled by its first opening in this command.
+        const bool known = m_ledger.files.count(path) > 0;
+        const bool existed = known || m_files.info(path).has_value();
+        auto file = m_real.open(path);
+        if (!file)
+            return nullptr;
+        if (!known)
+            m_ledger.files[path].existed = existed;
+        return std::make_unique<CountingRawFile>(std::move(file), m_ledger, path);
+    }
+    std::unique_ptr<platform::RawFile> openForReading(const std::string& path) override {
+        return m_real.openForReading(path);
+    }
+    int lastError() const override { return m_real.lastError(); }
+    void setLastError(int code) override { m_real.setLastError(code); }
+    std::string errorText(int code) const override { return m_real.errorText(code); }
+
+private:
+    platform::RawFiles& m_real;
+    platform::FileSystem& m_files;
+    Ledger& m_ledger;
+};
+
+class CountingFileSystem final : public platform::FileSystem {
+public:
+    CountingFileSystem(platform::FileSystem& real, Ledger& ledger) : m_real(real), m_ledger(ledger) {}
+
+    bool list(const std::string& dir, const std::string& pattern,
+              const std::function<bool(const platform::FileInfo&)>& visit) override {
+        return m_real.list(dir, pattern, visit);
+    }
+    bool names(const std::string& dir,
+               const std::function<bool(const std::string&, platform::EntryKind)>& visit) override {
+        return m_real.names(dir, visit);
+    }
+    bool matches(const std::string& name, const std::string& pattern) const override {
+        return m_real.matches(name, pattern);
+    }
+    std::optional<platform::FileInfo> info(const std::string& path) override { return m_real.info(path); }
+    bool removeFile(const std::string& path) override {
+        // "Already gone" is a success of the real call too; only a removal that happened counts.
+        const bool there = m_real.info(path).has_value();
+        const bool removed = m_real.removeFile(path);
+        if (removed && there) {
+            const auto it = m_ledger.files.find(path);
+            if (it == m_ledger.files.end() || !it->second.written)
+                ++m_ledger.counts.filesDeleted;
+            else if (it->second.existed)
+                ++m_ledger.counts.filesOverwrittenAndDeleted;
+            if (it != m_ledger.files.end())
+                m_ledger.files.erase(it);
+        }
+        return removed;
+    }
+    bool removeDirectory(const std::string& path) override {
+        const bool there = m_real.info(path).has_value();
+        const bool removed = m_real.removeDirectory(path);
+        if (removed && there)
+            ++m_ledger.counts.foldersDeleted;
+        return removed;
+    }
+    bool createDirectory(const std::string& path) override { return m_real.createDirectory(path); }
+    bool makeNormal(const std::string& path) override { return m_real.makeNormal(path); }
+    bool isInUse(const std::string& path) override { return m_real.isInUse(path); }
+    char separator() const override { return m_real.separator(); }
+
+private:
+    platform::FileSystem& m_real;
+    Ledger& m_ledger;
+};
+
+class CountingRegistry final : public platform::Registry {
+public:
+    CountingRegistry(platform::Registry& real, Ledger& ledger) : m_real(real), m_ledger(ledger) {}
+
+    long openKey(platform::RegKey root, const std::string& subKey, platform::RegKey& result) override {
+        return m_real.openKey(root, subKey, result);
+    }
+    long createKey(platform::RegKey root, const std::string& subKey, platform::RegKey& result) override {
+        return m_real.createKey(root, subKey, result);
+    }
+    long queryValue(platform::RegKey key, const std::string& name, std::uint32_t* type, std::uint8_t* data,
+                    std::uint32_t* size) override {
+        return m_real.queryValue(key, name, type, data, size);
+    }
+    long setValue(platform::RegKey key, const std::string& name, std::uint32_t type, const std::uint8_t* data,
+                  std::uint32_t size) override {
+        const long result = m_real.setValue(key, name, type, data, size);
+        if (result == platform::RegResult::Success)
+            ++m_ledger.counts.registryValuesWritten;
+        return result;
+    }
+    long deleteValue(platform::RegKey key, const std::string& name) override {
+        const long result = m_real.deleteValue(key, name);
+        if (result == platform::RegResult::Success)
+            ++m_ledger.counts.registryValuesRemoved;
+        return result;
+    }
+    long closeKey(platform::RegKey key) override { return m_real.closeKey(key); }
+    long valueNames(platform::RegKey key, std::vector<std::string>& names) override {
+        return m_real.valueNames(key, names);
+    }
+
+private:
+    platform::Registry& m_real;
+    Ledger& m_ledger;
+};
+
+class CountingUrlCache final : public platform::UrlCache {
+public:
+    CountingUrlCache(platform::UrlCache& real, Ledger& ledger) : m_real(real), m_ledger(ledger) {}
+
+    platform::UrlCacheEnum findFirst(void* buffer, std::uint32_t& size) override {
+        return m_real.findFirst(buffer, size);
+    }
+    bool findNext(platform::UrlCacheEnum enumeration, void* buffer, std::uint32_t& size) override {
+        return m_real.findNext(enumeration, buffer, size);
+    }
+    void findClose(platform::UrlCacheEnum enumeration) override { m_real.findClose(enumeration); }
+    bool deleteEntry(const std::string& url) override {
+        const bool deleted = m_real.deleteEntry(url);
+        if (deleted)
+            ++m_ledger.counts.cacheEntriesDeleted;
+        return deleted;
+    }
+    std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
+
+private:
+    platform::UrlCache& m_real;
+    Ledger& m_ledger;
+};
+
+class CountingUrlHistory final : public platform::UrlHistory {
+public:
+    CountingUrlHistory(platform::UrlHistory& real, Ledger& ledger) : m_real(real), m_ledger(ledger) {}
+
+    bool addUrl(const std::string& url, const std::string& title, std::uint32_t flags) override {
+        const bool added = m_real.addUrl(url, title, flags);
+        if (added)
+            ++m_ledger.counts.historyEntriesAdded;
+        return added;
+    }
+    bool deleteUrl(const std::string& url, std::uint32_t flags) override {
+        const bool deleted = m_real.deleteUrl(url, flags);
+        if (deleted)
+            ++m_ledger.counts.historyEntriesDeleted;
+        return deleted;
+    }
+    std::unique_ptr<platform::UrlHistoryEnum> enumUrls() override { return m_real.enumUrls(); }
+    bool clearHistory() override {
+        // Counted once before and once after: the store says nothing of how much it held.
+        const std::uint64_t before = entries();
+        const bool cleared = m_real.clearHistory();
+        m_ledger.counts.historyEntriesDeleted += before - std::min(before, entries());
+        return cleared;
+    }
+    std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
+
+private:
+    std::uint64_t entries() {
+        std::uint64_t count = 0;
+        if (auto all = m_real.enumUrls()) {
+            platform::StatUrl record;
+            while (all->next(record) == 1)
+                ++count;
+        }
+        return count;
+    }
+
+    platform::UrlHistory& m_real;
+    Ledger& m_ledger;
+};
+
+class CountingRecycleBin final : public platform::RecycleBin {
+public:
+    CountingRecycleBin(platform::RecycleBin& real, Ledger& ledger) : m_real(real), m_ledger(ledger) {}
+
+    std::vector<platform::TrashItem> items(const std::string& root) override { return m_real.items(root); }
+    bool empty(const std::string& root, unsigned flags, platform::RecycleBinUi& ui) override {
+        const std::size_t before = m_real.items(root).size();
+        const bool emptied = m_real.empty(root, flags, ui);
+        const std::size_t after = m_real.items(root).size();
+        m_ledger.counts.trashItemsRemoved += before - std::min(before, after);
+        return emptied;
+    }
+    std::vector<std::string> recentDocuments() override { return m_real.recentDocuments(); }
+    bool clearRecentDocuments() override {
+        const std::size_t before = m_real.recentDocuments().size();
+        const bool cleared = m_real.clearRecentDocuments();
+        const std::size_t after = m_real.recentDocuments().size();
+        m_ledger.counts.recentDocumentsRemoved += before - std::min(before, after);
+        return cleared;
+    }
+
+private:
+    platform::RecycleBin& m_real;
+    Ledger& m_ledger;
+};
+
+} // namespace
+
+struct CountingPlatform::Facilities {
+    Facilities(platform::Platform& real, Ledger& ledger)
+        : files(real.fileSystem(), ledger), rawFiles(real.rawFiles(), real.fileSystem(), ledger),
+          registry(real.registry(), ledger), urlCache(real.urlCache(), ledger), urlHistory(real.urlHistory(), ledger),
+          recycleBin(real.recycleBin(), ledger) {}
+
+    CountingFileSystem files;
+    CountingRawFiles rawFiles;
+    CountingRegistry registry;
+    CountingUrlCache urlCache;
+    CountingUrlHistory urlHistory;
+    CountingRecycleBin recycleBin;
+};
+
+CountingPlatform::CountingPlatform(platform::Platform& real)
+    : m_real(real), m_facilities(std::make_unique<Facilities>(real, m_ledger)) {}
+
+CountingPlatform::~CountingPlatform() = default;
+
+ChangeCounts CountingPlatform::counts() const {
+    ChangeCounts counts = m_ledger.counts;
+    for (const auto& [path, state] : m_ledger.files)
+        if (state.existed && state.written)
+            ++counts.filesOverwritten;
+    return counts;
+}
+
+platform::RawFiles& CountingPlatform::rawFiles() {
+    return m_facilities->rawFiles;
+}
+
+platform::FileSystem& CountingPlatform::fileSystem() {
+    return m_facilities->files;
+}
+
+platform::Registry& CountingPlatform::registry() {
+    return m_facilities->registry;
+}
+
+platform::UrlCache& CountingPlatform::urlCache() {
+    return m_facilities->urlCache;
+}
+
+platform::UrlHistory& CountingPlatform::urlHistory() {
+    return m_facilities->urlHistory;
+}
+
+platform::RecycleBin& CountingPlatform::recycleBin() {
+    return m_facilities->recycleBin;
+}
+
+} // namespace cli

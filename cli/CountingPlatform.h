@@ -1,0 +1,81 @@
+#pragma once
+// The platform every command of the command line runs on: the machine's own, with each change that
+// succeeds counted on its way through. The closing summary line is made from these counts, so every
+// command, present or future, reports exactly what it changed on the machine, measured where the
+// change happens rather than guessed from what it meant to do.
+//
+// A file counts as overwritten when bytes were written into it after it was opened as an existing
+// file; a file the command created itself (the free-space wipe's temporary file) adds its bytes to
+// the total but is no file of the user's, neither when written nor when removed.
+
+#include "platform/Platform.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace cli {
+
+/// What has changed so far.
+struct ChangeCounts {
+    std::uint64_t filesOverwrittenAndDeleted = 0;
+    std::uint64_t filesOverwritten = 0; ///< overwritten and still there
+    std::uint64_t filesDeleted = 0;     ///< deleted without being overwritten (links included)
+    std::uint64_t foldersDeleted = 0;
+    std::uint64_t bytesWritten = 0;     ///< into any file, the command's own included
+    std::uint64_t registryValuesRemoved = 0;
+    std::uint64_t registryValuesWritten = 0;
+    std::uint64_t cacheEntriesDeleted = 0;
+    std::uint64_t historyEntriesDeleted = 0;
+    std::uint64_t historyEntriesAdded = 0;
+    std::uint64_t trashItemsRemoved = 0;
+    std::uint64_t recentDocumentsRemoved = 0;
+
+    friend bool operator==(const ChangeCounts&, const ChangeCounts&) = default;
+};
+
+class CountingPlatform final : public platform::Platform {
+public:
+    /// Every call goes to `real`, which must outlive this object.
+    explicit CountingPlatform(platform::Platform& real);
+    ~CountingPlatform() override;
+    CountingPlatform(const CountingPlatform&) = delete;
+    CountingPlatform& operator=(const CountingPlatform&) = delete;
+
+    /// The changes so far; files written and not removed count as overwritten.
+    ChangeCounts counts() const;
+
+    platform::RawFiles& rawFiles() override;
+    platform::FileSystem& fileSystem() override;
+    platform::Drives& drives() override { return m_real.drives(); }
+    platform::Registry& registry() override;
+    platform::KnownFolders& knownFolders() override { return m_real.knownFolders(); }
+    platform::Processes& processes() override { return m_real.processes(); }
+    platform::MemoryStatus& memoryStatus() override { return m_real.memoryStatus(); }
+    platform::VirtualMemory& virtualMemory() override { return m_real.virtualMemory(); }
+    platform::Shell& shell() override { return m_real.shell(); }
+    platform::Connectivity& connectivity() override { return m_real.connectivity(); }
+    platform::UrlCache& urlCache() override;
+    platform::UrlHistory& urlHistory() override;
+    platform::RecycleBin& recycleBin() override;
+
+    /// What is known of one path the command opened for writing.
+    struct FileState {
+        bool existed = false; ///< it was there before the command first opened it
+        bool written = false;
+    };
+    /// The running counts and the files being written; shared by the facilities.
+    struct Ledger {
+        ChangeCounts counts;
+        std::map<std::string, FileState> files;
+    };
+
+private:
+    struct Facilities;
+    platform::Platform& m_real;
+    Ledger m_ledger;
+    std::unique_ptr<Facilities> m_facilities;
+};
+
+} // namespace cli

@@ -1,0 +1,141 @@
+// What the command line says about its work: the counts of changes taken at the platform, the
+// closing line a user reads, and the progress bar's figures. Real files in a scratch folder, and
+// the real program for what a user sees.
+
+#include "cli/CountingPlatform.h"
+#include "cli/ProgressBar.h"
+#include "cli/Summary.h"
+#include "tests/support/CliProcess.h"
+#include "tests/support/Hive.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <thread>
+
+namespace fs = std::filesystem;
+using testsupport::CliResult;
+using testsupport::runCli;
+using testsupport::ScratchDir;
+using testsupport::shellQuoted;
+
+namespace {
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+void write(platform::RawFiles& files, const std::string& path, std::size_t bytes) {
+    auto file = files.open(path);
+    ASSERT_TRUE(file);
+    const std::string data(bytes, 'x');
+    ASSERT_EQ(file->write(data.data(), data.size()), bytes);
+}
+
+} // namespace
+
+TEST(CountingPlatform, TellsOverwrittenDeletedAndOwnFilesApart) {
+    ScratchDir dir;
+    auto native = platform::createNative();
+    cli::CountingPlatform counted(*native);
+    auto& files = counted.fileSystem();
+    const std::string shredded = dir.write("shredded", "secret").string();
+    const std::string kept = dir.write("kept", "record").string();
+    const std::string plain = dir.write("plain", "x").string();
+    const std::string own = (dir.path() / "WNXTEMP.000").string();
+    fs::create_directories(dir.path() / "sub");
+
+    write(counted.rawFiles(), shredded, 6);
+    EXPECT_TRUE(files.removeFile(shredded));
+    write(counted.rawFiles(), kept, 6);
+    EXPECT_TRUE(files.removeFile(plain));
+    EXPECT_TRUE(files.removeFile(plain)); // already gone: the call succeeds, nothing more is removed
+    write(counted.rawFiles(), own, 100);  // made by the command itself
+    write(counted.rawFiles(), own, 100);
+    EXPECT_TRUE(files.removeFile(own));
+    EXPECT_TRUE(files.removeDirectory((dir.path() / "sub").string()));
+
+    cli::ChangeCounts expected;
+    expected.filesOverwrittenAndDeleted = 1;
+    expected.filesOverwritten = 1;
+    expected.filesDeleted = 1;
+    expected.foldersDeleted = 1;
+    expected.bytesWritten = 212;
+    EXPECT_EQ(counted.counts(), expected);
+    EXPECT_EQ(cli::describeChanges(counted.counts()),
+              "1 file overwritten and deleted, 1 file overwritten, 1 file deleted, 1 folder deleted, 212 B written");
+    EXPECT_EQ(cli::describeChanges({}), "nothing changed");
+    EXPECT_EQ(cli::describeChanges({}, {"1.0 GiB of memory filled"}), "1.0 GiB of memory filled");
+}
+
+TEST(CountingPlatform, CountsOnlyRegistryValuesThatChanged) {
+    testsupport::writeUserReg(std::getenv("WINEPREFIX"), "");
+    auto native = platform::createNative();
+    cli::CountingPlatform counted(*native);
+    platform::RegKey key = 0;
+    ASSERT_EQ(counted.registry().createKey(platform::CurrentUserRoot, "Software\\Tavi", key),
+              platform::RegResult::Success);
+    const std::uint8_t data[] = {'a', 0};
+    EXPECT_EQ(counted.registry().setValue(key, "url1", 1, data, 2), platform::RegResult::Success);
+    EXPECT_EQ(counted.registry().deleteValue(key, "url1"), platform::RegResult::Success);
+    EXPECT_NE(counted.registry().deleteValue(key, "url1"), platform::RegResult::Success); // gone: not counted
+    counted.registry().closeKey(key);
+    EXPECT_EQ(cli::describeChanges(counted.counts()), "1 registry value removed, 1 registry value written");
+}
+
+TEST(ProgressBar, ShowsDoneOfTotalAndTheRate) {
+    EXPECT_EQ(cli::ProgressBar::figures(700.0 * 1024 * 1024, 2048.0 * 1024 * 1024, cli::ProgressBar::Unit::Bytes, 2),
+              "700.0 MiB / 2.0 GiB  350.0 MiB/s");
+    EXPECT_EQ(cli::ProgressBar::figures(12.6, 70, cli::ProgressBar::Unit::Items, 4), "12 / 70  3.1/s");
+    EXPECT_EQ(cli::ProgressBar::figures(512, 1024, cli::ProgressBar::Unit::Bytes, 0.01), "512 B / 1.0 KiB");
+
+    testing::internal::CaptureStderr();
+    {
+        cli::ProgressBar bar(true);
+        std::this_thread::sleep_for(std::chrono::milliseconds(60));
+        bar.bytes(3 << 20, 10 << 20, "diary.txt  pass 4/35");
+    }
+    const std::string drawn = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(contains(drawn, " 30%  diary.txt  pass 4/35  3.0 MiB / 10.0 MiB  ")) << drawn;
+    EXPECT_TRUE(contains(drawn, " MiB/s")) << drawn;
+    EXPECT_TRUE(drawn.ends_with("\r\033[K")) << drawn; // the line is cleared when the bar goes
+}
+
+TEST(CommandSummary, ChangingCommandsEndWithWhatTheyChanged) {
+    ScratchDir dir;
+    const fs::path diary = dir.write("diary.txt", std::string(4096, 'd'));
+    const fs::path tiny = dir.write("tiny", "x");
+    CliResult r = runCli("shred --yes " + shellQuoted(diary) + " " + shellQuoted(tiny));
+    EXPECT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "");
+    // A one-byte file is deleted without being overwritten.
+    EXPECT_TRUE(contains(r.err, "scourmill-cli: shred: 1 file overwritten and deleted, 1 file deleted, ")) << r.err;
+    EXPECT_TRUE(r.err.ends_with(" KiB written\n")) << r.err;
+
+    // Declined (no terminal to ask on, no --yes): the user learns that nothing happened.
+    const fs::path kept = dir.write("kept.txt", "keep me");
+    r = runCli("shred " + shellQuoted(kept));
+    EXPECT_EQ(r.code, 1);
+    EXPECT_TRUE(r.err.ends_with("scourmill-cli: shred: nothing changed\n")) << r.err;
+    EXPECT_TRUE(fs::exists(kept));
+
+    fs::create_directories(dir.path() / "folder" / "below");
+    dir.write("folder/below/old.txt", "old");
+    r = runCli("shred-dir --yes --quiet " + shellQuoted(dir.path() / "folder"));
+    EXPECT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.err, ""); // --quiet, also after the command
+    EXPECT_FALSE(fs::exists(dir.path() / "folder"));
+}
+
+TEST(CommandSummary, CommandsThatOnlyReadSayNothingMore) {
+    ScratchDir dir;
+    dir.write("Cookies/index.dat", std::string(2048, 0));
+    CliResult r = runCli("indexdat find " + shellQuoted(dir.path()));
+    EXPECT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.err, "");
+    r = runCli("memmon --once");
+    EXPECT_EQ(r.err, "");
+}
