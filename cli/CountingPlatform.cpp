@@ -1,5 +1,7 @@
 #include "cli/CountingPlatform.h"
 
+#include "platform/Folder.h"
+
 namespace cli {
 namespace {
 
@@ -24,11 +26,81 @@ public:
     void startFlush(std::int64_t offset, std::int64_t length) override { m_real->startFlush(offset, length); }
     bool truncate() override { return m_real->truncate(); }
     std::intptr_t nativeHandle() const override { return m_real->nativeHandle(); }
+    std::optional<platform::FileInfo> info() const override { return m_real->info(); }
+    bool openElsewhere() const override { return m_real->openElsewhere(); }
 
 private:
     std::unique_ptr<platform::RawFile> m_real;
     Ledger& m_ledger;
     std::string m_path;
+};
+
+/// A file at `path` was opened for writing; `existedBefore` tells whether it was there already.
+std::unique_ptr<platform::RawFile> opened(std::unique_ptr<platform::RawFile> file, Ledger& ledger,
+                                          const std::string& path, bool existedBefore) {
+    if (!file)
+        return nullptr;
+    // Whether the file was the user's is settled by its first opening in this command.
+    const auto [state, first] = ledger.files.try_emplace(path);
+    if (first)
+        state->second.existed = existedBefore;
+    return std::make_unique<CountingRawFile>(std::move(file), ledger, path);
+}
+
+/// The file or link at `path` has just been removed.
+void removed(Ledger& ledger, const std::string& path) {
+    const auto it = ledger.files.find(path);
+    if (it == ledger.files.end() || !it->second.written)
+        ++ledger.counts.filesDeleted;
+    else if (it->second.existed)
+        ++ledger.counts.filesOverwrittenAndDeleted;
+    if (it != ledger.files.end())
+        ledger.files.erase(it);
+}
+
+/// An open folder whose changes are counted like those made by path.
+class CountingFolder final : public platform::Folder {
+public:
+    CountingFolder(std::unique_ptr<platform::Folder> real, Ledger& ledger, char separator)
+        : m_real(std::move(real)), m_ledger(ledger), m_separator(separator) {}
+
+    const std::string& path() const override { return m_real->path(); }
+    platform::FileInfo self() const override { return m_real->self(); }
+    bool list(const std::function<bool(const platform::FileInfo&)>& visit) override { return m_real->list(visit); }
+    std::optional<platform::FileInfo> entry(const std::string& name) override { return m_real->entry(name); }
+    std::unique_ptr<platform::Folder> openFolder(const std::string& name) override {
+        auto folder = m_real->openFolder(name);
+        return folder ? std::make_unique<CountingFolder>(std::move(folder), m_ledger, m_separator) : nullptr;
+    }
+    std::unique_ptr<platform::RawFile> openFile(const std::string& name, bool create) override {
+        const bool existed = m_real->entry(name).has_value();
+        return opened(m_real->openFile(name, create), m_ledger, pathOf(name), existed);
+    }
+    bool removeFile(const std::string& name) override {
+        const bool there = m_real->entry(name).has_value();
+        const bool gone = m_real->removeFile(name);
+        if (gone && there)
+            removed(m_ledger, pathOf(name));
+        return gone;
+    }
+    bool removeFolder(const std::string& name) override {
+        const bool there = m_real->entry(name).has_value();
+        const bool gone = m_real->removeFolder(name);
+        if (gone && there)
+            ++m_ledger.counts.foldersDeleted;
+        return gone;
+    }
+    bool makeNormal(const std::string& name) override { return m_real->makeNormal(name); }
+
+private:
+    std::string pathOf(const std::string& name) const {
+        const std::string& folder = m_real->path();
+        return !folder.empty() && folder.back() == m_separator ? folder + name : folder + m_separator + name;
+    }
+
+    std::unique_ptr<platform::Folder> m_real;
+    Ledger& m_ledger;
+    char m_separator;
 };
 
 class CountingRawFiles final : public platform::RawFiles {
@@ -37,15 +109,8 @@ public:
         : m_real(real), m_files(files), m_ledger(ledger) {}
 
     std::unique_ptr<platform::RawFile> open(const std::string& path) override {
-        // Whether the file was the user's is settled by its first opening in this command.
-        const bool known = m_ledger.files.count(path) > 0;
-        const bool existed = known || m_files.info(path).has_value();
-        auto file = m_real.open(path);
-        if (!file)
-            return nullptr;
-        if (!known)
-            m_ledger.files[path].existed = existed;
-        return std::make_unique<CountingRawFile>(std::move(file), m_ledger, path);
+        const bool existed = m_files.info(path).has_value();
+        return opened(m_real.open(path), m_ledger, path, existed);
     }
     std::unique_ptr<platform::RawFile> openForReading(const std::string& path) override {
         return m_real.openForReading(path);
@@ -76,27 +141,24 @@ public:
         return m_real.matches(name, pattern);
     }
     std::optional<platform::FileInfo> info(const std::string& path) override { return m_real.info(path); }
+    std::unique_ptr<platform::Folder> openFolder(const std::string& path) override {
+        auto folder = m_real.openFolder(path);
+        return folder ? std::make_unique<CountingFolder>(std::move(folder), m_ledger, m_real.separator()) : nullptr;
+    }
     bool removeFile(const std::string& path) override {
         // "Already gone" is a success of the real call too; only a removal that happened counts.
         const bool there = m_real.info(path).has_value();
-        const bool removed = m_real.removeFile(path);
-        if (removed && there) {
-            const auto it = m_ledger.files.find(path);
-            if (it == m_ledger.files.end() || !it->second.written)
-                ++m_ledger.counts.filesDeleted;
-            else if (it->second.existed)
-                ++m_ledger.counts.filesOverwrittenAndDeleted;
-            if (it != m_ledger.files.end())
-                m_ledger.files.erase(it);
-        }
-        return removed;
+        const bool gone = m_real.removeFile(path);
+        if (gone && there)
+            removed(m_ledger, path);
+        return gone;
     }
     bool removeDirectory(const std::string& path) override {
         const bool there = m_real.info(path).has_value();
-        const bool removed = m_real.removeDirectory(path);
-        if (removed && there)
+        const bool gone = m_real.removeDirectory(path);
+        if (gone && there)
             ++m_ledger.counts.foldersDeleted;
-        return removed;
+        return gone;
     }
     bool createDirectory(const std::string& path) override { return m_real.createDirectory(path); }
     bool makeNormal(const std::string& path) override { return m_real.makeNormal(path); }

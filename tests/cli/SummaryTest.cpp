@@ -5,6 +5,7 @@
 #include "cli/CountingPlatform.h"
 #include "cli/ProgressBar.h"
 #include "cli/Summary.h"
+#include "platform/Folder.h"
 #include "tests/support/CliProcess.h"
 #include "tests/support/Hive.h"
 #include "tests/support/Scratch.h"
@@ -53,9 +54,17 @@ TEST(CountingPlatform, TellsOverwrittenDeletedAndOwnFilesApart) {
     write(counted.rawFiles(), kept, 6);
     EXPECT_TRUE(files.removeFile(plain));
     EXPECT_TRUE(files.removeFile(plain)); // already gone: the call succeeds, nothing more is removed
-    write(counted.rawFiles(), own, 100);  // made by the command itself
+    write(counted.rawFiles(), own, 100); // made by the command itself
     write(counted.rawFiles(), own, 100);
     EXPECT_TRUE(files.removeFile(own));
+    // The same through an open folder, as the wipes walk: made, written, removed.
+    const auto folder = files.openFolder(dir.str());
+    ASSERT_TRUE(folder);
+    auto made = folder->openFile("WNXTEMP.000", true);
+    ASSERT_TRUE(made);
+    EXPECT_EQ(made->write("12345678", 8), 8u);
+    made.reset();
+    EXPECT_TRUE(folder->removeFile("WNXTEMP.000"));
     EXPECT_TRUE(files.removeDirectory((dir.path() / "sub").string()));
 
     cli::ChangeCounts expected;
@@ -63,10 +72,10 @@ TEST(CountingPlatform, TellsOverwrittenDeletedAndOwnFilesApart) {
     expected.filesOverwritten = 1;
     expected.filesDeleted = 1;
     expected.foldersDeleted = 1;
-    expected.bytesWritten = 212;
+    expected.bytesWritten = 220;
     EXPECT_EQ(counted.counts(), expected);
     EXPECT_EQ(cli::describeChanges(counted.counts()),
-              "1 file overwritten and deleted, 1 file overwritten, 1 file deleted, 1 folder deleted, 212 B written");
+              "1 file overwritten and deleted, 1 file overwritten, 1 file deleted, 1 folder deleted, 220 B written");
     EXPECT_EQ(cli::describeChanges({}), "nothing changed");
     EXPECT_EQ(cli::describeChanges({}, {"1.0 GiB of memory filled"}), "1.0 GiB of memory filled");
 }
