@@ -43,11 +43,6 @@ void TerminalTraceView::draw(double withinItem, const std::string& label) {
 }
 
 void TerminalTraceView::wiping(const std::string& path, int pass, std::uint64_t written, std::uint64_t total) {
-    if (pass != m_pass || path != m_path) { // the rate is measured over the pass under way
-        m_pass = pass;
-        m_path = path;
-        m_bar.reset();
-    }
     const double inPass = total > 0 ? static_cast<double>(written) / static_cast<double>(total) : 1.0;
     draw((pass - 1 + inPass) / Passes, lastPart(path) + "  pass " + std::to_string(pass) + "/11");
 }

@@ -34,8 +34,6 @@ private:
     ProgressBar m_bar;
     std::size_t m_total;
     std::size_t m_done = 0;
-    std::string m_path; ///< the file being overwritten, and its pass
-    int m_pass = 0;
     std::array<std::size_t, 4> m_counts{};
 };
 
