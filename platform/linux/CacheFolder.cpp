@@ -1,6 +1,7 @@
 #include "platform/linux/CacheFolder.h"
 
 #include "platform/linux/CacheKeys.h"
+#include "platform/linux/Descriptors.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -57,10 +58,6 @@ bool readAt(int fd, std::string& buf, std::size_t length, std::uint64_t offset) 
 /// Removes `name` in the folder `at`; gone already counts as removed.
 bool removeName(int at, const std::string& name) {
     return ::unlinkat(at, name.c_str(), 0) == 0 || errno == ENOENT;
-}
-
-int openFolder(int at, const std::string& name) {
-    return ::openat(at, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
 }
 
 } // namespace
@@ -165,56 +162,44 @@ bool CacheFolderReader::next(CacheEntryFile& entry) {
 }
 
 bool CacheFolderReader::readEntry(const char* name, CacheEntryFile& entry) {
-    const int fd = openEntry(::dirfd(m_dir), name);
-    if (fd < 0)
-        return false;
+    const UniqueFd fd(openEntry(::dirfd(m_dir), name));
     struct stat st {};
-    std::optional<std::string> address;
-    if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode)) {
-        const auto size = static_cast<std::uint64_t>(st.st_size);
-        const ReadAt fromFile = [fd](std::string& buf, std::size_t length, std::uint64_t offset) {
-            return readAt(fd, buf, length, offset);
-        };
-        address = m_family == BrowserFamily::Firefox ? cache2EntryAddress(fromFile, size)
-                                                     : simpleCacheEntryAddress(fromFile, size);
-    }
-    ::close(fd);
+    if (!fd || ::fstat(fd.get(), &st) != 0 || !S_ISREG(st.st_mode))
+        return false;
+    const auto size = static_cast<std::uint64_t>(st.st_size);
+    const ReadAt fromFile = [&fd](std::string& buf, std::size_t length, std::uint64_t offset) {
+        return readAt(fd.get(), buf, length, offset);
+    };
+    auto address = m_family == BrowserFamily::Firefox ? cache2EntryAddress(fromFile, size)
+                                                      : simpleCacheEntryAddress(fromFile, size);
     if (!address)
         return false;
     entry.name = name;
     entry.address = std::move(*address);
-    entry.size = static_cast<std::uint64_t>(st.st_size);
+    entry.size = size;
     entry.modified = st.st_mtim.tv_sec;
     return true;
 }
 
 bool removeCacheEntry(BrowserFamily family, const std::string& folder, const std::string& name) {
-    const int cache = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (cache < 0)
+    const UniqueFd cache(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!cache)
         return false;
-    bool gone = false;
     if (family == BrowserFamily::Chromium) {
         // The simple cache trusts index-dir/the-real-index only while it is there; without it the
         // browser rebuilds the index from the entry files it finds.
-        if (const int indexDir = openFolder(cache, "index-dir"); indexDir >= 0) {
-            removeName(indexDir, "the-real-index");
-            ::close(indexDir);
-        }
+        if (const UniqueFd indexDir = openFolderAt(cache.get(), "index-dir"))
+            removeName(indexDir.get(), "the-real-index");
         const std::string stem = name.substr(0, name.size() - 2);
-        gone = removeName(cache, stem + "_0");
-        gone = removeName(cache, stem + "_1") && gone;
-        gone = removeName(cache, stem + "_s") && gone;
-    } else {
-        // cache2 rebuilds its index (and journal) from the entries when the index file is missing.
-        for (const char* index : {"index", "index.tmp", "index.log"})
-            removeName(cache, index);
-        if (const int entries = openFolder(cache, "entries"); entries >= 0) {
-            gone = removeName(entries, name);
-            ::close(entries);
-        }
+        bool gone = removeName(cache.get(), stem + "_0");
+        gone = removeName(cache.get(), stem + "_1") && gone;
+        return removeName(cache.get(), stem + "_s") && gone;
     }
-    ::close(cache);
-    return gone;
+    // cache2 rebuilds its index (and journal) from the entries when the index file is missing.
+    for (const char* index : {"index", "index.tmp", "index.log"})
+        removeName(cache.get(), index);
+    const UniqueFd entries = openFolderAt(cache.get(), "entries");
+    return entries && removeName(entries.get(), name);
 }
 
 } // namespace platform::linux

@@ -14,8 +14,6 @@ namespace {
 
 // Chromium keeps 90 days of history; an entry is due to go then.
 constexpr std::int64_t kKeptMicros = 90LL * 24 * 3600 * 1000000;
-// Microseconds between 1601-01-01 and 1970-01-01.
-constexpr std::int64_t kUnixEpochMicros = 11644473600LL * 1000000;
 // PAGE_TRANSITION_LINK, as the first and last visit of its own redirect chain.
 constexpr std::int64_t kLinkTransition = 0x30000000;
 
@@ -114,23 +112,9 @@ public:
     using ProfileHistory::ProfileHistory;
 
     StoreResult read(std::vector<StatUrl>& out) override {
-        ProfileDatabases dbs;
-        if (const StoreResult r = dbs.openForReading({file("History")}); r != StoreResult::Done)
-            return r;
-        SqliteStatement rows = dbs.get(file("History"))->prepare(
-            "SELECT url, title, last_visit_time, hidden FROM urls WHERE last_visit_time > 0 ORDER BY id");
-        while (rows.step()) {
-            StatUrl record;
-            record.cbSize = 40;
-            record.pwcsUrl = rows.text(0);
-            record.pwcsTitle = rows.text(1);
-            record.ftLastVisited = fileTimeFromMicros1601(rows.integer(2));
-            record.ftLastUpdated = record.ftLastVisited;
-            record.ftExpires = fileTimeFromMicros1601(rows.integer(2) + kKeptMicros);
-            record.dwFlags = rows.integer(3) == 0 ? kStatUrlTopLevel : 0;
-            out.push_back(std::move(record));
-        }
-        return rows.failed() ? StoreResult::Failed : StoreResult::Done;
+        return readStatUrls(file("History"),
+                            "SELECT url, title, last_visit_time, hidden FROM urls WHERE last_visit_time > 0 ORDER BY id",
+                            kKeptMicros, out);
     }
 
     StoreResult add(const std::string& url, const std::string& title) override {

@@ -9,31 +9,17 @@
 namespace platform::linux {
 namespace {
 
-// Microseconds between 1601-01-01 and 1970-01-01.
-constexpr std::int64_t kUnixEpochMicros = 11644473600LL * 1000000;
 
 class FirefoxHistory final : public ProfileHistory {
 public:
     using ProfileHistory::ProfileHistory;
 
     StoreResult read(std::vector<StatUrl>& out) override {
-        ProfileDatabases dbs;
-        if (const StoreResult r = dbs.openForReading({file("places.sqlite")}); r != StoreResult::Done)
-            return r;
-        SqliteStatement rows = dbs.get(file("places.sqlite"))->prepare(
-            "SELECT url, title, last_visit_date, hidden FROM moz_places WHERE last_visit_date IS NOT NULL ORDER BY id");
-        while (rows.step()) {
-            StatUrl record;
-            record.cbSize = 40;
-            record.pwcsUrl = rows.text(0);
-            record.pwcsTitle = rows.text(1);
-            record.ftLastVisited = fileTimeFromMicros1601(rows.integer(2) + kUnixEpochMicros);
-            record.ftLastUpdated = record.ftLastVisited;
-            // Firefox keeps history by amount, not by age: no entry has a date to go.
-            record.dwFlags = rows.integer(3) == 0 ? kStatUrlTopLevel : 0;
-            out.push_back(std::move(record));
-        }
-        return rows.failed() ? StoreResult::Failed : StoreResult::Done;
+        // Firefox counts from 1970 and keeps history by amount, not by age: no entry expires.
+        return readStatUrls(file("places.sqlite"),
+                            "SELECT url, title, last_visit_date + " + std::to_string(kUnixEpochMicros) +
+                                ", hidden FROM moz_places WHERE last_visit_date IS NOT NULL ORDER BY id",
+                            0, out);
     }
 
     StoreResult add(const std::string&, const std::string&) override { return StoreResult::Failed; }

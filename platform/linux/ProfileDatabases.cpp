@@ -41,36 +41,23 @@ StoreResult ProfileDatabases::open(const std::vector<std::string>& paths, bool w
         // Reading the journal mode reads the database header: the first point where a lock of
         // another process shows, and where a damaged file shows.
         const auto mode = db.value("PRAGMA journal_mode");
-        if (!mode) {
-            if (db.lastFailureWasLock()) {
-                rollback();
-                return StoreResult::InUse;
-            }
-            m_failures = true;
-            continue;
-        }
-        entry.wal = *mode == "wal";
-        if (write) {
+        bool ready = mode.has_value();
+        entry.wal = ready && *mode == "wal";
+        if (ready && write) {
             // Deleted content is overwritten with zeros; temporary tables stay in memory; a rollback
             // journal is deleted at commit instead of being kept around with old pages in it.
-            bool ready = db.exec("PRAGMA secure_delete = ON") && db.exec("PRAGMA temp_store = MEMORY") &&
-                         (entry.wal || db.value("PRAGMA journal_mode = DELETE").has_value());
-            ready = ready && db.exec("BEGIN IMMEDIATE");
-            if (!ready) {
-                if (db.lastFailureWasLock()) {
-                    rollback();
-                    return StoreResult::InUse;
-                }
-                m_failures = true;
-                continue;
-            }
-            entry.inTransaction = true;
-        } else if (!db.exec("PRAGMA temp_store = MEMORY") || !db.value("SELECT count(*) FROM sqlite_master")) {
+            ready = db.exec("PRAGMA secure_delete = ON") && db.exec("PRAGMA temp_store = MEMORY") &&
+                    (entry.wal || db.value("PRAGMA journal_mode = DELETE").has_value()) && db.exec("BEGIN IMMEDIATE");
+            entry.inTransaction = ready;
+        } else if (ready) {
+            ready = db.exec("PRAGMA temp_store = MEMORY") && db.value("SELECT count(*) FROM sqlite_master").has_value();
+        }
+        if (!ready) {
             if (db.lastFailureWasLock()) {
                 rollback();
                 return StoreResult::InUse;
             }
-            m_failures = true;
+            m_failures = true; // damaged or not a database: the others are still cleaned
             continue;
         }
         m_open.push_back(std::move(entry));

@@ -1,5 +1,7 @@
 #include "platform/linux/ProfileHistory.h"
 
+#include "platform/linux/Descriptors.h"
+
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
@@ -19,6 +21,27 @@ bool runWhereTables(SqliteDb& db, std::initializer_list<const char*> tables, con
     return statement.run();
 }
 
+StoreResult readStatUrls(const std::string& path, const std::string& sql, std::int64_t keptMicros,
+                         std::vector<StatUrl>& out) {
+    ProfileDatabases dbs;
+    if (const StoreResult r = dbs.openForReading({path}); r != StoreResult::Done)
+        return r;
+    SqliteStatement rows = dbs.get(path)->prepare(sql);
+    while (rows.step()) {
+        StatUrl record;
+        record.cbSize = 40;
+        record.pwcsUrl = rows.text(0);
+        record.pwcsTitle = rows.text(1);
+        record.ftLastVisited = fileTimeFromMicros1601(rows.integer(2));
+        record.ftLastUpdated = record.ftLastVisited;
+        if (keptMicros > 0)
+            record.ftExpires = fileTimeFromMicros1601(rows.integer(2) + keptMicros);
+        record.dwFlags = rows.integer(3) == 0 ? kStatUrlTopLevel : 0;
+        out.push_back(std::move(record));
+    }
+    return rows.failed() ? StoreResult::Failed : StoreResult::Done;
+}
+
 FileTime fileTimeFromMicros1601(std::int64_t micros) {
     const std::uint64_t t = micros > 0 ? std::uint64_t(micros) * 10 : 0;
     return FileTime{static_cast<std::uint32_t>(t), static_cast<std::uint32_t>(t >> 32)};
@@ -34,10 +57,11 @@ bool removeFileIfThere(const std::string& path) {
 }
 
 bool removeFilesIn(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (fd < 0)
+    UniqueFd folder = openFolderAt(AT_FDCWD, path);
+    if (!folder)
         return errno == ENOENT;
-    DIR* dir = ::fdopendir(fd);
+    const int fd = folder.get();
+    DIR* dir = ::fdopendir(folder.release());
     if (!dir) {
         ::close(fd);
         return false;

@@ -15,6 +15,9 @@
 
 namespace platform::linux {
 
+/// Microseconds between 1601-01-01 (where FILETIMEs and Chromium count from) and 1970-01-01.
+constexpr std::int64_t kUnixEpochMicros = 11644473600LL * 1000000;
+
 /// STATURLFLAG_ISTOPLEVEL: the address was shown as a page, not only inside one.
 constexpr std::uint32_t kStatUrlTopLevel = 0x2;
 
@@ -45,6 +48,12 @@ std::unique_ptr<ProfileHistory> profileHistory(const BrowserProfile& profile);
 /// true when it ran or the tables are not there.
 bool runWhereTables(SqliteDb& db, std::initializer_list<const char*> tables, const std::string& sql,
                     const std::optional<std::string>& url = std::nullopt);
+
+/// Appends the STATURL records that `sql` selects from the database at `path`: the address, the
+/// title, the last visit in microseconds since 1601-01-01 UTC, and whether the page is hidden.
+/// Each expires `keptMicros` after its last visit; with 0 it has no expiry.
+StoreResult readStatUrls(const std::string& path, const std::string& sql, std::int64_t keptMicros,
+                         std::vector<StatUrl>& out);
 
 /// A FILETIME from microseconds since 1601-01-01 UTC.
 FileTime fileTimeFromMicros1601(std::int64_t micros);
