@@ -60,6 +60,13 @@ void WipeFileContents(platform::Platform& platform, const std::string& path, con
         tell(problems, path, "not a regular file; left alone");
         return;
     }
+    // A file another program holds (the browser, running) keeps everything it has, as it always
+    // did where the browser's open locks the file: asked once before anything changes, and again
+    // each round, through this program's own handle.
+    if (const auto probe = platform.rawFiles().openForReading(path); probe && probe->openElsewhere()) {
+        tell(problems, path, "is open in another program; left unchanged");
+        return;
+    }
     const std::int64_t blocks = blockCount(info->size);
     if (!files.makeNormal(path))
         tell(problems, path, "attributes could not be cleared");
@@ -77,6 +84,12 @@ void WipeFileContents(platform::Platform& platform, const std::string& path, con
             if (!failed)
                 tell(problems, path, lastErrorText(platform.rawFiles()));
             failed = true;
+        } else if (const auto held = file->info(); !held || !held->sameFileAs(*info)) {
+            tell(problems, path, "was replaced by another file during the overwrite; left alone");
+            return;
+        } else if (file->openElsewhere()) {
+            tell(problems, path, "was opened by another program during the overwrite; stopped");
+            return;
         }
         for (const auto& block : passes) {
             for (std::int64_t k = 1; file && k <= blocks; ++k) {

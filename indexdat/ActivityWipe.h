@@ -35,8 +35,9 @@ using WipeProgress = std::function<void(double fractionDone)>;
 /// Overwrites the recorded activity of the file at `path`: makes it a normal file (read-only,
 /// hidden and system cleared, not restored), then writes the three passes eleven times over every
 /// block after the first 1024 bytes. A missing file, a link or anything but a regular file is left
-/// alone; a file that cannot be opened exclusively (held by the browser) keeps its content. Each
-/// failure is told to `problems` when given, never to the user.
+/// alone; a file that another program has open (the running browser) is not changed at all, and a
+/// file that cannot be opened exclusively keeps its content. Each round checks that the name still
+/// means the same file. Each failure is told to `problems` when given, never to the user.
 void WipeFileContents(platform::Platform& platform, const std::string& path, const WipeProgress& progress,
                       core::ProblemSink* problems = nullptr);
 

@@ -6,6 +6,7 @@
 #include "indexdat/ActivityWipe.h"
 #include "platform/Platform.h"
 #include "tests/indexdat/RecordFile.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
 
@@ -72,20 +73,22 @@ TEST_F(ActivityWipeTest, KeepsTheFirst1024BytesAndBlanksTheRestToTheRoundedBlock
     EXPECT_EQ(indexdat::blockCount(3584), 4);
 }
 
-TEST_F(ActivityWipeTest, AReadOnlyFileBecomesNormalEvenWhenTheOverwriteFails) {
+TEST_F(ActivityWipeTest, AFileOpenInAnotherProgramIsLeftUnchangedAndReported) {
     const std::string before = randomBytes(4096, 1);
     const auto path = dir.write(".index.dat", before);
     fs::permissions(path, fs::perms::owner_read);
-    // Another holder of the file keeps the overwrite out, as a running browser does.
-    auto holder = p->rawFiles().open(path.string());
-    ASSERT_TRUE(holder);
-    wipe(path);
-    EXPECT_EQ(readFile(path), before);
-    EXPECT_TRUE((fs::status(path).permissions() & fs::perms::owner_write) != fs::perms::none);
-    EXPECT_EQ(problems.items, std::vector<std::string>{path.string()});
-    holder.reset();
-    wipe(path);
+    {
+        // Held as a running browser holds its record files, without any lock.
+        testsupport::FileHolder browser(path.string());
+        ASSERT_TRUE(browser.holding());
+        wipe(path);
+        EXPECT_EQ(readFile(path), before);
+        EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read);
+        EXPECT_EQ(problems.items, std::vector<std::string>{path.string()});
+    }
+    wipe(path); // let go: made normal and overwritten
     EXPECT_EQ(readFile(path).size(), 5124u);
+    EXPECT_TRUE((fs::status(path).permissions() & fs::perms::owner_write) != fs::perms::none);
 }
 
 TEST_F(ActivityWipeTest, LeavesLinksMissingFilesAndTheirTargetsAlone) {
