@@ -14,9 +14,11 @@
 #include "wipe/SecureDelete.h"
 #include "wipe/WipeTexts.h"
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace cli {
@@ -85,6 +87,17 @@ void requireFolder(platform::FileSystem& files, const std::string& path) {
         throw UsageError(path + ": not a folder");
 }
 
+/// Says on stderr, before anything is overwritten, where overwriting cannot reach `path`'s data.
+void warnOfLimits(const std::string& path, const platform::Storage& storage) {
+    const std::string note = wipe::texts::overwriteLimits(path, storage);
+    if (!note.empty())
+        std::cerr << "scourmill-cli: " << note << "\n";
+}
+
+void warnOfLimits(Context& ctx, const std::string& path) {
+    warnOfLimits(path, ctx.platform.drives().storage(path));
+}
+
 void reportInterrupted(Context& ctx, const std::string& what) {
     std::cerr << "scourmill-cli: interrupted; " << what << "\n";
     ctx.exitCode = 1;
@@ -100,6 +113,7 @@ void wipeFreeSpace(Context& ctx, const std::string& dir, bool removable) {
         return;
     }
     const core::Currency free = wipe.freeSpace(dir);
+    warnOfLimits(ctx, dir);
     if (!ctx.prompts.askYesNo(wipe::texts::confirmFreeSpace(dir, core::formatGrouped(free)), core::MessageTitle,
                               core::MsgStyle::YesNo | core::MsgStyle::Question)) {
         ctx.exitCode = 1;
@@ -129,6 +143,16 @@ void shredFiles(Context& ctx, const std::vector<std::string>& paths) {
         if (!info->isRegular)
             throw UsageError(path + ": not a plain file (links, folders and devices are never shredded)");
     }
+    // One note per kind of place, not one per file.
+    std::vector<std::tuple<std::string, bool, bool>> seen;
+    for (const auto& path : paths) {
+        const platform::Storage storage = ctx.platform.drives().storage(path);
+        const auto kind = std::make_tuple(storage.fileSystem, storage.copyOnWrite, storage.flash);
+        if (std::find(seen.begin(), seen.end(), kind) == seen.end()) {
+            seen.push_back(kind);
+            warnOfLimits(path, storage);
+        }
+    }
     TerminalSecureDeleteView view(ctx);
     wipe::SecureDelete shred(ctx.platform, view, ctx.problems);
     const bool ran = shred.WipeSelectedFiles(paths.front(), paths);
@@ -141,6 +165,7 @@ void shredFiles(Context& ctx, const std::vector<std::string>& paths) {
 
 void shredFolder(Context& ctx, const std::string& dir) {
     requireFolder(ctx.platform.fileSystem(), dir);
+    warnOfLimits(ctx, dir);
     TerminalSecureDeleteView view(ctx);
     wipe::SecureDelete shred(ctx.platform, view, ctx.problems);
     const bool ran = shred.WipeFolder(dir);

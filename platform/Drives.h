@@ -19,6 +19,14 @@ struct DiskSpace {
     std::uint64_t totalFree = 0;
 };
 
+/// What overwriting in place can reach on a filesystem.
+struct Storage {
+    std::string fileSystem;   ///< its type name ("ext4", "btrfs"); empty when unknown
+    bool copyOnWrite = false; ///< overwrites land in new blocks: btrfs, ZFS, bcachefs, XFS with
+                              ///< reflinks, log-structured and overlay filesystems
+    bool flash = false;       ///< on a solid-state or flash device (not rotational, or removable)
+};
+
 class Drives {
 public:
     virtual ~Drives() = default;
@@ -32,6 +40,8 @@ public:
     virtual DriveType type(const std::string& path) = 0;
     /// Free and total bytes of the filesystem holding `path`; false on failure.
     virtual bool space(const std::string& path, DiskSpace& out) = 0;
+    /// The storage facts of the filesystem `path` leads to; all false when unknown.
+    virtual Storage storage(const std::string& path) = 0;
     /// Whether `path` names an existing folder (PathIsDirectoryA); false when no medium is present.
     virtual bool isDirectory(const std::string& path) = 0;
 };

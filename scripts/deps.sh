@@ -11,7 +11,7 @@ packages=(
     g++-mingw-w64-x86-64-posix
     clang-14 libclang-rt-14-dev llvm-14
     xvfb xauth dbus-daemon
-    e2fsprogs util-linux mount
+    e2fsprogs xfsprogs btrfs-progs util-linux mount
     coreutils secure-delete libmsiecf-utils
     bc
     fonts-liberation

@@ -2,6 +2,8 @@
 // The secure-deletion windows' messages, exactly as the user sees them, defined once for the
 // windows, the command line and the tests.
 
+#include "platform/Drives.h"
+
 #include <string>
 
 namespace wipe::texts {
@@ -25,6 +27,10 @@ inline const std::string TempFileName = "WNXTEMP.000";
 
 /// Asked when a temporary file of an earlier free-space wipe is found (a crash left it behind).
 std::string staleTempFile(const std::string& path, const std::string& bytes);
+/// The one-line note on what overwriting cannot reach where `path` lies (a copy-on-write
+/// filesystem, a solid-state or flash device), with the README's advice; empty when `storage`
+/// gives no reason for it. The command line prints it before a wipe, the windows show it.
+std::string overwriteLimits(const std::string& path, const platform::Storage& storage);
 /// Asked by the command line before it starts a free-space wipe.
 std::string confirmFreeSpace(const std::string& dir, const std::string& bytes);
 

@@ -9,8 +9,13 @@
 #include <cstdlib>
 #include <fstream>
 #include <string_view>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <sys/statvfs.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 namespace platform::linux {
@@ -47,6 +52,31 @@ const Mount* mountOf(const std::vector<Mount>& mounts, const std::string& path) 
         return nullptr;
     const auto facts = factsAt(where.get(), "", false);
     return facts ? mountById(mounts, facts->mount) : nullptr;
+}
+
+/// Filesystems whose overwrites go to new blocks, by their statfs magic number.
+struct CopyOnWrite {
+    unsigned long magic;
+    const char* name;
+};
+constexpr CopyOnWrite CopyOnWriteTypes[] = {
+    {0x9123683E, "btrfs"}, {0x2FC12FC1, "zfs"},  {0xCA451A4E, "bcachefs"},
+    {0x794C7630, "overlay"}, {0x3434, "nilfs2"}, {0xF2F52010, "f2fs"},
+};
+constexpr unsigned long XfsMagic = 0x58465342;
+
+/// Whether the XFS filesystem open as `fd` shares blocks between files (reflink). XFS_IOC_FSGEOMETRY
+/// and its older form both put the feature flags at byte 92; when neither answers, sharing is
+/// assumed, since every XFS made in recent years has it.
+bool xfsReflinks(int fd) {
+    alignas(8) unsigned char geometry[256] = {};
+    constexpr unsigned long Current = (2UL << 30) | (256UL << 16) | ('X' << 8) | 126;
+    constexpr unsigned long Older = (2UL << 30) | (112UL << 16) | ('X' << 8) | 124;
+    if (::ioctl(fd, Current, geometry) != 0 && ::ioctl(fd, Older, geometry) != 0)
+        return true;
+    std::uint32_t flags = 0;
+    std::memcpy(&flags, geometry + 92, sizeof flags);
+    return flags & (1u << 20); // XFS_FSOP_GEOM_FLAGS_REFLINK
 }
 
 } // namespace
@@ -94,6 +124,35 @@ bool LinuxDrives::space(const std::string& path, DiskSpace& out) {
     out.total = static_cast<std::uint64_t>(vfs.f_blocks) * vfs.f_frsize;
     out.totalFree = static_cast<std::uint64_t>(vfs.f_bfree) * vfs.f_frsize;
     return true;
+}
+
+Storage LinuxDrives::storage(const std::string& path) {
+    Storage out;
+    // The ioctl needs a descriptor that can be read, not a mere location.
+    UniqueFd where(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!where)
+        where = openLocation(path);
+    struct statfs fs {};
+    const auto facts = where ? factsAt(where.get(), "", false) : std::nullopt;
+    if (!facts || ::fstatfs(where.get(), &fs) != 0)
+        return out;
+    const auto magic = static_cast<unsigned long>(fs.f_type);
+    for (const CopyOnWrite& type : CopyOnWriteTypes)
+        if (type.magic == magic) {
+            out.fileSystem = type.name;
+            out.copyOnWrite = true;
+        }
+    if (magic == XfsMagic) {
+        out.fileSystem = "xfs";
+        out.copyOnWrite = xfsReflinks(where.get());
+    }
+    const auto mounts = readMounts(m_mountInfo);
+    if (const Mount* m = mountById(mounts, facts->mount))
+        out.fileSystem = m->fsType;
+    const std::string disk = diskFolder(::major(facts->device), ::minor(facts->device));
+    out.flash = !disk.empty() && (readFirstLine(disk + "/queue/rotational") == "0" ||
+                                  readFirstLine(disk + "/removable") == "1" || disk.find("/usb") != std::string::npos);
+    return out;
 }
 
 bool LinuxDrives::isDirectory(const std::string& path) {

@@ -22,6 +22,7 @@ public:
     DriveType type(const std::string& root) override;
     bool space(const std::string& path, DiskSpace& out) override;
     bool isDirectory(const std::string& path) override;
+    Storage storage(const std::string& path) override;
 
 private:
     std::string m_mountInfo;

@@ -156,6 +156,46 @@ TEST(WipeCli, ARamDiskIsRefusedHoweverItsFolderIsNamed) {
     EXPECT_FALSE(fs::exists(ram.point() / "x" / "WNXTEMP.000"));
 }
 
+TEST(WipeCli, WhereOverwritingCannotReachIsSaidBeforeAnythingIsWritten) {
+    struct Case {
+        const char* mkfs;
+        const char* said; ///< what the note names; empty: no note
+    };
+    const Case cases[] = {{"mkfs.btrfs -q -f", "a copy-on-write filesystem (btrfs)"},
+                          {"mkfs.xfs -q -f -m reflink=1", "a copy-on-write filesystem (xfs)"},
+                          {"mkfs.xfs -q -f -m reflink=0", ""},
+                          {"mkfs.xfs -q -f -m reflink=0", "a solid-state or flash device"}};
+    for (const Case& c : cases) {
+        ScratchDir dir;
+        testsupport::LoopImage disk(dir.path(), 320, c.mkfs);
+        if (!disk.mounted())
+            GTEST_SKIP() << disk.reason();
+        const std::string said = c.said;
+        const std::string device = testsupport::runCommand("findmnt -no SOURCE " + testsupport::shellQuoted(disk.mountPoint())).out;
+        const fs::path rotational = "/sys/block/" + fs::path(device.substr(0, device.find('\n'))).filename().string() + "/queue/rotational";
+        // The loop device plays a device with spinning platters, or one without (loop devices are
+        // reused: each case says which it wants).
+        std::ofstream(rotational) << (said == "a solid-state or flash device" ? "0" : "1");
+        std::ofstream(disk.mountPoint() / "f.txt") << "data";
+        for (const std::string& command : {"shred " + testsupport::shellQuoted(disk.mountPoint() / "f.txt"),
+                                           "shred-dir " + testsupport::shellQuoted(disk.mountPoint()),
+                                           "wipe-free-space " + testsupport::shellQuoted(disk.mountPoint())}) {
+            const auto r = testsupport::runCli(command); // answered No: nothing is written
+            EXPECT_EQ(r.code, 1) << command << "\n" << r.err;
+            const auto note = r.err.find("Note: ");
+            if (said.empty()) {
+                EXPECT_EQ(note, std::string::npos) << c.mkfs << " " << command << "\n" << r.err;
+                continue;
+            }
+            ASSERT_NE(note, std::string::npos) << c.mkfs << " " << command << "\n" << r.err;
+            EXPECT_TRUE(contains(r.err, " is on " + said)) << r.err;
+            EXPECT_TRUE(contains(r.err, "\"What overwriting cannot reach\" in the README")) << r.err;
+            EXPECT_LT(note, r.err.find("Tavi Message")) << "the note comes before the question";
+        }
+        EXPECT_EQ(readFile(disk.mountPoint() / "f.txt"), "data");
+    }
+}
+
 class InterruptedWipe : public ::testing::TestWithParam<int> {};
 
 TEST_P(InterruptedWipe, LeavesNoTemporaryFile) {

@@ -186,6 +186,38 @@ private slots:
         QCOMPARE(testsupport::readFile(dir.path() / "later.txt"), std::string("not reached"));
     }
 
+    void bothWindowsNoteWhereOverwritingCannotReachWithoutStoppingAnything() {
+        ScratchDir dir;
+        testsupport::LoopImage cow(dir.path() / "cow", 160, "mkfs.btrfs -q -f");
+        if (!cow.mounted())
+            QSKIP(qPrintable("no copy-on-write drive: " + QString::fromStdString(cow.reason())));
+        testsupport::ScratchMount ram("-t tmpfs -o size=4m scourmill", dir.path() / "ram");
+        testsupport::RecordingPrompts ask;
+        wipe::ui::TaviSecureWipe freeSpace(*m_platform, nullptr, &ask);
+        freeSpace.show();
+        auto* drives = child<QComboBox>(freeSpace, "Drive1");
+        auto* note = child<QLabel>(freeSpace, "lblOverwriteLimits");
+        drives->setCurrentIndex(drives->findText(QString::fromStdString(cow.mountPoint().string())));
+        QVERIFY(note->isVisible());
+        QVERIFY(note->text().contains("copy-on-write filesystem (btrfs)"));
+        QVERIFY(note->text().contains("What overwriting cannot reach"));
+        screenshot(freeSpace, "-copy-on-write");
+        drives->setCurrentIndex(drives->findText(QString::fromStdString(ram.point().string())));
+        QVERIFY(!note->isVisible());
+
+        std::ofstream(cow.mountPoint() / "f.txt") << "data";
+        wipe::ui::frmSize files(*m_platform, nullptr, &ask, QString::fromStdString(cow.mountPoint().string()));
+        files.show();
+        QVERIFY(child<QLabel>(files, "lblOverwriteLimits")->text().startsWith(
+            QString::fromStdString("Note: " + cow.mountPoint().string() + " is on a copy-on-write filesystem")));
+        screenshot(files, "-copy-on-write");
+        child<QListWidget>(files, "filFiles")->selectAll();
+        child<QLineEdit>(files, "txtFileName")->setText("f.txt");
+        child<QPushButton>(files, "CmdOK")->click(); // the note asks nothing: the wipe runs
+        QVERIFY(!fs::exists(cow.mountPoint() / "f.txt"));
+        QCOMPARE(ask.asked.size(), std::size_t{1});
+    }
+
     void secureDeleteWindowListsFiltersAndWipesTheSelection() {
         ScratchDir dir;
         dir.write("a.txt", "alpha");

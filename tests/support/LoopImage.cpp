@@ -22,6 +22,7 @@ LoopImage::LoopImage(const fs::path& dir, int mebibytes, const std::string& mkfs
         m_reason = "loop mounts need root";
         return;
     }
+    fs::create_directories(dir);
     if (!runQuietly("truncate -s " + std::to_string(mebibytes) + "M '" + m_image.string() + "'") ||
         !runQuietly(mkfs + " '" + m_image.string() + "'")) {
         m_reason = "'" + mkfs + "' failed (is its package installed?)";

@@ -8,6 +8,7 @@
 #include "wipe/FileError.h"
 #include "wipe/ui/BusyCursor.h"
 #include "wipe/ui/GaugeLines.h"
+#include "wipe/ui/OverwriteLimits.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -53,7 +54,7 @@ TaviSecureWipe::TaviSecureWipe(platform::Platform& platform, QWidget* parent, co
 TaviSecureWipe::~TaviSecureWipe() = default;
 
 void TaviSecureWipe::buildControls() {
-    auto* frame = widgets::placed<QGroupBox>(this, "Frame1", {8, 8, 400, 150}, "Wipe Drives");
+    auto* frame = widgets::placed<QGroupBox>(this, "Frame1", {8, 4, 400, 130}, "Wipe Drives");
     m_drive1 = widgets::placed<QComboBox>(frame, "Drive1", {12, 42, 150, 26});
     m_drive1->view()->setMinimumWidth(320); // mount points are longer than drive letters
     widgets::placed<QLabel>(frame, "Label3", {172, 22, 220, 18}, "Free Space Available for Wiping");
@@ -63,8 +64,9 @@ void TaviSecureWipe::buildControls() {
     m_command2 = widgets::placed<QPushButton>(frame, "Command2", {12, 90, 186, 32}, "Wipe Hard Drive FreeSpace");
     m_command3 = widgets::placed<QPushButton>(frame, "Command3", {204, 90, 184, 32}, "Wipe A:\\ or Small Drives");
 
-    m_check1 = widgets::placed<QCheckBox>(this, "Check1", {20, 168, 190, 22}, "Check to Pause Wiping");
-    m_check2 = widgets::placed<QCheckBox>(this, "Check2", {216, 168, 190, 22}, "Check to Exit Wiping");
+    m_check1 = widgets::placed<QCheckBox>(this, "Check1", {20, 135, 190, 22}, "Check to Pause Wiping");
+    m_check2 = widgets::placed<QCheckBox>(this, "Check2", {216, 135, 190, 22}, "Check to Exit Wiping");
+    m_limits = overwriteLimitsLabel(this, {12, 156, 396, 57});
 
     m_command4 = widgets::placed<QPushButton>(this, "Command4", {8, 214, 130, 32}, "Advanced Off");
     m_command1 = widgets::placed<QPushButton>(this, "Command1", {278, 214, 130, 32}, "Exit Program");
@@ -97,8 +99,11 @@ QString TaviSecureWipe::chosenRoot() const {
 }
 
 void TaviSecureWipe::showFreeSpace() {
-    if (m_drive1->count() > 0)
-        m_text3->setText(text(core::formatGrouped(m_engine.freeSpace(chosenRoot().toStdString()))));
+    if (m_drive1->count() == 0)
+        return;
+    const std::string root = chosenRoot().toStdString();
+    m_text3->setText(text(core::formatGrouped(m_engine.freeSpace(root))));
+    showOverwriteLimits(*m_limits, m_platform, root);
 }
 
 void TaviSecureWipe::wipe(bool removable) {

@@ -14,6 +14,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 
@@ -82,6 +83,7 @@ private:
     QLineEdit *m_text1 = nullptr, *m_text2 = nullptr, *m_text3 = nullptr, *m_text4 = nullptr;
     QLineEdit *m_text5 = nullptr, *m_text6 = nullptr, *m_text8 = nullptr;
     GaugeLines* m_gauge = nullptr;
+    QLabel* m_limits = nullptr;
 };
 
 } // namespace wipe::ui

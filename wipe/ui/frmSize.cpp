@@ -7,6 +7,7 @@
 #include "wipe/WipeTexts.h"
 #include "wipe/ui/BusyCursor.h"
 #include "wipe/ui/GaugeLines.h"
+#include "wipe/ui/OverwriteLimits.h"
 
 #include <QCloseEvent>
 #include <QComboBox>
@@ -54,7 +55,7 @@ frmSize::frmSize(platform::Platform& platform, QWidget* parent, core::Prompts* p
     setObjectName("frmSize");
     setWindowTitle("Tavi SecureDelete");
     buildControls();
-    setFixedSize(600, 344);
+    setFixedSize(600, 392);
     widgets::centreOnScreen(*this);
 
     for (const FileType& type : FileTypes)
@@ -121,6 +122,7 @@ void frmSize::buildControls() {
     m_text1->setReadOnly(true);
     m_text1->setGeometry(8, 298, 584, 24);
     m_gauge = new GaugeLines(this, 8, 330, 584, false);
+    m_limits = overwriteLimitsLabel(this, {8, 338, 584, 48});
 
     // While a wipe runs only "End wipe" and "&Cancel" stay live: another wipe or another folder
     // started from inside the running one would pull the ground from under it.
@@ -135,6 +137,7 @@ void frmSize::buildControls() {
 void frmSize::setPath(const QString& folder) {
     m_path = folder;
     m_lblDirName->setText(folder);
+    showOverwriteLimits(*m_limits, m_platform, folder.toStdString());
     fillDirectories();
     fillFiles();
 }

@@ -84,7 +84,7 @@ private:
     QComboBox *m_drvDrive = nullptr, *m_cboFileType = nullptr;
     QListWidget *m_dirDirectory = nullptr, *m_filFiles = nullptr;
     QLineEdit *m_txtFileName = nullptr, *m_text1 = nullptr, *m_text2 = nullptr;
-    QLabel *m_lblDirName = nullptr, *m_label2 = nullptr;
+    QLabel *m_lblDirName = nullptr, *m_label2 = nullptr, *m_limits = nullptr;
     GaugeLines* m_gauge = nullptr;
 };
 
