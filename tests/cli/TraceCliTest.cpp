@@ -1,7 +1,8 @@
-// clean-all, preview, autoclean and the history commands as a user runs them: a real process in
-// the scratch environment (its temporary folder and Wine prefix), its question, its exit code, and
-// what is left on disk.
+// clean-all, preview, autoclean, the cache and the history commands as a user runs them: a real
+// process in the scratch environment (its temporary folder, Wine prefix and copies of real browser
+// profiles), its question, its exit code, and what is left on disk.
 
+#include "tests/platform/BrowserHome.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/CliProcess.h"
 #include "tests/support/Hive.h"
@@ -153,4 +154,59 @@ TEST_F(TraceCli, HistoryAndCacheCommandsAnswerOnAnEmptyStoreAndRefuseBadUse) {
     EXPECT_EQ(testsupport::runCli("history").code, 2);
     EXPECT_EQ(testsupport::runCli("history add http://only-an-address.example/").code, 2);
     EXPECT_EQ(testsupport::runCli("autoclean --interval 1").code, 2);
+}
+
+namespace {
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+} // namespace
+
+TEST(BrowserCli, CacheAndHistoryCommandsWorkOnRealProfiles) {
+    testsupport::BrowserHome home;
+    auto r = testsupport::runCli("show-cache");
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_EQ(linesOf(r.out), testsupport::listCache(home.platform().urlCache()));
+
+    r = testsupport::runCli("history list --prefix " + testsupport::visitedPages()[2].url);
+    EXPECT_EQ(r.code, 0) << r.seen();
+    ASSERT_FALSE(linesOf(r.out).empty());
+    EXPECT_EQ(linesOf(r.out)[0].rfind(testsupport::visitedPages()[2].url + "\t     (No Title Given)\t", 0), 0u) << r.out;
+
+    const std::string added = "http://cli.example/scourmill-cli-added.html";
+    r = testsupport::runCli("history add " + added + " 'Added Title'");
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_TRUE(contains(testsupport::runCli("history list").out, added + "\tAdded Title\t"));
+    r = testsupport::runCli("history remove " + added);
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_FALSE(contains(testsupport::runCli("history list").out, added));
+
+    r = testsupport::runCli("history clear");
+    EXPECT_EQ(r.code, 1); // no terminal to ask on: answered no
+    EXPECT_FALSE(testsupport::runCli("history list").out.empty());
+    r = testsupport::runCli("wipe-cache --yes");
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_TRUE(testsupport::listCache(home.freshPlatform()->urlCache()).empty());
+    r = testsupport::runCli("history clear --yes");
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_EQ(testsupport::runCli("history list").out, "");
+}
+
+TEST(BrowserCli, AProfileInUseIsNamedOnStderrAndTheExitCodeIsOne) {
+    testsupport::BrowserHome home;
+    testsupport::ChildProcess firefox("firefox-esr");
+    fs::create_symlink("127.0.0.1:+" + std::to_string(firefox.pid()), home.firefoxProfile() / "lock");
+    const auto before = readFile(home.firefoxProfile() / "places.sqlite");
+    for (const char* command : {"show-cache", "clean-all --yes", "history list", "preview"}) {
+        const auto r = testsupport::runCli(command);
+        EXPECT_EQ(r.code, 1) << command << ": " << r.seen();
+        EXPECT_TRUE(contains(r.err, home.firefoxProfile().string() + ": its browser is running")) << command << ": " << r.err;
+    }
+    EXPECT_EQ(readFile(home.firefoxProfile() / "places.sqlite"), before);
 }

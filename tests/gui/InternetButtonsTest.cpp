@@ -1,10 +1,11 @@
-// The main window's Internet buttons and AutoClean cleaning for real: a scratch temporary folder and
-// a Wine prefix whose cookie folder holds record files, driven through the real window by object
-// name on the offscreen platform.
+// The main window's Internet buttons and AutoClean cleaning for real: copies of real browser
+// profiles, a scratch temporary folder and a Wine prefix whose cookie folder holds record files,
+// driven through the real window by object name on the offscreen platform.
 
 #include "app/TaviMain.h"
 #include "controls/ggcommand/GGCommand.h"
 #include "tests/gui/MainWindowUnderTest.h"
+#include "tests/platform/BrowserHome.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Hive.h"
 #include "tests/support/QtTestMain.h"
@@ -27,6 +28,7 @@ class InternetButtonsTest : public QObject {
     fs::path tmp = qgetenv("TMPDIR").toStdString();
     fs::path prefix = qgetenv("WINEPREFIX").toStdString();
     fs::path cookies = prefix / "drive_c/users/me/Cookies";
+    std::unique_ptr<testsupport::BrowserHome> m_home;
     std::unique_ptr<testsupport::MainWindowUnderTest> m_app;
 
     GGCommand* button(int n) { return m_app->main.findChild<GGCommand*>(QString("GGCommand%1").arg(n)); }
@@ -43,14 +45,32 @@ private slots:
         write(cookies / "me@site.txt", "cookie");
         write(tmp / "one.txt", std::string(5000, 'x'));
         write(tmp / "sub/deeper/two.txt", "two");
-        m_app = std::make_unique<testsupport::MainWindowUnderTest>(); // start-up reads the paths
+        m_home = std::make_unique<testsupport::BrowserHome>();
+        m_app = std::make_unique<testsupport::MainWindowUnderTest>(); // start-up lists the cache, reads the paths
     }
 
     void cleanup() {
         m_app.reset();
+        m_home.reset();
         for (const auto& e : fs::directory_iterator(tmp))
             fs::remove_all(e.path());
         fs::remove_all(prefix / "drive_c");
+    }
+
+    void showCacheListsTheEntriesAndWipeCacheDeletesExactlyThose() {
+        auto* list = m_app->main.findChild<QListWidget*>("List1");
+        const auto cached = testsupport::listCache(m_home->freshPlatform()->urlCache());
+        QVERIFY(!cached.empty());
+        QCOMPARE(list->count(), int(cached.size())); // listed at start-up
+        list->clear();
+        QTest::mouseClick(button(1), Qt::LeftButton);
+        QCOMPARE(list->count(), int(cached.size()));
+        for (int i = 0; i < list->count(); ++i)
+            QCOMPARE(list->item(i)->text().toStdString(), cached[std::size_t(i)]);
+
+        QTest::mouseClick(button(2), Qt::LeftButton);
+        QCOMPARE(list->count(), 0);
+        QVERIFY(testsupport::listCache(m_home->freshPlatform()->urlCache()).empty());
     }
 
     void fullCleanButtonAndTrayEntryEmptyTheTempFolderAndCookieRecords() {
@@ -60,6 +80,8 @@ private slots:
         QVERIFY(!fs::exists(cookies / "index.dat"));
         QVERIFY(fs::exists(cookies / "me@site.txt"));
         QCOMPARE(m_app->main.findChild<QListWidget*>("List1")->count(), 0);
+        QVERIFY(testsupport::listCache(m_home->freshPlatform()->urlCache()).empty());
+        QVERIFY(testsupport::listHistory(m_home->freshPlatform()->urlHistory()).empty());
 
         write(tmp / "again.txt", "again");
         write(cookies / "index.dat", "record again");
@@ -94,6 +116,7 @@ private slots:
         }
         QTRY_COMPARE(cleans.count(), 1);
         QVERIFY(!fs::exists(cookies / "index.dat"));
+        QVERIFY(testsupport::listHistory(m_home->freshPlatform()->urlHistory()).empty());
         QVERIFY(fs::exists(tmp / "one.txt"));
     }
 };

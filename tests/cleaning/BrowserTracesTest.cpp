@@ -1,0 +1,198 @@
+// The cache listing, the cache wipe, the full clean and the URL history collection on copies of
+// real browser profiles (tests/data/browsers): what the routines list is what the browsers
+// recorded, what they delete is gone when the profiles are read afresh, and a profile whose browser
+// runs is left whole and named.
+
+#include "cleaning/CURLHistory.h"
+#include "cleaning/TraceCleaner.h"
+#include "tests/cleaning/TraceRecorders.h"
+#include "tests/platform/BrowserHome.h"
+#include "tests/support/ChildProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using namespace testsupport;
+using cleaning::CURLHistory;
+
+namespace {
+
+struct BrowserTraces : ::testing::Test {
+    BrowserHome home;
+    TraceRecorder view;
+    SkipRecorder problems;
+    cleaning::TraceCleaner cleaner{home.platform(), view, &problems};
+
+    std::vector<std::string> historyUrls(platform::Platform& platform) {
+        std::vector<std::string> urls;
+        for (const auto& record : listHistory(platform.urlHistory()))
+            urls.push_back(record.pwcsUrl);
+        return urls;
+    }
+    bool hasPage(const std::vector<std::string>& urls, std::size_t page) {
+        return std::find(urls.begin(), urls.end(), visitedPages()[page].url) != urls.end();
+    }
+};
+
+/// Sets TZ for the life of the object.
+struct Zone {
+    std::string saved;
+    explicit Zone(const char* zone) {
+        if (const char* tz = std::getenv("TZ"))
+            saved = tz;
+        setEnv("TZ", zone);
+    }
+    ~Zone() {
+        if (saved.empty())
+            ::unsetenv("TZ");
+        else
+            setEnv("TZ", saved);
+    }
+};
+
+} // namespace
+
+TEST_F(BrowserTraces, ShowCacheListsEveryEntryInEnumerationOrderAndWipeCacheDeletesOnlyTheListed) {
+    const auto expected = listCache(home.platform().urlCache());
+    ASSERT_FALSE(expected.empty());
+    cleaner.ShowCache();
+    EXPECT_EQ(view.lines(), expected);
+
+    // Only what is listed goes: an entry listed by hand stands for a list shown earlier.
+    view.clearList();
+    view.addLine(expected.front());
+    cleaner.DeleteListedCacheEntries();
+    EXPECT_EQ(view.lineCount(), 0u);
+    auto left = listCache(home.freshPlatform()->urlCache());
+    auto others = expected; // the address goes from every profile that cached it
+    std::erase(others, expected.front());
+    EXPECT_EQ(left, others);
+
+    cleaner.DeleteListedCacheEntries(); // a second press finds the list empty: nothing goes
+    EXPECT_EQ(listCache(home.freshPlatform()->urlCache()), left);
+
+    cleaner.ShowCache();
+    cleaner.DeleteListedCacheEntries();
+    EXPECT_TRUE(listCache(home.freshPlatform()->urlCache()).empty());
+    cleaner.ShowCache();
+    EXPECT_EQ(view.lineCount(), 0u);
+    EXPECT_TRUE(problems.items.empty());
+}
+
+TEST_F(BrowserTraces, CleanAllEmptiesCacheAndHistoryOfEveryProfileButKeepsBookmarks) {
+    CURLHistory history(home.platform().urlHistory());
+    ASSERT_GT(history.Count(), 0);
+    cleaner.SetHistory(history);
+    cleaner.CleanAll();
+    EXPECT_EQ(history.Count(), 0);
+    const auto fresh = home.freshPlatform();
+    EXPECT_TRUE(listCache(fresh->urlCache()).empty());
+    EXPECT_TRUE(historyUrls(*fresh).empty());
+    EXPECT_TRUE(holdsText(readFile(home.chromiumProfile() / "Bookmarks"), kBookmarkedUrl));
+    EXPECT_TRUE(problems.items.empty());
+}
+
+TEST_F(BrowserTraces, AProfileWhoseBrowserRunsIsLeftWholeAndNamed) {
+    ChildProcess firefox("firefox-esr");
+    fs::create_symlink("127.0.0.1:+" + std::to_string(firefox.pid()), home.firefoxProfile() / "lock");
+    const auto firefoxFiles = [&] {
+        auto all = home.snapshot();
+        std::erase_if(all, [&](const auto& file) {
+            const auto rel = file.first.string();
+            return rel.find(home.firefoxProfile().string()) != 0 && rel.find(home.firefoxCache().string()) != 0;
+        });
+        return all;
+    };
+    const auto before = firefoxFiles();
+    CURLHistory history(home.platform().urlHistory());
+    cleaner.SetHistory(history);
+    cleaner.CleanAll();
+    EXPECT_EQ(firefoxFiles(), before);
+    EXPECT_TRUE(problems.items.count(home.firefoxProfile().string())) << problems.items.size();
+}
+
+TEST_F(BrowserTraces, HistoryCollectionFollowsTheStoreAndItsDocumentedQuirks) {
+    CURLHistory history(home.platform().urlHistory());
+    const auto stored = listHistory(home.platform().urlHistory());
+    ASSERT_EQ(history.Count(), static_cast<std::int32_t>(stored.size()));
+    std::int32_t i = 1;
+    for (const auto& item : history.NewEnum())
+        EXPECT_EQ(item->URL(), stored[static_cast<std::size_t>(i++ - 1)].pwcsUrl);
+
+    // An entry without a title.
+    const std::string untitled = visitedPages()[2].url;
+    history.Refresh(untitled, 0);
+    ASSERT_GE(history.Count(), 1);
+    EXPECT_EQ(history.Item(1)->URL(), untitled);
+    EXPECT_EQ(history.Item(1)->Title(), "     (No Title Given)");
+    history.Refresh(visitedPages()[0].url);
+    ASSERT_GE(history.Count(), 1);
+    EXPECT_EQ(history.Item(1)->Title(), visitedPages()[0].title);
+
+    // Outside 1..Count fails.
+    history.Refresh();
+    const std::int32_t count = history.Count();
+    EXPECT_THROW(history.Item(0), std::out_of_range);
+    EXPECT_THROW(history.Item(count + 1), std::out_of_range);
+    EXPECT_THROW(history.Remove(count + 1), std::out_of_range);
+    EXPECT_EQ(history.Count(), count);
+
+    // AddURL leaves the collection as it is until the next Refresh.
+    const std::string added = "http://added.example/scourmill-added-6c1d.html";
+    history.AddURL(added, "Added", 0);
+    EXPECT_EQ(history.Count(), count);
+    history.Refresh();
+    EXPECT_EQ(history.Count(), count + 1);
+
+    // Remove(1) deletes from the store and moves the second entry up, without a re-read.
+    const std::string first = history.Item(1)->URL();
+    const std::string second = history.Item(2)->URL();
+    const auto firstItem = history.Item(1);
+    history.Remove(1);
+    EXPECT_EQ(history.Count(), count);
+    EXPECT_EQ(history.Item(1)->URL(), second);
+    EXPECT_EQ(firstItem->URL(), first); // an item taken out keeps its record
+    const auto stillStored = historyUrls(*home.freshPlatform());
+    EXPECT_EQ(std::count(stillStored.begin(), stillStored.end(), first), 0);
+
+    // Clear empties the store; a new collection on it holds nothing.
+    history.Clear();
+    EXPECT_EQ(history.Count(), 0);
+    EXPECT_EQ(CURLHistory(home.freshPlatform()->urlHistory()).Count(), 0);
+}
+
+TEST_F(BrowserTraces, ReadingADateTwiceInAZoneAheadOfUtcMovesItByTheOffset) {
+    const Zone zone("<+02>-2"); // two hours ahead of UTC, no daylight saving
+    CURLHistory history(home.platform().urlHistory());
+    ASSERT_GE(history.Count(), 1);
+    const auto item = history.Item(1);
+    const double first = item->LastVisited();
+    const double second = item->LastVisited();
+    EXPECT_NEAR(second - first, 2.0 / 24, 1e-6);
+    // The first read is the true local time: two hours after the stored UTC time.
+    history.Refresh();
+    const auto& record = listHistory(home.platform().urlHistory()).front();
+    EXPECT_NEAR(first - cleaning::URLHistoryItem::toVariantDate(record.ftLastVisited), 2.0 / 24, 1e-6);
+    // Each date property moves on its own.
+    const auto other = history.Item(1);
+    other->LastVisited();
+    const double expires = other->Expires();
+    EXPECT_NEAR(other->Expires() - expires, 2.0 / 24, 1e-6);
+}
+
+TEST(VariantDate, CountsDaysFromTheLastDaysOf1899) {
+    const auto at = [](std::int64_t secondsSince1601) {
+        const auto ticks = static_cast<std::uint64_t>(secondsSince1601) * 10'000'000;
+        return cleaning::URLHistoryItem::toVariantDate({static_cast<std::uint32_t>(ticks), static_cast<std::uint32_t>(ticks >> 32)});
+    };
+    constexpr std::int64_t base = 109'205LL * 86'400; // 1899-12-30 00:00 in seconds since 1601
+    EXPECT_EQ(at(base), 0.0);
+    EXPECT_DOUBLE_EQ(at(base + 2 * 86'400 + 43'200), 2.5);     // 1900-01-01 12:00
+    EXPECT_DOUBLE_EQ(at(base - 86'400 + 6 * 3'600), -1.25);    // 1899-12-29 06:00
+    EXPECT_DOUBLE_EQ(at(base + 45'658LL * 86'400), 45'658.0);  // 2025-01-01
+}
