@@ -98,7 +98,7 @@ TEST_F(BrowserTraces, CleanAllEmptiesCacheAndHistoryOfEveryProfileButKeepsBookma
 }
 
 TEST_F(BrowserTraces, AProfileWhoseBrowserRunsIsLeftWholeAndNamed) {
-    ChildProcess firefox("firefox-esr");
+    ChildProcess firefox("lock-holder-f"); // a live process no browser watcher looks for
     fs::create_symlink("127.0.0.1:+" + std::to_string(firefox.pid()), home.firefoxProfile() / "lock");
     const auto firefoxFiles = [&] {
         auto all = home.snapshot();

@@ -200,7 +200,7 @@ TEST(BrowserCli, CacheAndHistoryCommandsWorkOnRealProfiles) {
 
 TEST(BrowserCli, AProfileInUseIsNamedOnStderrAndTheExitCodeIsOne) {
     testsupport::BrowserHome home;
-    testsupport::ChildProcess firefox("firefox-esr");
+    testsupport::ChildProcess firefox("lock-holder-f"); // no browser watcher looks for it
     fs::create_symlink("127.0.0.1:+" + std::to_string(firefox.pid()), home.firefoxProfile() / "lock");
     const auto before = readFile(home.firefoxProfile() / "places.sqlite");
     for (const char* command : {"show-cache", "clean-all --yes", "history list", "preview"}) {

@@ -9,12 +9,13 @@
 #include <unistd.h>
 
 TEST(Processes, AChildStartedUnderAKnownNameIsListed) {
-    testsupport::ChildProcess child("iexplore.exe");
+    // A name no browser watcher looks for: AutoClean tests may be watching beside this one.
+    testsupport::ChildProcess child("listed-program.exe");
     auto p = platform::createNative();
     auto& processes = p->processes();
     const auto ids = processes.ids();
     EXPECT_NE(std::find(ids.begin(), ids.end(), static_cast<long>(child.pid())), ids.end());
-    EXPECT_EQ(processes.programName(child.pid()), "iexplore.exe");
+    EXPECT_EQ(processes.programName(child.pid()), "listed-program.exe");
     EXPECT_EQ(processes.programName(::getpid()),
               std::filesystem::read_symlink("/proc/self/exe").filename().string());
     const long pid = child.pid();
