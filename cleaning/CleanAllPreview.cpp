@@ -43,7 +43,7 @@ CleanAllPreview PreviewCleanAll(platform::Platform& platform, core::ProblemSink*
         else if (c.kind == Kind::RemoveDirectory && temp)
             addOnce(found.tempFolders, c.target);
         else if (c.kind == Kind::DeleteCacheEntry)
-            addOnce(found.cacheEntries, c.target);
+            found.cacheEntries.push_back(c.target); // one line of the list each, as the clean deletes them
         else if (c.kind == Kind::DeleteValue)
             addOnce(found.typedUrls, c.target + "\\" + c.detail);
         else if (c.kind == Kind::ClearHistory)

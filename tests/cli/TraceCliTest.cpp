@@ -210,3 +210,34 @@ TEST(BrowserCli, AProfileInUseIsNamedOnStderrAndTheExitCodeIsOne) {
     }
     EXPECT_EQ(readFile(home.firefoxProfile() / "places.sqlite"), before);
 }
+
+TEST(BrowserCli, PreviewNamesTheProfilesEntriesWithoutTouchingThemAndCleanAllThenRemovesThem) {
+    testsupport::BrowserHome home;
+    const auto before = home.snapshot();
+    const auto r = testsupport::runCli("preview");
+    EXPECT_EQ(r.code, 0) << r.seen();
+    const auto after = home.snapshot();
+    for (const auto& [path, bytes] : after)
+        EXPECT_TRUE(before.count(path) && before.at(path) == bytes) << "changed or new: " << path;
+    for (const auto& [path, bytes] : before) {
+        // Reading a database in WAL mode ends with SQLite removing its empty write-ahead log: the
+        // history's read path, not the preview, and no data is in it.
+        const bool emptyLog = path.string().ends_with("-wal") && bytes.empty();
+        EXPECT_TRUE(after.count(path) || emptyLog) << "gone: " << path;
+    }
+    std::vector<std::string> cache, history;
+    for (const auto& line : linesOf(r.out)) {
+        if (line.rfind("cache entry: ", 0) == 0)
+            cache.push_back(line.substr(13));
+        if (line.rfind("history entry: ", 0) == 0)
+            history.push_back(line.substr(15));
+    }
+    EXPECT_EQ(cache, testsupport::listCache(home.platform().urlCache()));
+    EXPECT_EQ(history.size(), testsupport::listHistory(home.platform().urlHistory()).size());
+    EXPECT_FALSE(history.empty());
+
+    const auto clean = testsupport::runCli("clean-all --yes");
+    EXPECT_EQ(clean.code, 0) << clean.seen();
+    EXPECT_TRUE(testsupport::listCache(home.freshPlatform()->urlCache()).empty());
+    EXPECT_TRUE(testsupport::listHistory(home.freshPlatform()->urlHistory()).empty());
+}
