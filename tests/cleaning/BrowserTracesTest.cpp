@@ -176,7 +176,7 @@ TEST_F(BrowserTraces, ReadingADateTwiceInAZoneAheadOfUtcMovesItByTheOffset) {
     EXPECT_NEAR(second - first, 2.0 / 24, 1e-6);
     // The first read is the true local time: two hours after the stored UTC time.
     history.Refresh();
-    const auto& record = listHistory(home.platform().urlHistory()).front();
+    const auto record = listHistory(home.platform().urlHistory()).front();
     EXPECT_NEAR(first - cleaning::URLHistoryItem::toVariantDate(record.ftLastVisited), 2.0 / 24, 1e-6);
     // Each date property moves on its own.
     const auto other = history.Item(1);
