@@ -1,6 +1,8 @@
 #pragma once
-// The program's two tray pictures, drawn at run time: the program icon, and the one shown while
-// AutoClean cleans.
+// The program's two pictures: the program icon (window, tray, menu entry) and the one the tray
+// shows while AutoClean cleans. Both are drawn once as SVG (app/icons) and rendered to PNG at
+// every size a desktop asks for when the program is built (app/CMakeLists.txt); the desktop's
+// icon theme gets the same files when the program is installed.
 
 #include <QIcon>
 

@@ -47,6 +47,8 @@ int main(int argc, char** argv) {
     QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
     QApplication app(argc, argv);
     QApplication::setApplicationName("Tavi Scourmill");
+    // Ties the windows to the installed menu entry and its icon (Wayland's app id, KDE's task bar).
+    QGuiApplication::setDesktopFileName("org.scourmill.Scourmill");
     QApplication::setQuitOnLastWindowClosed(false); // the tray keeps the program alive
 
     QCommandLineParser parser;
