@@ -4,6 +4,7 @@
 #include "cli/Commands.h"
 #include "cli/Context.h"
 #include "cli/CountingPlatform.h"
+#include "cli/Docs.h"
 #include "cli/Terminal.h"
 
 #include <iostream>
@@ -39,6 +40,10 @@ int main(int argc, char** argv) {
     cli::addWipeMemoryCommand(app, ctx);
     cli::addTraceCommands(app, ctx);
     cli::addHistoryCommands(app, ctx);
+
+    // At build time: the manual page and the completion, from the definitions just made.
+    if (const int generated = cli::generateDocs(app, SCOURMILL_VERSION, argc, argv); generated >= 0)
+        return generated;
 
     try {
         app.parse(argc, argv);
