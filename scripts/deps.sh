@@ -15,6 +15,7 @@ packages=(
     coreutils secure-delete libmsiecf-utils
     bc
     fonts-liberation
+    librsvg2-bin desktop-file-utils appstream groff-base man-db dpkg-dev qt6-qpa-plugins
 )
 
 missing=()

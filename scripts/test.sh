@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the core libraries for Windows with the mingw-w64 cross compiler,
-# builds everything natively with warnings as errors, and runs every test; then runs them again
-# under the sanitizers and fuzzes the readers of outside input (scripts/sanitize.sh).
+# builds everything natively with warnings as errors, and runs every test; builds the Debian package
+# and tries it installed (scripts/package-check.sh); then runs the tests again under the sanitizers
+# and fuzzes the readers of outside input (scripts/sanitize.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh
@@ -18,5 +19,8 @@ cmake --build build --parallel 2
 echo "== Tests"
 export QT_QPA_PLATFORM=offscreen
 (cd build && ctest --output-on-failure --parallel 2 --timeout 600)
+
+echo "== Package"
+scripts/package-check.sh
 
 scripts/sanitize.sh

@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Builds the Debian package from build/, installs it with dpkg as a user's machine would, starts
+# both programs from the installed paths (the desktop program saves a picture of every window into
+# build/screenshots), checks what the menu and man need, and removes the package again.
+# A machine that has the package installed already keeps it: the package is only built there.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+(cd build && cpack -G DEB >/dev/null)
+deb=$(ls -t build/scourmill_*.deb | head -n 1)
+echo "built $deb"
+dpkg-deb -f "$deb" Depends
+
+if dpkg-query -W -f='${Status}' scourmill 2>/dev/null | grep -q '^install ok installed$'; then
+    echo "scourmill is installed on this machine already: not installing the package over it"
+    exit 0
+fi
+dpkg -i "$deb" >/dev/null
+trap 'dpkg -r scourmill >/dev/null' EXIT
+
+/usr/bin/scourmill-cli --version
+# The windows look at the home and temp folders: give them empty ones.
+scratch=$(mktemp -d)
+mkdir -m 700 "$scratch/runtime"
+HOME=$scratch TMPDIR=$scratch XDG_CONFIG_HOME=$scratch/config XDG_CACHE_HOME=$scratch/cache \
+    XDG_DATA_HOME=$scratch/data XDG_RUNTIME_DIR=$scratch/runtime WINEPREFIX=$scratch/wine \
+    QT_QPA_PLATFORM=offscreen /usr/bin/scourmill --screenshot build/screenshots 2>/dev/null
+rm -rf "$scratch"
+for window in TaviMain TaviIndex TaviSecureWipe frmSize CleanMemory MemMonitor; do
+    test -s "build/screenshots/$window.png"
+done
+desktop-file-validate /usr/share/applications/org.scourmill.Scourmill.desktop
+test -s /usr/share/icons/hicolor/48x48/apps/org.scourmill.Scourmill.png
+test -s /usr/share/icons/hicolor/scalable/apps/org.scourmill.Scourmill.svg
+dpkg -L scourmill | grep -q "/man1/scourmill-cli.1.gz$"
+test -s /usr/share/bash-completion/completions/scourmill-cli
+echo "installed, started and removed $deb"
