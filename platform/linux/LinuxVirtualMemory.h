@@ -24,8 +24,21 @@ public:
     bool setOutOfMemoryScore(int score) override;
 
 private:
+    bool usable(const void* address, std::size_t size, bool needWrite);
+    /// How many bytes from `begin` to the end of the block of ours that holds it; 0 outside them.
+    std::size_t ownSpan(std::uintptr_t begin);
+
+    struct Block {
+        std::size_t size = 0;     ///< as committed
+        std::size_t capacity = 0; ///< as mapped, whole pages
+        bool locked = false;      ///< some of its pages may be locked
+    };
+
     std::mutex m_mutex;
-    std::map<void*, std::size_t> m_blocks; // munmap needs the length commit() was given
+    std::map<void*, Block> m_blocks;
+    /// One released small block, zeroed, kept for the next commit that fits.
+    void* m_spare = nullptr;
+    std::size_t m_spareCapacity = 0;
 };
 
 } // namespace platform::linux

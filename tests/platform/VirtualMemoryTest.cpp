@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -15,19 +16,30 @@ protected:
     const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 };
 
-TEST_F(VirtualMemoryTest, CommittedBlockIsZeroedWritableAndLockable) {
-    auto* block = static_cast<char*>(vm.commit(3 * page));
-    ASSERT_NE(block, nullptr);
-    EXPECT_EQ(block[0], 0);
-    std::memset(block, 0x5a, 3 * page);
-    EXPECT_FALSE(vm.isBadRead(block, 3 * page));
-    EXPECT_FALSE(vm.isBadWrite(block, 3 * page));
-    if (vm.lock(block, 3 * page)) { // the locked-memory limit may be small
-        EXPECT_TRUE(vm.unlock(block, 3 * page));
+TEST_F(VirtualMemoryTest, CommittedBlocksAreZeroedWritableLockableAndGivenBack) {
+    // A small block may be kept for the next commit, a large one is unmapped at once; either way
+    // what comes back from commit() is zeroed, and a released block is no longer ours.
+    for (const std::size_t size : {3 * page, 40 * page}) {
+        auto* block = static_cast<char*>(vm.commit(size));
+        ASSERT_NE(block, nullptr);
+        EXPECT_EQ(block[0], 0);
+        std::memset(block, 0x5a, size);
+        EXPECT_FALSE(vm.isBadRead(block, size));
+        EXPECT_FALSE(vm.isBadWrite(block, size));
+        if (vm.lock(block, size)) { // the locked-memory limit may be small
+            EXPECT_TRUE(vm.unlock(block, size));
+        }
+        EXPECT_TRUE(vm.release(block));
+        EXPECT_FALSE(vm.release(block)); // not ours any more
+
+        auto* again = static_cast<char*>(vm.commit(size));
+        ASSERT_NE(again, nullptr);
+        EXPECT_EQ(std::count(again, again + size, 0), static_cast<long>(size));
+        EXPECT_TRUE(vm.release(again));
     }
-    EXPECT_TRUE(vm.release(block));
-    EXPECT_FALSE(vm.release(block)); // not ours any more
-    EXPECT_TRUE(vm.isBadRead(block, 1));
+    auto* large = vm.commit(40 * page);
+    ASSERT_TRUE(vm.release(large));
+    EXPECT_TRUE(vm.isBadRead(large, 1));
 }
 
 TEST_F(VirtualMemoryTest, ProbesSeeGuardPagesAndReadOnlyPagesWithoutFaulting) {
