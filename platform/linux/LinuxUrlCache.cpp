@@ -38,14 +38,24 @@ struct LinuxUrlCache::Catalogue {
     std::vector<BrowserProfile> profiles;
     std::vector<Cache> caches;          ///< of the profiles not held, in enumeration order
     std::vector<std::string> held;      ///< profile folders left alone
+    /// Where each address read so far lies; complete only after indexed().
     std::unordered_map<std::string, std::vector<Located>> byAddress;
+    /// Entries read by a listing and not yet in `byAddress`: a listing only notes what it read,
+    /// the lookup by address is built when a deletion first needs it.
+    std::vector<std::pair<std::size_t, CacheEntryFile>> unindexed;
 
-    void remember(std::size_t cache, const CacheEntryFile& entry) {
-        byAddress[entry.address].push_back(Located{cache, entry.name});
+    void remember(std::size_t cache, CacheEntryFile entry) { unindexed.emplace_back(cache, std::move(entry)); }
+
+    std::unordered_map<std::string, std::vector<Located>>& indexed() {
+        for (auto& [cache, entry] : unindexed)
+            byAddress[std::move(entry.address)].push_back(Located{cache, std::move(entry.name)});
+        unindexed.clear();
+        return byAddress;
     }
 
     /// Reads cache `index` whole into `byAddress`, replacing what was known of it.
     void reread(std::size_t index) {
+        indexed();
         for (auto it = byAddress.begin(); it != byAddress.end();) {
             std::erase_if(it->second, [&](const Located& l) { return l.cache == index; });
             it = it->second.empty() ? byAddress.erase(it) : std::next(it);
@@ -54,7 +64,7 @@ struct LinuxUrlCache::Catalogue {
         CacheFolderReader reader(cache.family, cache.folder);
         CacheEntryFile entry;
         while (reader.next(entry))
-            remember(index, entry);
+            remember(index, std::move(entry));
         cache.stamp = reader.stamp();
         cache.complete = true;
     }
@@ -77,7 +87,6 @@ public:
             }
             CacheEntryFile entry;
             if (m_reader->next(entry)) {
-                m_catalogue->remember(m_current, entry);
                 m_pending = std::move(entry);
             } else {
                 finishFolder();
@@ -110,6 +119,7 @@ public:
         info.LastAccessTime = info.LastModifiedTime;
         info.LastSyncTime = info.LastModifiedTime;
         std::memcpy(base, &info, sizeof info);
+        m_catalogue->remember(m_current, std::move(*m_pending));
         m_pending.reset();
     }
 
@@ -203,7 +213,7 @@ bool LinuxUrlCache::deleteEntry(const std::string& url) {
     Catalogue& catalogue = *m_catalogue;
     m_inUse = catalogue.held;
 
-    auto found = catalogue.byAddress.find(url);
+    auto found = catalogue.indexed().find(url);
     if (found == catalogue.byAddress.end()) {
         // Not among the entries read so far: read the folders not read whole, or changed since.
         for (std::size_t i = 0; i < catalogue.caches.size(); ++i) {
@@ -211,7 +221,7 @@ bool LinuxUrlCache::deleteEntry(const std::string& url) {
             if (!cache.complete || !(cache.stamp == folderStamp(cacheEntriesFolder(cache.family, cache.folder))))
                 catalogue.reread(i);
         }
-        found = catalogue.byAddress.find(url);
+        found = catalogue.indexed().find(url);
         if (found == catalogue.byAddress.end())
             return false;
     }
