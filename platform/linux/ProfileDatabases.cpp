@@ -32,7 +32,7 @@ StoreResult ProfileDatabases::open(const std::vector<std::string>& paths, bool w
     for (const std::string& path : paths) {
         if (!isRegularFile(path))
             continue;
-        Open entry{path, SqliteDb::open(path, kBusyMillis)};
+        Open entry{path, write ? SqliteDb::open(path, kBusyMillis) : SqliteDb::openReadOnly(path, kBusyMillis)};
         if (!entry.db) {
             m_failures = true;
             continue;

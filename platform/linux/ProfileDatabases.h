@@ -26,7 +26,8 @@ public:
     /// another process (nothing is then held); Failed when none could be opened; otherwise Done,
     /// also when a damaged one had to be left out (failures() tells).
     StoreResult lockForWriting(const std::vector<std::string>& paths);
-    /// Opens each of `paths` that exists for reading only; InUse when one is locked.
+    /// Opens each of `paths` that exists for reading only, through connections that cannot change
+    /// any file of the profile; InUse when one is locked.
     StoreResult openForReading(const std::vector<std::string>& paths);
     /// The open database at `path`, or null when it is not there.
     SqliteDb* get(const std::string& path) const;

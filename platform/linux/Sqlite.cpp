@@ -1,5 +1,8 @@
 #include "platform/linux/Sqlite.h"
 
+#include "platform/linux/ReadOnlySqliteFiles.h"
+
+#include <cctype>
 #include <sqlite3.h>
 #include <utility>
 
@@ -82,17 +85,42 @@ bool SqliteStatement::isNull(int column) const {
     return !m_stmt || sqlite3_column_type(m_stmt, column) == SQLITE_NULL;
 }
 
-std::unique_ptr<SqliteDb> SqliteDb::open(const std::string& path, int busyMillis) {
+std::unique_ptr<SqliteDb> SqliteDb::open(const std::string& name, int flags, const char* vfs, int busyMillis) {
     sqlite3* db = nullptr;
     // No SQLITE_OPEN_CREATE: a missing store stays missing. NOFOLLOW: a database name that is a
     // link is refused rather than followed somewhere else.
-    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
-    if (sqlite3_open_v2(path.c_str(), &db, flags, nullptr) != SQLITE_OK) {
+    if (sqlite3_open_v2(name.c_str(), &db, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW, vfs) != SQLITE_OK) {
         sqlite3_close(db);
         return nullptr;
     }
     sqlite3_busy_timeout(db, busyMillis);
     return std::unique_ptr<SqliteDb>(new SqliteDb(db));
+}
+
+std::unique_ptr<SqliteDb> SqliteDb::open(const std::string& path, int busyMillis) {
+    return open(path, SQLITE_OPEN_READWRITE, nullptr, busyMillis);
+}
+
+std::unique_ptr<SqliteDb> SqliteDb::openReadOnly(const std::string& path, int busyMillis) {
+    // As a URI, so that an existing -shm is opened for reading only (readonly_shm). Every byte but
+    // the unreserved ones is escaped, so that no '?', '#' or '%' in a folder name reads as syntax.
+    std::string uri = path.starts_with('/') ? "file://" : "file:";
+    static const char hex[] = "0123456789ABCDEF";
+    for (const char c : path) {
+        const auto u = static_cast<unsigned char>(c);
+        if (std::isalnum(u) || c == '/' || c == '-' || c == '_' || c == '.' || c == '~') {
+            uri += c;
+        } else {
+            uri += '%';
+            uri += hex[u >> 4];
+            uri += hex[u & 0xF];
+        }
+    }
+    uri += "?mode=ro&readonly_shm=1";
+    auto db = open(uri, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, readOnlySqliteFiles(), busyMillis);
+    if (db) // the layer would refuse a closing checkpoint's writes anyway; no need to ask for them
+        sqlite3_db_config(db->m_db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    return db;
 }
 
 SqliteDb::~SqliteDb() {

@@ -1,7 +1,7 @@
 #pragma once
 // A thin owner of SQLite connections and statements for the history backends: the browsers'
-// databases are opened as they are (never created), and every failure is a false or an empty
-// result, never an exception.
+// databases are opened as they are (never created), for writing only by the calls that change
+// them, and every failure is a false or an empty result, never an exception.
 
 #include <cstdint>
 #include <memory>
@@ -48,6 +48,10 @@ public:
     /// Opens an existing database file for reading and writing; null when it cannot be opened.
     /// Waits up to `busyMillis` for another process's lock before a statement gives up.
     static std::unique_ptr<SqliteDb> open(const std::string& path, int busyMillis);
+    /// Opens an existing database file for reading through a file layer that cannot change any
+    /// file (ReadOnlySqliteFiles.h): the database, its journal or log, its -shm and its folder stay
+    /// byte for byte and name for name as they were. Waits as open() does.
+    static std::unique_ptr<SqliteDb> openReadOnly(const std::string& path, int busyMillis);
     ~SqliteDb();
     SqliteDb(const SqliteDb&) = delete;
     SqliteDb& operator=(const SqliteDb&) = delete;
@@ -65,6 +69,7 @@ public:
 
 private:
     explicit SqliteDb(sqlite3* db) : m_db(db) {}
+    static std::unique_ptr<SqliteDb> open(const std::string& name, int flags, const char* vfs, int busyMillis);
     sqlite3* m_db;
 };
 

@@ -77,6 +77,22 @@ std::map<fs::path, std::string> BrowserHome::snapshot() const {
     return files;
 }
 
+std::vector<std::string> changedFiles(const std::map<fs::path, std::string>& before,
+                                      const std::map<fs::path, std::string>& after) {
+    std::vector<std::string> changes;
+    for (const auto& [path, bytes] : after) {
+        const auto was = before.find(path);
+        if (was == before.end())
+            changes.push_back("new: " + path.string());
+        else if (was->second != bytes)
+            changes.push_back("changed: " + path.string());
+    }
+    for (const auto& [path, bytes] : before)
+        if (!after.count(path))
+            changes.push_back("gone: " + path.string());
+    return changes;
+}
+
 std::vector<std::string> listCache(platform::UrlCache& cache) {
     std::vector<std::string> urls;
     auto take = [&](const std::vector<char>& buffer) {

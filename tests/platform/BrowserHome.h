@@ -70,6 +70,10 @@ std::vector<std::string> listCache(platform::UrlCache& cache);
 std::vector<platform::StatUrl> listHistory(platform::UrlHistory& history, const std::string& prefix = "",
                                            std::uint32_t flags = 0);
 
+/// The files that differ between two snapshots, each as "changed: PATH", "new: PATH" or "gone: PATH".
+std::vector<std::string> changedFiles(const std::map<std::filesystem::path, std::string>& before,
+                                      const std::map<std::filesystem::path, std::string>& after);
+
 /// Whether `bytes` hold `text` as UTF-8 or as UTF-16LE.
 bool holdsText(const std::string& bytes, const std::string& text);
 

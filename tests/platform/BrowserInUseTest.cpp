@@ -106,3 +106,20 @@ TEST(BrowserInUse, ALockedDatabaseLeavesTheWholeProfileAlone) {
     sqlite3_close(other);
     EXPECT_TRUE(history.clearHistory());
 }
+
+TEST(BrowserInUse, ReadingADatabaseItsBrowserHoldsNamesTheProfileAndChangesNothing) {
+    BrowserHome home;
+    // Firefox keeps places.sqlite locked while it runs.
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open((home.firefoxProfile() / "places.sqlite").c_str(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    const auto before = home.snapshot();
+
+    platform::UrlHistory& history = home.platform().urlHistory();
+    EXPECT_EQ(listHistory(history).size(), visitedPages().size()); // Chromium's only
+    EXPECT_EQ(history.storesInUse(), std::vector<std::string>{home.firefoxProfile().string()});
+    EXPECT_EQ(changedFiles(before, home.snapshot()), std::vector<std::string>{});
+
+    sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_close(other);
+}

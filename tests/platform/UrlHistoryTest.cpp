@@ -5,11 +5,16 @@
 
 #include "platform/linux/LinuxUrlHistory.h"
 #include "platform/linux/ProfileHistory.h"
+#include "platform/linux/Sqlite.h"
 #include "tests/support/CliProcess.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <sqlite3.h>
+#include <thread>
 
 namespace fs = std::filesystem;
 using namespace testsupport;
@@ -54,7 +59,86 @@ std::vector<fs::path> databases(const BrowserHome& home) {
             home.firefoxProfile() / "favicons.sqlite"};
 }
 
+/// A row for `url` in Firefox's places.
+std::string placeRow(const std::string& url, const std::string& guid) {
+    return "INSERT INTO moz_places (url, title, last_visit_date, guid) VALUES ('" + url + "', 'Logged', 1790000000000000, '" +
+           guid + "');";
+}
+
+/// Adds `url` to places.sqlite the way a browser that stopped without closing its database leaves
+/// it: the row only in the write-ahead log, and no -shm (exclusive locking keeps the log's index
+/// in memory).
+void leaveRowInLog(const fs::path& places, const std::string& url) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(places.c_str(), &db), SQLITE_OK);
+    sqlite3_db_config(db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    const std::string sql = "PRAGMA locking_mode = EXCLUSIVE; " + placeRow(url, "scourmillog1");
+    EXPECT_EQ(sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
+    sqlite3_close(db);
+}
+
+bool has(const std::vector<std::string>& urls, const std::string& url) {
+    return std::find(urls.begin(), urls.end(), url) != urls.end();
+}
+
 } // namespace
+
+TEST(UrlHistory, ReadingChangesNoFileWhateverStateTheLogIsIn) {
+    BrowserHome home;
+    const fs::path places = home.firefoxProfile() / "places.sqlite";
+    const fs::path wal = places.string() + "-wal", shm = places.string() + "-shm";
+    auto readLeavesAll = [&](const char* state) {
+        const auto before = home.snapshot();
+        const auto urls = urlsOf(listHistory(home.freshPlatform()->urlHistory()));
+        EXPECT_EQ(changedFiles(before, home.snapshot()), std::vector<std::string>{}) << state;
+        EXPECT_FALSE(fs::exists(shm)) << state;
+        return urls;
+    };
+
+    // As the browser leaves it on closing (an empty log), the rollback-journal databases of
+    // Chromium beside it.
+    ASSERT_TRUE(fs::exists(wal));
+    EXPECT_EQ(readLeavesAll("empty log").size(), 2 * visitedPages().size());
+    fs::remove(wal);
+    EXPECT_EQ(readLeavesAll("no log").size(), 2 * visitedPages().size());
+    EXPECT_FALSE(fs::exists(wal));
+
+    // Rows that reached only the log are read from it, without the -shm SQLite would make.
+    const std::string logged = kSite + "scourmill-logged-0e71.html";
+    leaveRowInLog(places, logged);
+    ASSERT_GT(fs::file_size(wal), 0u);
+    ASSERT_FALSE(fs::exists(shm));
+    EXPECT_TRUE(has(readLeavesAll("rows in the log"), logged));
+
+    // Another process has the database open and its -shm in use: read through it, unchanged.
+    FILE* writer = ::popen(("sqlite3 " + shellQuoted(places) + " >/dev/null").c_str(), "w");
+    ASSERT_TRUE(writer);
+    const std::string live = kSite + "scourmill-live-93c4.html";
+    std::fputs((placeRow(live, "scourmillive") + "\n").c_str(), writer);
+    std::fflush(writer);
+    for (int i = 0; i < 200 && !(fs::exists(shm) && holdsText(readFile(wal), live)); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    ASSERT_TRUE(fs::exists(shm));
+    const auto before = home.snapshot();
+    const auto urls = urlsOf(listHistory(home.freshPlatform()->urlHistory()));
+    EXPECT_EQ(changedFiles(before, home.snapshot()), std::vector<std::string>{});
+    EXPECT_TRUE(has(urls, logged) && has(urls, live));
+    EXPECT_EQ(::pclose(writer), 0);
+    EXPECT_EQ(integrityOf(places), "ok\n");
+}
+
+TEST(UrlHistory, ReadsADatabaseWhoseFolderNameLooksLikeUriSyntax) {
+    ScratchDir dir;
+    const fs::path folder = dir.path() / "a?mode=rwc#b%41 c";
+    fs::create_directories(folder);
+    const fs::path path = folder / "places.sqlite";
+    ASSERT_EQ(runCommand("sqlite3 " + shellQuoted(path) + " 'CREATE TABLE t(x); INSERT INTO t VALUES (7)'").code, 0);
+    const auto db = platform::linux::SqliteDb::openReadOnly(path.string(), 0);
+    ASSERT_TRUE(db);
+    EXPECT_EQ(db->value("SELECT x FROM t"), "7");
+    EXPECT_FALSE(platform::linux::SqliteDb::openReadOnly((folder / "missing.sqlite").string(), 0));
+    EXPECT_FALSE(fs::exists(folder / "missing.sqlite"));
+}
 
 TEST(UrlHistory, ReadsBothProfilesWithTitlesTimesAndFilters) {
     BrowserHome home(CacheLayout::UnderCacheHome, FirefoxRoot::XdgConfig);
