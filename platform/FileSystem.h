@@ -77,7 +77,8 @@ public:
     virtual bool createDirectory(const std::string& path) = 0;
     /// Clears read-only and hidden so that the file can be written and deleted (FILE_ATTRIBUTE_NORMAL).
     virtual bool makeNormal(const std::string& path) = 0;
-    /// Whether some process has the file open.
+    /// Whether some process has the file open, or the system holds it for a device (a loop
+    /// device's backing file).
     virtual bool isInUse(const std::string& path) = 0;
     /// The path separator of this platform: '\\' or '/'.
     virtual char separator() const = 0;

@@ -40,8 +40,9 @@ public:
     /// Facts about the open file (which file it is, its links, size and mount), as they are now;
     /// empty on failure. The name is left empty.
     virtual std::optional<FileInfo> info() const = 0;
-    /// Whether another handle, in this process or another, has the file open too. Where the open
-    /// is exclusive by itself (Windows) this is always false.
+    /// Whether another handle, in this process or another, has the file open too, the system's own
+    /// for a device among them (a loop device's backing file). Where the open is exclusive by
+    /// itself (Windows) this is always false.
     virtual bool openElsewhere() const = 0;
 };
 

@@ -3,8 +3,11 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <fstream>
+#include <linux/loop.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <string_view>
 #include <unistd.h>
 
 namespace platform::linux {
@@ -23,6 +26,29 @@ std::uint64_t mountIdFromProc(int fd) {
             return value;
     }
     return 0;
+}
+
+/// Whether the loop device `name` (as /sys/block lists it) is bound to the file `device`/`inode`.
+bool loopBacks(const std::string& name, std::uint64_t device, std::uint64_t inode) {
+    const std::string sys = "/sys/block/" + name + "/loop";
+    struct stat st {};
+    if (::stat(sys.c_str(), &st) != 0)
+        return false; // not bound to any file
+    // The device's own account of its file: the identity it holds, whatever its path now is.
+    if (const UniqueFd node(::open(("/dev/" + name).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)); node) {
+        loop_info64 info {};
+        if (::ioctl(node.get(), LOOP_GET_STATUS64, &info) != 0)
+            return false;
+        // The kernel's 32-bit device encoding: 12 bits of major, 20 of minor.
+        const auto major = static_cast<unsigned>((info.lo_device & 0xfff00) >> 8);
+        const auto minor = static_cast<unsigned>((info.lo_device & 0xff) | ((info.lo_device >> 12) & 0xfff00));
+        return ::makedev(major, minor) == device && info.lo_inode == inode;
+    }
+    // Without access to the device node: the path sysfs names, taken only when it leads to the
+    // same file.
+    std::ifstream in(sys + "/backing_file");
+    std::string path;
+    return std::getline(in, path) && ::stat(path.c_str(), &st) == 0 && st.st_dev == device && st.st_ino == inode;
 }
 
 } // namespace
@@ -127,6 +153,21 @@ bool openInSomeProcess(std::uint64_t device, std::uint64_t inode, int ownFd) {
     }
     ::closedir(proc);
     return found;
+}
+
+bool backsLoopDevice(std::uint64_t device, std::uint64_t inode) {
+    DIR* block = ::opendir("/sys/block");
+    if (!block)
+        return false;
+    bool found = false;
+    while (const dirent* e = found ? nullptr : ::readdir(block))
+        found = std::string_view(e->d_name).starts_with("loop") && loopBacks(e->d_name, device, inode);
+    ::closedir(block);
+    return found;
+}
+
+bool fileInUse(std::uint64_t device, std::uint64_t inode, int ownFd) {
+    return openInSomeProcess(device, inode, ownFd) || backsLoopDevice(device, inode);
 }
 
 UniqueFd openFolderAt(int at, const std::string& name) {

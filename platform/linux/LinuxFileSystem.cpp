@@ -127,7 +127,7 @@ bool LinuxFileSystem::makeNormal(const std::string& path) {
 
 bool LinuxFileSystem::isInUse(const std::string& path) {
     const auto facts = factsAt(AT_FDCWD, path, false);
-    return facts && openInSomeProcess(facts->device, facts->inode);
+    return facts && fileInUse(facts->device, facts->inode);
 }
 
 } // namespace platform::linux

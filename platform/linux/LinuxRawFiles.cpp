@@ -74,7 +74,7 @@ public:
 
     bool openElsewhere() const override {
         const auto facts = factsAt(m_fd, "", false);
-        return facts && openInSomeProcess(facts->device, facts->inode, m_fd);
+        return facts && fileInUse(facts->device, facts->inode, m_fd);
     }
 
 private:

@@ -228,6 +228,24 @@ TEST_F(TraceCleanerTest, TempFolderCleanTakesOnlyTheUsersOwnClosedPlainFiles) {
     }
 }
 
+TEST_F(TraceCleanerTest, TempFolderCleanLeavesAnImageThatAMountedLoopDeviceReadsAndWrites) {
+    // The image and its mount point, both right in the temporary folder.
+    testsupport::LoopImage image(temp.path(), 8);
+    if (!image.mounted())
+        GTEST_SKIP() << image.reason();
+    std::ofstream(image.mountPoint() / "kept.txt") << "KEPT-ON-THE-IMAGE-5c1e";
+    image.sync();
+    const auto size = fs::file_size(image.image());
+
+    cleaner.CleanTempFolder();
+    EXPECT_TRUE(problems.items.count(image.image().string()));
+    ASSERT_TRUE(fs::exists(image.image()));
+    EXPECT_EQ(fs::file_size(image.image()), size);
+    EXPECT_EQ(readFile(image.mountPoint() / "kept.txt"), "KEPT-ON-THE-IMAGE-5c1e");
+    ASSERT_TRUE(image.unmount());
+    EXPECT_TRUE(image.imageContains("KEPT-ON-THE-IMAGE-5c1e"));
+}
+
 TEST_F(TraceCleanerTest, TempFolderCleanStopsAtAnInterruptionAndNeverCleansTheCurrentFolder) {
     const fs::path first = temp.write("a.bin", std::string(600'000, 'a'));
     view.onPump = [&] { view.stop = true; }; // Ctrl-C during the first file's first pass

@@ -1,4 +1,5 @@
 #include "platform/Platform.h"
+#include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
@@ -6,7 +7,11 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <grp.h>
 #include <map>
+#include <optional>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using platform::Attr::Directory;
@@ -14,6 +19,25 @@ using platform::Attr::Hidden;
 using platform::Attr::ReadOnly;
 using platform::Attr::ReparsePoint;
 using testsupport::ScratchDir;
+
+namespace {
+
+/// Whether `path` is in use as an ordinary user is told: asked in a child process running as
+/// nobody, which cannot open the loop devices' nodes. Empty when the child could not ask.
+std::optional<bool> inUseAsNobody(platform::FileSystem& files, const fs::path& path) {
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        if (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0)
+            ::_exit(2);
+        ::_exit(files.isInUse(path.string()) ? 1 : 0);
+    }
+    int status = 0;
+    if (pid < 0 || ::waitpid(pid, &status, 0) != pid || !WIFEXITED(status) || WEXITSTATUS(status) > 1)
+        return std::nullopt;
+    return WEXITSTATUS(status) == 1;
+}
+
+} // namespace
 
 class FileSystemTest : public ::testing::Test {
 protected:
@@ -94,4 +118,31 @@ TEST_F(FileSystemTest, AFileHeldOpenIsInUse) {
     EXPECT_FALSE(files.isInUse(file.string()));
     std::ifstream holder(file);
     EXPECT_TRUE(files.isInUse(file.string()));
+}
+
+TEST_F(FileSystemTest, AFileBackingALoopDeviceIsInUseByWhicheverNameReachesIt) {
+    const fs::path image = dir.write("backing.img", std::string(1 << 20, '\0'));
+    testsupport::LoopDevice loop(image);
+    if (!loop.attached())
+        GTEST_SKIP() << loop.reason();
+    EXPECT_TRUE(files.isInUse(image.string()));
+
+    // The file itself, not the path the device was given: another name of it is in use, and a
+    // new file under its old name is not.
+    const fs::path other = dir.path() / "other-name.img", moved = dir.path() / "moved.img";
+    fs::create_hard_link(image, other);
+    fs::rename(image, moved);
+    dir.write("backing.img", "a new file");
+    EXPECT_TRUE(files.isInUse(other.string()));
+    EXPECT_TRUE(files.isInUse(moved.string()));
+    EXPECT_FALSE(files.isInUse(image.string()));
+
+    // An ordinary user, who cannot open the device nodes, is told the same.
+    fs::permissions(testsupport::scratchRoot(), fs::perms::others_exec, fs::perm_options::add);
+    fs::permissions(dir.path(), fs::perms::others_exec, fs::perm_options::add);
+    EXPECT_EQ(inUseAsNobody(files, moved), std::optional<bool>(true));
+    EXPECT_EQ(inUseAsNobody(files, image), std::optional<bool>(false));
+
+    ASSERT_TRUE(loop.detach());
+    EXPECT_FALSE(files.isInUse(moved.string()));
 }

@@ -3,6 +3,8 @@
 #include "tests/support/Scratch.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstring>
 #include <cstdlib>
 #include <fstream>
 #include <unistd.h>
@@ -48,6 +50,35 @@ bool LoopImage::imageContains(const std::string& needle) const {
 
 bool LoopImage::unmount() {
     return !m_mount || m_mount->unmount();
+}
+
+LoopDevice::LoopDevice(const fs::path& file) {
+    if (::geteuid() != 0) {
+        m_reason = "loop devices need root";
+        return;
+    }
+    if (FILE* out = ::popen(("losetup -f --show '" + file.string() + "' 2>/dev/null").c_str(), "r")) {
+        char line[256] = {};
+        if (std::fgets(line, sizeof line, out))
+            m_device.assign(line, std::strcspn(line, "\n"));
+        if (::pclose(out) != 0)
+            m_device.clear();
+    }
+    if (m_device.empty())
+        m_reason = "binding a loop device is not allowed here";
+}
+
+LoopDevice::~LoopDevice() {
+    detach();
+}
+
+bool LoopDevice::detach() {
+    if (m_device.empty())
+        return true;
+    const bool ok = runQuietly("losetup -d " + m_device);
+    if (ok)
+        m_device.clear();
+    return ok;
 }
 
 } // namespace testsupport

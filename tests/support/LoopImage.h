@@ -26,6 +26,8 @@ public:
     /// Why the image could not be mounted.
     const std::string& reason() const { return m_reason; }
     const std::filesystem::path& mountPoint() const { return m_point; }
+    /// The image file the loop device reads and writes.
+    const std::filesystem::path& image() const { return m_image; }
 
     /// Flushes everything written to the filesystem down to the image file.
     void sync() const;
@@ -38,6 +40,25 @@ private:
     std::filesystem::path m_image;
     std::filesystem::path m_point;
     std::unique_ptr<ScratchMount> m_mount;
+    std::string m_reason;
+};
+
+/// A loop device bound to a file (losetup) and not mounted, for the test's lifetime. Needs root;
+/// where binding is not allowed the device reports why.
+class LoopDevice {
+public:
+    explicit LoopDevice(const std::filesystem::path& file);
+    ~LoopDevice();
+    LoopDevice(const LoopDevice&) = delete;
+    LoopDevice& operator=(const LoopDevice&) = delete;
+
+    bool attached() const { return !m_device.empty(); }
+    const std::string& reason() const { return m_reason; }
+    /// Releases the device; true when that worked.
+    bool detach();
+
+private:
+    std::string m_device; ///< /dev/loopN
     std::string m_reason;
 };
 
