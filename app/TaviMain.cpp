@@ -64,7 +64,7 @@ TaviMain::TaviMain(platform::Platform& platform, WindowSet& windows, QWidget* pa
     buildMenus();
     ggcommand::applyDesign(*this, ":/design/TaviMain.design");
     connectCommands();
-    load();
+    Form_Load();
 }
 
 TaviMain::~TaviMain() = default;
@@ -158,45 +158,34 @@ void TaviMain::buildMenus() {
         connect(a, &QAction::triggered, this, slot);
     };
     entry("Mnu_Show", "I'm Done HIDING!", [this] { Mnu_Show_Click(); });
-    entry("Mnu_All", "Temp/Hist/Cookies", [this] { emit button(3)->Click(); });
-    entry("Mnu_dat", "Manage Dat Files", [this] { emit button(4)->Click(); });
-    entry("Mnu_WipeFreeSpace", "WipeFreeSpace", [this] { emit button(8)->Click(); });
-    entry("Mnu_FilesFolders", "Secure Delete", [this] { emit button(9)->Click(); });
-    entry("Mnu_AutoClean", "Enable/Disable Auto Clean", [this] { emit button(10)->Click(); });
+    entry("Mnu_All", "Temp/Hist/Cookies", [this] { Mnu_All_Click(); });
+    entry("Mnu_dat", "Manage Dat Files", [this] { Mnu_dat_Click(); });
+    entry("Mnu_WipeFreeSpace", "WipeFreeSpace", [this] { Mnu_WipeFreeSpace_Click(); });
+    entry("Mnu_FilesFolders", "Secure Delete", [this] { Mnu_FilesFolders_Click(); });
+    entry("Mnu_AutoClean", "Enable/Disable Auto Clean", [this] { Mnu_AutoClean_Click(); });
     m_mnuFile->addSeparator()->setObjectName("Mnu_Bar");
-    entry("Mnu_Exit", "Exit", [this] { exitProgram(); });
+    entry("Mnu_Exit", "Exit", [this] { Mnu_Exit_Click(); });
 
     m_help = new hoverhelp::HoverHelp(this, m_menuBar);
     m_help->addMenus(mainWindowHelp());
 }
 
 void TaviMain::connectCommands() {
-    connect(button(1), &ggcommand::GGCommand::Click, this, [this] { GGCommand1_Click(); });
-    connect(button(2), &ggcommand::GGCommand::Click, this, [this] { GGCommand2_Click(); });
-    connect(button(3), &ggcommand::GGCommand::Click, this, [this] { GGCommand3_Click(); });
-    connect(button(5), &ggcommand::GGCommand::Click, this, [this] { startPopUpStopper(); });
-    connect(button(4), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("TaviIndex"); });
-    connect(button(6), &ggcommand::GGCommand::Click, this, [this] {
-        // The wipe window, with the monitor flush against its right edge.
-        if (auto* wipe = qobject_cast<memory::ui::CleanMemory*>(m_windows.show("CleanMemory")))
-            wipe->dockMonitor();
-    });
-    connect(button(7), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("MemMonitor"); });
-    connect(button(8), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("TaviSecureWipe"); });
-    connect(button(9), &ggcommand::GGCommand::Click, this, [this] { m_windows.show("frmSize"); });
-    connect(button(10), &ggcommand::GGCommand::Click, this, [this] { toggleAutoClean(); });
-    connect(button(11), &ggcommand::GGCommand::Click, this, [this] {
-        RecycleProgress progress(this);
-        cleaning::CleanIT(m_platform, m_prompts, nullptr, &progress).CleanMruItem(m_combo1->currentText().toStdString());
-    });
-    connect(button(12), &ggcommand::GGCommand::Click, this, [this] { hideMe(); });
-    connect(button(14), &ggcommand::GGCommand::Click, this, [this] { GGCommand14_Click(); });
+    const std::pair<int, void (TaviMain::*)()> clicks[] = {
+        {1, &TaviMain::GGCommand1_Click},   {2, &TaviMain::GGCommand2_Click},   {3, &TaviMain::GGCommand3_Click},
+        {4, &TaviMain::GGCommand4_Click},   {5, &TaviMain::GGCommand5_Click},   {6, &TaviMain::GGCommand6_Click},
+        {7, &TaviMain::GGCommand7_Click},   {8, &TaviMain::GGCommand8_Click},   {9, &TaviMain::GGCommand9_Click},
+        {10, &TaviMain::GGCommand10_Click}, {11, &TaviMain::GGCommand11_Click}, {12, &TaviMain::GGCommand12_Click},
+        {14, &TaviMain::GGCommand14_Click},
+    };
+    for (const auto& [number, handler] : clicks)
+        connect(button(number), &ggcommand::GGCommand::Click, this, handler);
 
-    connect(m_list1, &QListWidget::itemDoubleClicked, this, [this] { List1_DblClick(); });
+    connect(m_list1, &QListWidget::itemDoubleClicked, this, &TaviMain::List1_DblClick);
 
-    connect(m_timer1, &QTimer::timeout, this, [this] { refreshConnection(); });
-    connect(m_tCheck, &QTimer::timeout, this, [this] { checkTick(); });
-    connect(m_tClosed, &QTimer::timeout, this, [this] { TClosed_Timer(); });
+    connect(m_timer1, &QTimer::timeout, this, &TaviMain::Timer1_Timer);
+    connect(m_tCheck, &QTimer::timeout, this, &TaviMain::TCheck_Timer);
+    connect(m_tClosed, &QTimer::timeout, this, &TaviMain::TClosed_Timer);
 
     m_tray = new tray::SysTray(m_mnuFile, tray::detectClickReports(), this);
     connect(m_tray, &tray::SysTray::mouseMessage, this, &TaviMain::Form_MouseMove);
@@ -209,7 +198,7 @@ void TaviMain::Form_MouseMove(tray::TrayMessage message) {
         m_mnuFile->popup(QCursor::pos());
 }
 
-void TaviMain::load() {
+void TaviMain::Form_Load() {
     adjustSize();
     widgets::centreOnScreen(*this);
     for (const std::string& item : cleaning::ChooserItems)
@@ -280,16 +269,43 @@ void TaviMain::Mnu_Show_Click() {
     showFromTray();
 }
 
-void TaviMain::startPopUpStopper() {
+void TaviMain::GGCommand4_Click() {
+    m_windows.show("TaviIndex");
+}
+
+void TaviMain::GGCommand5_Click() {
     // A missing program is not reported.
     m_platform.shell().startProgram(m_platform.shell().executableName("tavipop"));
+}
+
+void TaviMain::GGCommand6_Click() {
+    // The wipe window, with the monitor flush against its right edge.
+    if (auto* wipe = qobject_cast<memory::ui::CleanMemory*>(m_windows.show("CleanMemory")))
+        wipe->dockMonitor();
+}
+
+void TaviMain::GGCommand7_Click() {
+    m_windows.show("MemMonitor");
+}
+
+void TaviMain::GGCommand8_Click() {
+    m_windows.show("TaviSecureWipe");
+}
+
+void TaviMain::GGCommand9_Click() {
+    m_windows.show("frmSize");
+}
+
+void TaviMain::GGCommand11_Click() {
+    RecycleProgress progress(this);
+    cleaning::CleanIT(m_platform, m_prompts, nullptr, &progress).CleanMruItem(m_combo1->currentText().toStdString());
 }
 
 void TaviMain::GGCommand14_Click() {
     m_help->toggle(*button(14));
 }
 
-void TaviMain::hideMe() {
+void TaviMain::GGCommand12_Click() {
     m_help->hideAll();
     // Without a notification area a hidden window could never come back: minimize instead.
     if (tray::SysTray::available())
@@ -310,7 +326,7 @@ void TaviMain::List1_DblClick() {
         m_platform.shell().open(item->text().toStdString());
 }
 
-void TaviMain::refreshConnection() {
+void TaviMain::Timer1_Timer() {
     // Set once, never cleared: the label stays after the connection drops.
     if (m_platform.connectivity().connected())
         m_lblConnected->setText("Connected to the Internet");
@@ -336,11 +352,11 @@ void writeState(const autoclean::AutoCleanState& s, ggcommand::GGCommand* toggle
 
 } // namespace
 
-void TaviMain::toggleAutoClean() {
+void TaviMain::GGCommand10_Click() {
     writeState(autoclean::toggled(readState(button(10), m_tCheck, m_tClosed)), button(10), m_tCheck, m_tClosed);
 }
 
-void TaviMain::checkTick() {
+void TaviMain::TCheck_Timer() {
     const bool running = browserRunning();
     writeState(autoclean::afterCheckTick(readState(button(10), m_tCheck, m_tClosed), running), button(10), m_tCheck,
                m_tClosed);
@@ -357,7 +373,28 @@ void TaviMain::TClosed_Timer() {
     emit autoCleaned();
 }
 
-void TaviMain::exitProgram() {
+// The tray menu's entries other than Show and Exit do what their buttons do.
+void TaviMain::Mnu_All_Click() {
+    emit button(3)->Click();
+}
+
+void TaviMain::Mnu_dat_Click() {
+    emit button(4)->Click();
+}
+
+void TaviMain::Mnu_WipeFreeSpace_Click() {
+    emit button(8)->Click();
+}
+
+void TaviMain::Mnu_FilesFolders_Click() {
+    emit button(9)->Click();
+}
+
+void TaviMain::Mnu_AutoClean_Click() {
+    emit button(10)->Click();
+}
+
+void TaviMain::Mnu_Exit_Click() {
     m_tray->RemoveTrayIcon();
     // A wipe running inside a tool window's handler would keep the program alive: stop it first.
     m_windows.stopAll();
@@ -366,7 +403,11 @@ void TaviMain::exitProgram() {
 
 void TaviMain::closeEvent(QCloseEvent* event) {
     event->accept();
-    exitProgram();
+    Form_Unload();
+}
+
+void TaviMain::Form_Unload() {
+    Mnu_Exit_Click();
 }
 
 void endEventLoopOnExit(TaviMain& main) {

@@ -76,25 +76,38 @@ private:
     void buildControls();
     void buildMenus();
     void connectCommands();
-    void load();
+    void Form_Load();
+    void Form_Unload();
+    /// The tray icon's mouse messages.
+    void Form_MouseMove(tray::TrayMessage message);
 
     void GGCommand1_Click();
     void GGCommand2_Click();
     void GGCommand3_Click();
-    void Mnu_Show_Click();
-    void List1_DblClick();
-    void startPopUpStopper();
+    void GGCommand4_Click();
+    void GGCommand5_Click();
+    void GGCommand6_Click();
+    void GGCommand7_Click();
+    void GGCommand8_Click();
+    void GGCommand9_Click();
+    void GGCommand10_Click();
+    void GGCommand11_Click();
+    void GGCommand12_Click();
     void GGCommand14_Click();
-    void hideMe();
-    void showFromTray();
-    void exitProgram();
-    /// The tray icon's mouse messages.
-    void Form_MouseMove(tray::TrayMessage message);
-
-    void refreshConnection();
-    void toggleAutoClean();
-    void checkTick();
+    void List1_DblClick();
+    void Timer1_Timer();
+    void TCheck_Timer();
     void TClosed_Timer();
+
+    void Mnu_Show_Click();
+    void Mnu_All_Click();
+    void Mnu_dat_Click();
+    void Mnu_WipeFreeSpace_Click();
+    void Mnu_FilesFolders_Click();
+    void Mnu_AutoClean_Click();
+    void Mnu_Exit_Click();
+
+    void showFromTray();
     bool browserRunning();
 
     platform::Platform& m_platform;
