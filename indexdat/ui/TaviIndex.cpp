@@ -112,17 +112,17 @@ void TaviIndex::buildHelp() {
 }
 
 void TaviIndex::connectEvents() {
-    connect(m_buttons[1], &ggcommand::GGCommand::Click, this, [this] { m_manager.search(); });
-    connect(m_buttons[2], &ggcommand::GGCommand::Click, this, [this] { m_manager.reportSelected(); });
-    connect(m_buttons[3], &ggcommand::GGCommand::Click, this, [this] { m_manager.rawReport(); });
-    connect(m_buttons[4], &ggcommand::GGCommand::Click, this, [this] { m_manager.deleteActivity(); });
-    connect(m_buttons[5], &ggcommand::GGCommand::Click, this, [this] { m_manager.deleteAll(); });
-    connect(m_buttons[6], &ggcommand::GGCommand::Click, this, [this] { m_manager.reportAll(); });
-    connect(m_buttons[7], &ggcommand::GGCommand::Click, this, [this] { GGCommand7_Click(); });
-    connect(m_list1, &QListWidget::itemDoubleClicked, this, [this] { m_manager.openFile(); });
-    connect(m_list2, &QListWidget::itemDoubleClicked, this, [this] { List2_DblClick(); });
-    connect(m_dir1, &QListWidget::itemDoubleClicked, this, [this] { Dir1_DblClick(); });
-    connect(m_drive1, &QComboBox::activated, this, [this] { Drive1_Change(); });
+    const std::pair<int, void (TaviIndex::*)()> clicks[] = {
+        {1, &TaviIndex::GGCommand1_Click}, {2, &TaviIndex::GGCommand2_Click}, {3, &TaviIndex::GGCommand3_Click},
+        {4, &TaviIndex::GGCommand4_Click}, {5, &TaviIndex::GGCommand5_Click}, {6, &TaviIndex::GGCommand6_Click},
+        {7, &TaviIndex::GGCommand7_Click},
+    };
+    for (const auto& [number, handler] : clicks)
+        connect(m_buttons[number], &ggcommand::GGCommand::Click, this, handler);
+    connect(m_list1, &QListWidget::itemDoubleClicked, this, &TaviIndex::List1_DblClick);
+    connect(m_list2, &QListWidget::itemDoubleClicked, this, &TaviIndex::List2_DblClick);
+    connect(m_dir1, &QListWidget::itemDoubleClicked, this, &TaviIndex::Dir1_DblClick);
+    connect(m_drive1, &QComboBox::activated, this, &TaviIndex::Drive1_Change);
 }
 
 void TaviIndex::Form_Load() {
@@ -168,8 +168,37 @@ void TaviIndex::Dir1_DblClick() {
         setFolder(QString::fromStdString(item->data(Qt::UserRole).toByteArray().toStdString()));
 }
 
+// The commands: the search, the reports and the overwrites are the manager's.
+void TaviIndex::GGCommand1_Click() {
+    m_manager.search();
+}
+
+void TaviIndex::GGCommand2_Click() {
+    m_manager.reportSelected();
+}
+
+void TaviIndex::GGCommand3_Click() {
+    m_manager.rawReport();
+}
+
+void TaviIndex::GGCommand4_Click() {
+    m_manager.deleteActivity();
+}
+
+void TaviIndex::GGCommand5_Click() {
+    m_manager.deleteAll();
+}
+
+void TaviIndex::GGCommand6_Click() {
+    m_manager.reportAll();
+}
+
 void TaviIndex::GGCommand7_Click() {
     m_help->toggle(*m_buttons[7]);
+}
+
+void TaviIndex::List1_DblClick() {
+    m_manager.openFile();
 }
 
 void TaviIndex::List2_DblClick() {

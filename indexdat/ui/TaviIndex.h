@@ -72,7 +72,14 @@ private:
     void Form_Load();
     void Drive1_Change();
     void Dir1_DblClick();
+    void GGCommand1_Click();
+    void GGCommand2_Click();
+    void GGCommand3_Click();
+    void GGCommand4_Click();
+    void GGCommand5_Click();
+    void GGCommand6_Click();
     void GGCommand7_Click();
+    void List1_DblClick();
     void List2_DblClick();
 
     platform::Platform& m_platform;

@@ -34,12 +34,19 @@ MemMonitor::MemMonitor(platform::Platform& platform, QWidget* parent)
                                 QString::fromLatin1(place.name));
     }
     setFixedSize(widgets::pixels(120 + 3735 + 120), widgets::pixels(3720 + 375 + 240));
-
-    // Load shows seven figures at once; the load and usage lines wait for the first tick.
-    refresh(false);
     m_timer1->setObjectName("Timer1");
     m_timer1->setInterval(100);
-    connect(m_timer1, &QTimer::timeout, this, [this] { refresh(true); });
+    connect(m_timer1, &QTimer::timeout, this, &MemMonitor::Timer1_Timer);
+    Form_Load();
+}
+
+void MemMonitor::Form_Load() {
+    // Load shows seven figures at once; the load and usage lines wait for the first tick.
+    refresh(false);
+}
+
+void MemMonitor::Timer1_Timer() {
+    refresh(true);
 }
 
 void MemMonitor::showEvent(QShowEvent* event) {

@@ -23,6 +23,8 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    void Form_Load();
+    void Timer1_Timer();
     /// Reads the figures and sets the labels; `all` false leaves Label8 and Label9 as they are.
     void refresh(bool all);
 

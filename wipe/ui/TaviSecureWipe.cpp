@@ -41,14 +41,20 @@ TaviSecureWipe::TaviSecureWipe(platform::Platform& platform, QWidget* parent, co
     buildControls();
     setFixedSize(WidthPixels, widgets::pixels(CollapsedTwips));
     widgets::centreOnScreen(*this);
+    Form_Load();
+}
+
+void TaviSecureWipe::Form_Load() {
     for (const auto& root : m_platform.drives().roots())
         m_drive1->addItem(text(root));
-    // A crash may have left a temporary file on the drive the user turns to: offer to remove it.
-    connect(m_drive1, &QComboBox::currentIndexChanged, this, [this] {
-        showFreeSpace();
-        m_engine.offerStaleRemoval(chosenRoot().toStdString());
-    });
+    connect(m_drive1, &QComboBox::currentIndexChanged, this, &TaviSecureWipe::Drive1_Change);
     showFreeSpace();
+}
+
+void TaviSecureWipe::Drive1_Change() {
+    showFreeSpace();
+    // A crash may have left a temporary file on the drive the user turns to: offer to remove it.
+    m_engine.offerStaleRemoval(chosenRoot().toStdString());
 }
 
 TaviSecureWipe::~TaviSecureWipe() = default;
@@ -80,10 +86,10 @@ void TaviSecureWipe::buildControls() {
     m_text6 = addField("Text6", "Label6", "Actual Offset in file seek ", 8, 350, 200);
     m_text8 = addField("Text8", "Label8", "Actual HighVal", 220, 350, 200);
 
-    connect(m_command2, &QPushButton::clicked, this, [this] { wipe(false); });
-    connect(m_command3, &QPushButton::clicked, this, [this] { wipe(true); });
-    connect(m_command4, &QPushButton::clicked, this, &TaviSecureWipe::toggleAdvanced);
-    connect(m_command1, &QPushButton::clicked, this, &TaviSecureWipe::exitProgram);
+    connect(m_command2, &QPushButton::clicked, this, &TaviSecureWipe::Command2_Click);
+    connect(m_command3, &QPushButton::clicked, this, &TaviSecureWipe::Command3_Click);
+    connect(m_command4, &QPushButton::clicked, this, &TaviSecureWipe::Command4_Click);
+    connect(m_command1, &QPushButton::clicked, this, &TaviSecureWipe::Command1_Click);
 }
 
 QLineEdit* TaviSecureWipe::addField(const char* name, const char* labelName, const char* caption, int x, int y,
@@ -106,6 +112,14 @@ void TaviSecureWipe::showFreeSpace() {
     showOverwriteLimits(*m_limits, m_platform, root);
 }
 
+void TaviSecureWipe::Command2_Click() {
+    wipe(false);
+}
+
+void TaviSecureWipe::Command3_Click() {
+    wipe(true);
+}
+
 void TaviSecureWipe::wipe(bool removable) {
     if (m_drive1->count() == 0)
         return;
@@ -123,7 +137,7 @@ void TaviSecureWipe::wipe(bool removable) {
     });
 }
 
-void TaviSecureWipe::toggleAdvanced() {
+void TaviSecureWipe::Command4_Click() {
     if (m_command4->text() == "Advanced Off") {
         m_command4->setText("Advanced On");
         setFixedSize(WidthPixels, widgets::pixels(ExpandedTwips));
@@ -133,7 +147,7 @@ void TaviSecureWipe::toggleAdvanced() {
     }
 }
 
-void TaviSecureWipe::exitProgram() {
+void TaviSecureWipe::Command1_Click() {
     if (!m_engine.requestQuit(m_command2->isEnabled()))
         return;
     // Leaving unloads the window: shown again, it starts afresh.

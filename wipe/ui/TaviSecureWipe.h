@@ -64,9 +64,16 @@ private:
     QLineEdit* addField(const char* name, const char* labelName, const char* caption, int x, int y, int width);
     QString chosenRoot() const;
     void showFreeSpace();
+    void Form_Load();
+    void Drive1_Change();
+    /// "Exit Program".
+    void Command1_Click();
+    /// The fixed-drive and the removable-drive wipe.
+    void Command2_Click();
+    void Command3_Click();
+    /// "Advanced Off" / "Advanced On".
+    void Command4_Click();
     void wipe(bool removable);
-    void toggleAdvanced();
-    void exitProgram();
 
     platform::Platform& m_platform;
     std::unique_ptr<core::Prompts> m_ownPrompts;

@@ -57,7 +57,10 @@ frmSize::frmSize(platform::Platform& platform, QWidget* parent, core::Prompts* p
     buildControls();
     setFixedSize(600, 392);
     widgets::centreOnScreen(*this);
+    Form_Load(startFolder);
+}
 
+void frmSize::Form_Load(const QString& startFolder) {
     for (const FileType& type : FileTypes)
         m_cboFileType->addItem(type.item);
     m_cboFileType->setCurrentIndex(0);
@@ -67,18 +70,34 @@ frmSize::frmSize(platform::Platform& platform, QWidget* parent, core::Prompts* p
     const int drive = m_drvDrive->findText(text(m_platform.drives().rootOf(m_path.toStdString())));
     m_drvDrive->setCurrentIndex(drive);
 
-    connect(m_drvDrive, &QComboBox::currentTextChanged, this, [this](const QString& root) { setPath(root); });
-    connect(m_cboFileType, &QComboBox::currentIndexChanged, this, [this](int index) {
-        if (index < 0 || index >= static_cast<int>(std::size(FileTypes)))
-            return;
-        m_pattern = FileTypes[index].pattern;
-        fillFiles();
-    });
-    connect(m_dirDirectory, &QListWidget::itemActivated, this,
-            [this](QListWidgetItem* item) { setPath(item->data(Qt::UserRole).toString()); });
-    connect(m_filFiles, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) { m_txtFileName->setText(item->text()); });
-    connect(m_filFiles, &QListWidget::itemDoubleClicked, this,
-            [this](QListWidgetItem* item) { m_txtFileName->setText(item->text()); });
+    connect(m_drvDrive, &QComboBox::currentTextChanged, this, &frmSize::drvDrive_Change);
+    connect(m_cboFileType, &QComboBox::currentIndexChanged, this, &frmSize::cboFileType_Click);
+    connect(m_dirDirectory, &QListWidget::itemActivated, this, &frmSize::DirDirectory_Change);
+    connect(m_filFiles, &QListWidget::itemClicked, this, &frmSize::filFiles_Click);
+    connect(m_filFiles, &QListWidget::itemDoubleClicked, this, &frmSize::filFiles_DblClick);
+}
+
+void frmSize::drvDrive_Change(const QString& root) {
+    setPath(root);
+}
+
+void frmSize::DirDirectory_Change(QListWidgetItem* item) {
+    setPath(item->data(Qt::UserRole).toString());
+}
+
+void frmSize::cboFileType_Click(int index) {
+    if (index < 0 || index >= static_cast<int>(std::size(FileTypes)))
+        return;
+    m_pattern = FileTypes[index].pattern;
+    fillFiles();
+}
+
+void frmSize::filFiles_Click(QListWidgetItem* item) {
+    m_txtFileName->setText(item->text());
+}
+
+void frmSize::filFiles_DblClick(QListWidgetItem* item) {
+    m_txtFileName->setText(item->text());
 }
 
 frmSize::~frmSize() = default;
@@ -128,10 +147,10 @@ void frmSize::buildControls() {
     // started from inside the running one would pull the ground from under it.
     m_lockedWhileRunning = {ok, wipeDir, m_filFiles, m_dirDirectory, m_drvDrive, m_cboFileType, m_txtFileName};
 
-    connect(ok, &QPushButton::clicked, this, &frmSize::wipeFiles);
-    connect(cancel, &QPushButton::clicked, this, &QWidget::close);
-    connect(wipeDir, &QPushButton::clicked, this, &frmSize::wipeDirectory);
-    connect(endWipe, &QPushButton::clicked, this, &frmSize::toggleEndWipe);
+    connect(ok, &QPushButton::clicked, this, &frmSize::CmdOK_Click);
+    connect(cancel, &QPushButton::clicked, this, &frmSize::cmdCancel_Click);
+    connect(wipeDir, &QPushButton::clicked, this, &frmSize::Command1_Click);
+    connect(endWipe, &QPushButton::clicked, this, &frmSize::Command2_Click);
 }
 
 void frmSize::setPath(const QString& folder) {
@@ -172,7 +191,7 @@ QString frmSize::fullName(const QString& item) const {
     return m_path.endsWith(sep) ? m_path + item : m_path + sep + item;
 }
 
-void frmSize::wipeFiles() {
+void frmSize::CmdOK_Click() {
     std::vector<std::string> paths;
     for (int i = 0; i < m_filFiles->count(); ++i)
         if (m_filFiles->item(i)->isSelected())
@@ -181,7 +200,7 @@ void frmSize::wipeFiles() {
     fillFiles();
 }
 
-void frmSize::wipeDirectory() {
+void frmSize::Command1_Click() {
     runWipe([&] { m_engine.WipeFolder(m_path.toStdString()); });
     // The folder is gone: show the nearest folder that is still there.
     QString folder = m_path;
@@ -207,12 +226,16 @@ void frmSize::runWipe(const std::function<void()>& wipe) {
     m_closing = false;
 }
 
-void frmSize::toggleEndWipe() {
+void frmSize::Command2_Click() {
     if (m_label2->text() == text(texts::StopFlagRun))
         m_label2->setText(text(texts::StopFlagEnd));
     else if (m_label2->text() == text(texts::StopFlagEnd))
         m_label2->setText(text(texts::StopFlagRun));
     m_gauge->fill();
+}
+
+void frmSize::cmdCancel_Click() {
+    close();
 }
 
 void frmSize::closeEvent(QCloseEvent* event) {

@@ -19,6 +19,7 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 class QListWidget;
+class QListWidgetItem;
 class QPushButton;
 
 namespace platform {
@@ -63,9 +64,19 @@ private:
     void fillDirectories();
     void fillFiles();
     QString fullName(const QString& item) const;
-    void wipeFiles();
-    void wipeDirectory();
-    void toggleEndWipe();
+    void Form_Load(const QString& startFolder);
+    void drvDrive_Change(const QString& root);
+    void DirDirectory_Change(QListWidgetItem* item);
+    void cboFileType_Click(int index);
+    void filFiles_Click(QListWidgetItem* item);
+    void filFiles_DblClick(QListWidgetItem* item);
+    /// "&SecureWipeFiles".
+    void CmdOK_Click();
+    void cmdCancel_Click();
+    /// "SecureWipeDirectory".
+    void Command1_Click();
+    /// "End wipe": arms or disarms the stop flag.
+    void Command2_Click();
     /// Runs a wipe with the controls that could start another one disabled, the hourglass shown
     /// and no exception escaping.
     void runWipe(const std::function<void()>& wipe);
