@@ -129,11 +129,11 @@ void* LinuxVirtualMemory::commit(std::size_t size) {
     if (size == 0)
         return nullptr;
     std::lock_guard lock(m_mutex);
-    Block block{size, pageRounded(size), false};
+    Block block{size, pageRounded(size)};
     void* address = nullptr;
-    if (m_spare && m_spareCapacity >= size) { // zeroed when it was put aside
+    if (m_spare && m_spareBlock.capacity >= size) { // zeroed when it was put aside
         address = std::exchange(m_spare, nullptr);
-        block.capacity = m_spareCapacity;
+        block.capacity = m_spareBlock.capacity;
     } else {
         address = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
         if (address == MAP_FAILED)
@@ -144,12 +144,7 @@ void* LinuxVirtualMemory::commit(std::size_t size) {
 }
 
 bool LinuxVirtualMemory::lock(void* address, std::size_t size) {
-    if (::mlock(address, size) != 0)
-        return false;
-    std::lock_guard lock(m_mutex);
-    if (const auto it = m_blocks.find(address); it != m_blocks.end())
-        it->second.locked = true;
-    return true;
+    return ::mlock(address, size) == 0;
 }
 
 bool LinuxVirtualMemory::unlock(void* address, std::size_t size) {
@@ -166,16 +161,15 @@ bool LinuxVirtualMemory::decommit(void* address, std::size_t size) {
             return false;
         size = it->second.size;
     }
-    // The kernel refuses to drop locked pages, and decommitted pages are unlocked anyway.
-    if (it == m_blocks.end() || it->second.locked)
-        ::munlock(address, size);
-    if (it != m_blocks.end() && size >= it->second.size)
-        it->second.locked = false;
-    // The pages read as zeros afterwards, as freshly committed ones would.
+    // A small block of ours is zeroed in place and stays resident (and locked, if it was), ready
+    // for the next commit: handing back and faulting in its few pages again costs more than it saves.
     if (it != m_blocks.end() && it->second.capacity <= SmallBlock) {
-        std::memset(address, 0, size);
+        std::memset(address, 0, std::min(size, it->second.capacity));
         return true;
     }
+    // The kernel refuses to drop locked pages, and decommitted pages are unlocked anyway.
+    ::munlock(address, size);
+    // The pages read as zeros afterwards, as freshly committed ones would.
     return ::madvise(address, size, MADV_DONTNEED) == 0;
 }
 
@@ -189,11 +183,9 @@ bool LinuxVirtualMemory::release(void* address) {
         block = it->second;
         m_blocks.erase(it);
         if (block.capacity <= SmallBlock && !m_spare) {
-            if (block.locked)
-                ::munlock(address, block.capacity);
             std::memset(address, 0, block.capacity);
             m_spare = address;
-            m_spareCapacity = block.capacity;
+            m_spareBlock = block;
             return true;
         }
     }

@@ -31,14 +31,13 @@ private:
     struct Block {
         std::size_t size = 0;     ///< as committed
         std::size_t capacity = 0; ///< as mapped, whole pages
-        bool locked = false;      ///< some of its pages may be locked
     };
 
     std::mutex m_mutex;
     std::map<void*, Block> m_blocks;
-    /// One released small block, zeroed, kept for the next commit that fits.
+    /// One released small block, zeroed and still resident, kept for the next commit that fits.
     void* m_spare = nullptr;
-    std::size_t m_spareCapacity = 0;
+    Block m_spareBlock;
 };
 
 } // namespace platform::linux
