@@ -128,7 +128,7 @@ void addIndexDatCommand(CLI::App& app, Context& ctx) {
     auto* wipeCmd = group->add_subcommand(
         "wipe", "Overwrite the activity recorded in FILEs: everything after the first 1024 bytes, 33 times;\n"
                 "the file itself stays. Asks before each file");
-    wipeCmd->add_flag("--yes", opt->yes, "Do not ask; overwrite every FILE");
+    wipeCmd->add_flag("-y,--yes", opt->yes, "Do not ask; overwrite every FILE");
     wipeCmd->add_option("FILE", opt->files, "Record files to overwrite")->required();
     ctx.summary.changes(wipeCmd);
     wipeCmd->callback([&ctx, opt] {
