@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Builds the Debian package from build/, installs it with dpkg as a user's machine would, starts
-# both programs from the installed paths (the desktop program saves a picture of every window into
-# build/screenshots), checks what the menu and man need, and removes the package again.
+# Builds the Debian package from build/, installs it with dpkg as a user's machine would, checks
+# that its dependencies pull in every library the programs load, starts both programs from the
+# installed paths (the desktop program saves a picture of every window into build/screenshots),
+# checks what the menu and man need, and removes the package again.
 # A machine that has the package installed already keeps it: the package is only built there.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -19,6 +20,32 @@ dpkg -i "$deb" >/dev/null
 trap 'dpkg -r scourmill >/dev/null' EXIT
 
 /usr/bin/scourmill-cli --version
+
+# This machine has the build's libraries installed, so dpkg -i succeeding proves little about a
+# fresh one: every library the installed programs load must belong to a package the Depends line
+# pulls in, directly or through the dependencies of its own.
+depends=$(dpkg-deb -f "$deb" Depends | sed 's/([^)]*)//g; s/,/ /g')
+# shellcheck disable=SC2086 # one package name a word
+pulled=$(apt-cache depends --recurse --no-recommends --no-suggests --no-conflicts --no-breaks \
+    --no-replaces --no-enhances $depends | grep -v '^ ' | sed 's/:.*//' | sort -u)
+owner() { # the package that installed library $1 (listed under /lib or /usr/lib)
+    local path found
+    for path in "$1" "/usr$1" "$(readlink -f "$1")"; do
+        found=$(dpkg-query -S "$path" 2>/dev/null | head -n 1 | cut -d: -f1)
+        [ -n "$found" ] && echo "$found" && return
+    done
+    true
+}
+missing=0
+for lib in $(ldd /usr/bin/scourmill-cli /usr/bin/scourmill 2>/dev/null | awk '$2 == "=>" && $3 ~ /^\// {print $3}' | sort -u); do
+    package=$(owner "$lib")
+    if [ -z "$package" ] || ! grep -qx "$package" <<<"$pulled"; then
+        echo "$lib (from ${package:-no package}) is not pulled in by: $depends" >&2
+        missing=1
+    fi
+done
+[ "$missing" = 0 ]
+
 # The windows look at the home and temp folders: give them empty ones.
 scratch=$(mktemp -d)
 mkdir -m 700 "$scratch/runtime"
