@@ -139,12 +139,33 @@ TEST(CommandSummary, ChangingCommandsEndWithWhatTheyChanged) {
     EXPECT_FALSE(fs::exists(dir.path() / "folder"));
 }
 
-TEST(CommandSummary, CommandsThatOnlyReadSayNothingMore) {
+TEST(CommandSummary, EveryChangingCommandSaysSoEvenWhenNothingChangedAndReadersStaySilent) {
     ScratchDir dir;
-    dir.write("Cookies/index.dat", std::string(2048, 0));
-    CliResult r = runCli("indexdat find " + shellQuoted(dir.path()));
-    EXPECT_EQ(r.code, 0) << r.err;
-    EXPECT_EQ(r.err, "");
-    r = runCli("memmon --once");
-    EXPECT_EQ(r.err, "");
+    const std::string d = shellQuoted(dir.path());
+    const std::string file = shellQuoted(dir.write("Cookies/index.dat", std::string(2048, 0)));
+    // Declined (no terminal to ask on) or nothing to do: a clean run and an empty one must differ.
+    const std::pair<std::string, std::string> changing[] = {
+        {"shred " + file, "shred"},
+        {"shred-dir " + d, "shred-dir"},
+        {"wipe-free-space " + d, "wipe-free-space"},
+        {"wipe-memory", "wipe-memory"},
+        {"indexdat wipe " + file, "indexdat wipe"},
+        {"clean-item 'Run Menu'", "clean-item"},
+        {"wipe-cache --yes", "wipe-cache"},
+        {"clean-all", "clean-all"},
+        {"history add http://a.example/ A", "history add"},
+        {"history remove http://a.example/", "history remove"},
+        {"history clear", "history clear"},
+    };
+    for (const auto& [arguments, path] : changing) {
+        const CliResult r = runCli(arguments);
+        EXPECT_TRUE(r.err.ends_with("scourmill-cli: " + path + ": nothing changed\n")) << arguments << "\n" << r.err;
+    }
+    const std::string reading[] = {"indexdat find " + d, "indexdat report " + file, "memmon --once", "preview",
+                                   "history list"};
+    for (const std::string& arguments : reading) {
+        const CliResult r = runCli(arguments);
+        EXPECT_EQ(r.code, 0) << arguments << "\n" << r.err;
+        EXPECT_EQ(r.err, "") << arguments;
+    }
 }

@@ -56,6 +56,8 @@ TEST(WipeMemoryCli, RunsToTheEndOrSaysThatTheFloorStoppedIt) {
     auto r = runCli("wipe-memory --yes --size 1.5");
     EXPECT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "");
+    // 21 strings of 1.5 million two-byte characters.
+    EXPECT_TRUE(r.err.ends_with("scourmill-cli: wipe-memory: 60.1 MiB of memory filled\n")) << r.err;
 
     r = runCli("wipe-memory --yes --size 1 --keep-free 1000000000");
     EXPECT_EQ(r.code, 1);
