@@ -1,6 +1,5 @@
-// Caption and picture placement on the grid, the frame's colours and the window edge.
+// Caption and picture placement on the grid.
 
-#include "controls/ggcommand/Frame.h"
 #include "controls/ggcommand/Placement.h"
 
 #include <gtest/gtest.h>
@@ -34,24 +33,6 @@ TEST(Placement, PictureKeepsOneUnitOnTheRight) {
 
 TEST(Placement, PictureExtentUsesTheFixedFactor) {
     EXPECT_EQ(himetricFromPixels(32), 847);
-    EXPECT_NEAR(pictureExtent(847, 15), 847 / 15.0 / 1.75, 1e-9);
     EXPECT_NEAR(pictureExtent(847, 15), 32.27, 0.01);
     EXPECT_EQ(pictureExtent(847, 0), 0);
-}
-
-TEST(Frame, ColoursPerState) {
-    const OleColor back = syscolor::ButtonFace;
-    EXPECT_EQ(frameColors(FrameNormal, false, back), (FrameColors{back, back}));
-    EXPECT_EQ(frameColors(FrameNormal, true, back), (FrameColors{0xFFFFFF, syscolor::ButtonShadow}));
-    EXPECT_EQ(frameColors(FrameHover, false, back), (FrameColors{0xFFFFFF, syscolor::ButtonShadow}));
-    EXPECT_EQ(frameColors(FramePressed, false, back), (FrameColors{syscolor::ButtonShadow, 0xFFFFFF}));
-}
-
-TEST(Frame, WindowEdgeWidths) {
-    EXPECT_EQ(windowEdge(0)->width(), 0);
-    EXPECT_EQ(windowEdge(1)->width(), 2);
-    EXPECT_EQ(windowEdge(2)->width(), 3);
-    EXPECT_EQ(windowEdge(3)->width(), 1);
-    EXPECT_EQ(windowEdge(4)->width(), 5);
-    EXPECT_FALSE(windowEdge(5));
 }

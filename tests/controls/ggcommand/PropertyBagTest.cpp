@@ -15,17 +15,6 @@ ButtonProperties defaults() {
 
 } // namespace
 
-TEST(PropertyBag, TwentyNineKeysInOrderWithoutTheCentring) {
-    const auto& keys = persistedKeys();
-    ASSERT_EQ(keys.size(), 29u);
-    EXPECT_EQ(keys.front(), "Caption");
-    EXPECT_EQ(keys[9], "Font");
-    EXPECT_EQ(keys[15], "ToolTip");
-    EXPECT_EQ(keys[21], "Border3DStyle");
-    EXPECT_EQ(keys.back(), "Enabled");
-    EXPECT_EQ(std::count(keys.begin(), keys.end(), "ToolTipCentered"), 0);
-}
-
 TEST(PropertyBag, DefaultsAreLeftOutAndTheRestRoundTrips) {
     EXPECT_TRUE(saveProperties(defaults(), defaults()).empty());
 
