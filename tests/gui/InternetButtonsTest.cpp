@@ -3,6 +3,7 @@
 // driven through the real window by object name on the offscreen platform.
 
 #include "app/TaviMain.h"
+#include "app/autoclean/AutoCleanState.h"
 #include "controls/ggcommand/GGCommand.h"
 #include "tests/gui/MainWindowUnderTest.h"
 #include "tests/platform/BrowserHome.h"
@@ -101,23 +102,34 @@ private slots:
         QVERIFY(ticks > 0); // no event loop ran but the wipe's own: the timer fired during the wipe
     }
 
-    void autoCleanTickCleansTheCookieRecordsButNotTheTempFolder() {
+    void autoCleanCleansOnceAfterTheBrowserClosesAndLeavesTheTempFolder() {
+        GGCommand* toggle = button(10);
         auto* check = m_app->main.findChild<QTimer*>("TCheck");
         auto* closed = m_app->main.findChild<QTimer*>("TClosed");
-        check->setInterval(30);
+        check->setInterval(30); // the real 2000 ms would only make the test slow
         closed->setInterval(30);
         QSignalSpy cleans(&m_app->main, &app::TaviMain::autoCleaned);
-        QTest::mouseClick(button(10), Qt::LeftButton);
+        QTest::mouseClick(toggle, Qt::LeftButton);
+        QCOMPARE(toggle->caption(), QString::fromStdString(autoclean::OnCaption));
+        QVERIFY(check->isActive() && !closed->isActive());
         {
             testsupport::ChildProcess browser("iexplore.exe");
             QTRY_VERIFY(closed->isActive());
+            QVERIFY(!check->isActive());
             QTest::qWait(100);
+            QCOMPARE(cleans.count(), 0); // still running: no clean
             QVERIFY(fs::exists(cookies / "index.dat"));
+            // Switched off while waiting for the close: the close still cleans, once.
+            QTest::mouseClick(toggle, Qt::LeftButton);
+            QCOMPARE(toggle->caption(), QString::fromStdString(autoclean::OffCaption));
         }
         QTRY_COMPARE(cleans.count(), 1);
+        QVERIFY(check->isActive() && !closed->isActive());
         QVERIFY(!fs::exists(cookies / "index.dat"));
         QVERIFY(testsupport::listHistory(m_home->freshPlatform()->urlHistory()).empty());
         QVERIFY(fs::exists(tmp / "one.txt"));
+        QTest::qWait(100);
+        QCOMPARE(cleans.count(), 1);
     }
 };
 

