@@ -91,6 +91,7 @@ public:
         return gone;
     }
     bool makeNormal(const std::string& name) override { return m_real->makeNormal(name); }
+    std::intptr_t nativeHandle() const override { return m_real->nativeHandle(); }
 
 private:
     std::string pathOf(const std::string& name) const {

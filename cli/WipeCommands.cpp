@@ -108,11 +108,13 @@ void wipeFreeSpace(Context& ctx, const std::string& dir, bool removable) {
     TerminalFreeSpaceView view(ctx);
     wipe::FreeSpaceWipe wipe(ctx.platform, view, ctx.problems);
     wipe.offerStaleRemoval(dir);
-    if (!wipe.accepts(dir, removable)) {
+    // Judged, measured and written in this one open folder, however long the question below waits.
+    const auto folder = ctx.platform.fileSystem().openFolder(dir);
+    if (!wipe.accepts(dir, folder.get(), removable)) {
         ctx.exitCode = 2;
         return;
     }
-    const core::Currency free = wipe.freeSpace(dir);
+    const core::Currency free = folder ? wipe.freeSpace(*folder) : core::Currency{};
     warnOfLimits(ctx, dir);
     if (!ctx.prompts.askYesNo(wipe::texts::confirmFreeSpace(dir, core::formatGrouped(free)), core::MessageTitle,
                               core::MsgStyle::YesNo | core::MsgStyle::Question)) {
@@ -121,7 +123,7 @@ void wipeFreeSpace(Context& ctx, const std::string& dir, bool removable) {
     }
     watchInterrupts(); // only now: at the questions Ctrl-C simply ends the program
     try {
-        const auto outcome = wipe.run(dir, free,
+        const auto outcome = wipe.run(folder.get(), dir, free,
                                       removable ? wipe::FreeSpaceWipe::removableIncrement()
                                                 : wipe::FreeSpaceWipe::fixedIncrement());
         view.finish();

@@ -4,6 +4,8 @@
 // path is about the filesystem the path really leads to (a relative path, a link on the way and a
 // bind mount resolved by the system), never about its text.
 
+#include "platform/Folder.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -40,6 +42,13 @@ public:
     virtual DriveType type(const std::string& path) = 0;
     /// Free and total bytes of the filesystem holding `path`; false on failure.
     virtual bool space(const std::string& path, DiskSpace& out) = 0;
+    /// The kind of the drive the open folder `folder` lies on, asked of the open folder itself:
+    /// whatever its path leads to by now does not change the answer. NoRootDir when it lies on no
+    /// drive. A system that cannot ask an open folder asks by the path it was opened by.
+    virtual DriveType typeOf(const Folder& folder) { return type(folder.path()); }
+    /// Free and total bytes of the filesystem the open folder `folder` lies on, asked of the open
+    /// folder itself as typeOf() is; false on failure.
+    virtual bool spaceOf(const Folder& folder, DiskSpace& out) { return space(folder.path(), out); }
     /// The storage facts of the filesystem `path` leads to; all false when unknown.
     virtual Storage storage(const std::string& path) = 0;
     /// Whether `path` names an existing folder (PathIsDirectoryA); false when no medium is present.

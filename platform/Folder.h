@@ -12,6 +12,7 @@
 #include "platform/FileSystem.h"
 #include "platform/RawFiles.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -47,6 +48,9 @@ public:
     /// Clears read-only and hidden on `name` so that it can be written and deleted; a link is left
     /// as it is (it has no attributes of its own to clear), never followed.
     virtual bool makeNormal(const std::string& name) = 0;
+    /// The system's handle of the open folder (a descriptor, a HANDLE), through which Drives answers
+    /// questions about the folder itself; -1 where no folder is really held open.
+    virtual std::intptr_t nativeHandle() const { return -1; }
 };
 
 } // namespace platform

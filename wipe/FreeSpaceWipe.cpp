@@ -58,6 +58,13 @@ core::Currency FreeSpaceWipe::freeSpace(const std::string& dir) {
     return core::Currency::fromCount(space.freeToCaller);
 }
 
+core::Currency FreeSpaceWipe::freeSpace(const platform::Folder& folder) {
+    platform::DiskSpace space;
+    if (!m_platform.drives().spaceOf(folder, space))
+        return {};
+    return core::Currency::fromCount(space.freeToCaller);
+}
+
 FreeSpaceWipe::Outcome FreeSpaceWipe::wipeFixed(const std::string& dir) {
     return start(dir, false);
 }
@@ -66,11 +73,11 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::wipeRemovable(const std::string& dir) {
     return start(dir, true);
 }
 
-bool FreeSpaceWipe::accepts(const std::string& dir, bool removable) {
+bool FreeSpaceWipe::accepts(const std::string& dir, const platform::Folder* folder, bool removable) {
     auto& drives = m_platform.drives();
-    // The kind of the filesystem `dir` leads to, whatever way it is written.
-    const std::string root = drives.rootOf(dir);
-    const platform::DriveType type = drives.type(dir);
+    // Without an open folder the path only chooses the message: nothing is written then, and a
+    // removable drive whose folder cannot be opened has no medium in it.
+    const platform::DriveType type = folder ? drives.typeOf(*folder) : drives.type(dir);
     if (!removable && type != platform::DriveType::Fixed) {
         m_view.prompts().tell(texts::NotFixed, core::MessageTitle, core::MsgStyle::OkOnly);
         return false;
@@ -79,7 +86,7 @@ bool FreeSpaceWipe::accepts(const std::string& dir, bool removable) {
         m_view.prompts().tell(texts::NotRemovable, core::MessageTitle, core::MsgStyle::OkOnly);
         return false;
     }
-    if (removable && !drives.isDirectory(root)) {
+    if (removable && !folder) {
         m_view.prompts().tell(texts::InsertDisk, core::MessageTitle, core::MsgStyle::OkOnly);
         return false;
     }
@@ -87,18 +94,23 @@ bool FreeSpaceWipe::accepts(const std::string& dir, bool removable) {
 }
 
 FreeSpaceWipe::Outcome FreeSpaceWipe::start(const std::string& dir, bool removable) {
-    if (!accepts(dir, removable))
+    const auto folder = m_platform.fileSystem().openFolder(dir);
+    if (!accepts(dir, folder.get(), removable))
         return Outcome::Refused;
     m_view.setWipeEnabled(false);
-    const core::Currency free = freeSpace(dir);
+    const core::Currency free = folder ? freeSpace(*folder) : core::Currency{};
     m_view.freeSpaceMeasured(free);
-    return run(dir, free, removable ? removableIncrement() : fixedIncrement());
+    return run(folder.get(), dir, free, removable ? removableIncrement() : fixedIncrement());
 }
 
 FreeSpaceWipe::Outcome FreeSpaceWipe::run(const std::string& dir, core::Currency freeBytes, core::Currency increment) {
-    const std::string path = tempPath(dir);
-    // Every pass's file is made in this open folder, whatever becomes of the path meanwhile.
     const auto folder = m_platform.fileSystem().openFolder(dir);
+    return run(folder.get(), dir, freeBytes, increment);
+}
+
+FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::string& dir, core::Currency freeBytes,
+                                          core::Currency increment) {
+    const std::string path = tempPath(dir);
     Random file(m_platform.rawFiles());
     std::optional<platform::FileInfo> made; // the temporary file of this pass, the only one to remove
     const auto removeTemp = [&] {
@@ -120,7 +132,7 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(const std::string& dir, core::Currency
 
         for (int pass = 1; pass <= Gutmann::PassCount; ++pass) {
             m_view.passStarted(pass, increment);
-            file.OpenFile(path, folder.get(), texts::TempFileName);
+            file.OpenFile(path, folder, texts::TempFileName);
             made = file.Info();
             if (Gutmann::isRandom(pass)) {
                 // The two halves of the table are seeded differently on purpose.

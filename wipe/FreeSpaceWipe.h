@@ -5,9 +5,14 @@
 // increment, writing three blocks over the same place per increment, and reads the exit and pause
 // check boxes once per increment. Every pass reaches the device before the file is deleted, and the
 // file is removed on every way out of a run, errors included.
+//
+// A run works in one open folder: the drive's kind, its free space and every pass's file are all
+// taken from it, never from the folder's path again, so a folder on the way to it that is swapped
+// in between cannot make the wipe judge one drive and fill another.
 
 #include "core/Currency.h"
 #include "core/ProblemSink.h"
+#include "platform/Folder.h"
 #include "platform/Platform.h"
 #include "wipe/FreeSpaceView.h"
 #include "wipe/PatternRandom.h"
@@ -34,19 +39,26 @@ public:
     /// The temporary file's path in folder `dir`.
     std::string tempPath(const std::string& dir) const;
     /// The bytes the caller may still write on the drive holding `dir`, whole bytes; 0 on failure.
+    /// For showing only: a run measures its own open folder.
     core::Currency freeSpace(const std::string& dir);
+    /// The same for the drive the open folder `folder` lies on.
+    core::Currency freeSpace(const platform::Folder& folder);
 
-    /// Whether the drive holding `dir` is of the kind asked for (fixed, or removable with a medium);
-    /// when not, shows the refusal message and returns false.
-    bool accepts(const std::string& dir, bool removable);
+    /// Whether the drive of `folder`, the open folder `dir` (null when it could not be opened), is
+    /// of the kind asked for (fixed, or removable with a medium); when not, shows the refusal
+    /// message and returns false.
+    bool accepts(const std::string& dir, const platform::Folder* folder, bool removable);
     /// "Wipe Hard Drive FreeSpace": refuses with its message unless `dir`'s drive is fixed, else
     /// runs with the fixed increment over the free space measured now. Errors of the file object
     /// propagate (FileError) after the temporary file has been removed and the buttons re-enabled.
     Outcome wipeFixed(const std::string& dir);
     /// "Wipe A:\ or Small Drives": the same for a removable drive with a medium in it.
     Outcome wipeRemovable(const std::string& dir);
-    /// The run itself: WNXTEMP.000 in `dir`, `freeBytes` (whole bytes) to cover, `increment` bytes
-    /// per step. Leaves the wipe buttons disabled after a complete run.
+    /// The run itself: WNXTEMP.000 in `folder`, the open folder `dir` (null when it could not be
+    /// opened: the run then fails to open its file), `freeBytes` (whole bytes) to cover, `increment`
+    /// bytes per step. Leaves the wipe buttons disabled after a complete run.
+    Outcome run(platform::Folder* folder, const std::string& dir, core::Currency freeBytes, core::Currency increment);
+    /// The same in the folder `dir`, opened now.
     Outcome run(const std::string& dir, core::Currency freeBytes, core::Currency increment);
 
     /// "Exit Program", with the wipe buttons' state: true when the window may close now. With the

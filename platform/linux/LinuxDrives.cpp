@@ -44,13 +44,10 @@ std::string diskFolder(unsigned major, unsigned minor) {
 constexpr std::array<std::string_view, 9> RemoteTypes = {"nfs", "nfs4", "cifs", "smb3", "smbfs", "9p",
                                                          "fuse.sshfs", "ceph", "afs"};
 
-/// The mount `path` really leads to, looked up by its mount ID in `mounts`; null when the path
-/// does not exist or its mount is not listed.
-const Mount* mountOf(const std::vector<Mount>& mounts, const std::string& path) {
-    const UniqueFd where = openLocation(path);
-    if (!where)
-        return nullptr;
-    const auto facts = factsAt(where.get(), "", false);
+/// The mount the descriptor `fd` lies on, looked up by its mount ID in `mounts`; null when `fd`
+/// is not open or its mount is not listed.
+const Mount* mountAt(const std::vector<Mount>& mounts, int fd) {
+    const auto facts = fd < 0 ? std::nullopt : factsAt(fd, "", false);
     return facts ? mountById(mounts, facts->mount) : nullptr;
 }
 
@@ -91,13 +88,22 @@ std::vector<std::string> LinuxDrives::roots() {
 
 std::string LinuxDrives::rootOf(const std::string& path) {
     const auto mounts = readMounts(m_mountInfo);
-    const Mount* m = mountOf(mounts, path);
+    const Mount* m = mountAt(mounts, openLocation(path).get());
     return m ? m->mountPoint : std::string();
 }
 
 DriveType LinuxDrives::type(const std::string& path) {
+    return typeAt(openLocation(path).get());
+}
+
+DriveType LinuxDrives::typeOf(const Folder& folder) {
+    const auto fd = folder.nativeHandle();
+    return fd < 0 ? Drives::typeOf(folder) : typeAt(static_cast<int>(fd));
+}
+
+DriveType LinuxDrives::typeAt(int fd) {
     const auto mounts = readMounts(m_mountInfo);
-    const Mount* found = mountOf(mounts, path);
+    const Mount* found = mountAt(mounts, fd);
     if (!found)
         return DriveType::NoRootDir;
     const Mount& m = *found;
@@ -117,8 +123,17 @@ DriveType LinuxDrives::type(const std::string& path) {
 
 bool LinuxDrives::space(const std::string& path, DiskSpace& out) {
     const UniqueFd where = openLocation(path);
+    return where && spaceAt(where.get(), out);
+}
+
+bool LinuxDrives::spaceOf(const Folder& folder, DiskSpace& out) {
+    const auto fd = folder.nativeHandle();
+    return fd < 0 ? Drives::spaceOf(folder, out) : spaceAt(static_cast<int>(fd), out);
+}
+
+bool LinuxDrives::spaceAt(int fd, DiskSpace& out) {
     struct statvfs vfs {};
-    if (!where || ::fstatvfs(where.get(), &vfs) != 0)
+    if (::fstatvfs(fd, &vfs) != 0)
         return false;
     out.freeToCaller = static_cast<std::uint64_t>(vfs.f_bavail) * vfs.f_frsize;
     out.total = static_cast<std::uint64_t>(vfs.f_blocks) * vfs.f_frsize;

@@ -21,10 +21,16 @@ public:
     std::string rootOf(const std::string& path) override;
     DriveType type(const std::string& root) override;
     bool space(const std::string& path, DiskSpace& out) override;
+    DriveType typeOf(const Folder& folder) override;
+    bool spaceOf(const Folder& folder, DiskSpace& out) override;
     bool isDirectory(const std::string& path) override;
     Storage storage(const std::string& path) override;
 
 private:
+    /// The kind of the drive that the descriptor `fd` lies on.
+    DriveType typeAt(int fd);
+    static bool spaceAt(int fd, DiskSpace& out);
+
     std::string m_mountInfo;
 };
 

@@ -22,6 +22,7 @@ public:
     bool removeFile(const std::string& name) override;
     bool removeFolder(const std::string& name) override;
     bool makeNormal(const std::string& name) override;
+    std::intptr_t nativeHandle() const override { return m_fd.get(); }
 
 private:
     LinuxFolder(UniqueFd fd, std::string path) : m_fd(std::move(fd)), m_path(std::move(path)) {}

@@ -98,6 +98,18 @@ TEST(Drives, ARamDiskIsARamDiskHoweverThePathLeadsThere) {
     }
     fs::current_path(before);
 
+    // An open folder answers for itself, not for whatever the link it was opened through leads to now.
+    const auto folder = p->fileSystem().openFolder((dir.path() / "shortcut/x").string());
+    ASSERT_TRUE(folder);
+    fs::create_directories(dir.path() / "elsewhere/x");
+    fs::remove(dir.path() / "shortcut");
+    fs::create_directory_symlink(dir.path() / "elsewhere", dir.path() / "shortcut");
+    EXPECT_EQ(drives.type((dir.path() / "shortcut/x").string()), DriveType::NoRootDir);
+    EXPECT_EQ(drives.typeOf(*folder), DriveType::RamDisk);
+    platform::DiskSpace space;
+    EXPECT_TRUE(drives.spaceOf(*folder, space));
+    EXPECT_EQ(space.total, 4u * 1024 * 1024);
+
     // A bind mount of a folder on it, somewhere else, is the same RAM disk.
     testsupport::ScratchMount bound("--bind '" + (dir.path() / "ram/deep").string() + "'", dir.path() / "bound");
     ASSERT_TRUE(bound.mounted()) << bound.reason();

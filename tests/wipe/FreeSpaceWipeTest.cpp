@@ -1,10 +1,11 @@
 // The free-space wipe on a real folder with small figures: the bytes and length each pass leaves,
-// the removable increment's rounding, the exit, pause and quit paths, the drive-kind refusals, an
-// open error, and the stale temporary file.
+// the removable increment's rounding, the exit, pause and quit paths, the drive-kind refusals, a
+// link on the way repointed in the middle of a run, an open error, and the stale temporary file.
 
 #include "platform/Platform.h"
 #include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
+#include "tests/support/ScratchMount.h"
 #include "tests/wipe/Recorders.h"
 #include "wipe/FileError.h"
 #include "wipe/FreeSpaceWipe.h"
@@ -168,6 +169,40 @@ TEST_F(FreeSpaceWipeTest, StaleTemporaryFileIsOfferedUnlessAWipeHoldsIt) {
     EXPECT_NE(view.ask.asked.back().find(temp.string()), std::string::npos);
     EXPECT_TRUE(wipe.offerStaleRemoval(dir.str()));
     EXPECT_FALSE(fs::exists(temp));
+}
+
+TEST_F(FreeSpaceWipeTest, AFolderOnTheWaySwappedAfterTheDriveWasJudgedDoesNotMoveTheRun) {
+    // A fixed drive (an ext4 image) and a RAM disk, which the fixed wipe refuses. The folder to
+    // wipe is reached through a link on the way that points at the image, until the view, told the
+    // free space, points it at the RAM disk.
+    testsupport::LoopImage image(dir.path() / "image", 8);
+    if (!image.mounted())
+        GTEST_SKIP() << image.reason();
+    testsupport::ScratchMount ram("-t tmpfs -o size=64m scourmill-test", dir.path() / "ram");
+    if (!ram.mounted())
+        GTEST_SKIP() << ram.reason();
+    for (const fs::path& drive : {image.mountPoint(), ram.point()})
+        fs::create_directory(drive / "target");
+    const fs::path slot = dir.path() / "slot";
+    fs::create_directory_symlink(image.mountPoint(), slot);
+    view.onMeasured = [&] {
+        fs::remove(slot);
+        fs::create_directory_symlink(ram.point(), slot);
+    };
+    bool onImage = false, onRam = false;
+    view.onProgress = [&](const wipe::FreeSpaceProgress&) {
+        onImage = fs::exists(image.mountPoint() / "target/WNXTEMP.000");
+        onRam = fs::exists(ram.point() / "target/WNXTEMP.000");
+        view.stop = true;
+    };
+
+    EXPECT_EQ(wipe.wipeFixed((slot / "target").string()), FreeSpaceWipe::Outcome::Exited);
+    EXPECT_TRUE(onImage);
+    EXPECT_FALSE(onRam);
+    // The free space measured was the image's, not the 64 MiB of the RAM disk.
+    ASSERT_FALSE(view.steps.empty());
+    EXPECT_LT(view.steps.front().count, 4);
+    EXPECT_FALSE(fs::exists(image.mountPoint() / "target/WNXTEMP.000"));
 }
 
 TEST_F(FreeSpaceWipeTest, WrongDriveKindIsRefusedWithItsMessageAndNothingWritten) {

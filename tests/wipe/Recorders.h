@@ -40,9 +40,9 @@ struct FreeSpaceRecorder final : wipe::FreeSpaceView {
     RecordingPrompts ask;
     std::vector<int> passes;
     std::vector<wipe::FreeSpaceProgress> steps;
-    bool exitBox = false, pauseBox = false, wipeEnabled = true;
+    bool exitBox = false, pauseBox = false, wipeEnabled = true, stop = false;
     std::function<void(const wipe::FreeSpaceProgress&)> onProgress;
-    std::function<void()> onPump;
+    std::function<void()> onPump, onMeasured;
 
     core::Prompts& prompts() override { return ask; }
     void passStarted(int pass, core::Currency) override { passes.push_back(pass); }
@@ -59,6 +59,11 @@ struct FreeSpaceRecorder final : wipe::FreeSpaceView {
             onPump();
     }
     void setWipeEnabled(bool enabled) override { wipeEnabled = enabled; }
+    bool interrupted() override { return stop; }
+    void freeSpaceMeasured(core::Currency) override {
+        if (onMeasured)
+            onMeasured();
+    }
 };
 
 struct SecureDeleteRecorder final : wipe::SecureDeleteView {
