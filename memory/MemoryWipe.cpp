@@ -47,19 +47,28 @@ void MemoryWipe::setFloor(std::uint64_t bytes) {
 std::uint64_t MemoryWipe::floor() const {
     if (m_floor)
         return *m_floor;
-    return defaultFloor(readMemoryStatus(m_platform.memoryStatus()).ullTotalPhys);
+    return defaultFloor(room().total);
 }
 
 std::uint64_t MemoryWipe::defaultFloor(std::uint64_t totalPhysical) {
     return std::max(totalPhysical / 16, MinimumFloor);
 }
 
-bool MemoryWipe::roomFor(std::uint64_t bytes, WipeResult& result) {
+MemoryWipe::Room MemoryWipe::room() const {
     // Figures that cannot be read read as zero, and then nothing is taken.
     const auto figures = readMemoryStatus(m_platform.memoryStatus());
-    result.floor = m_floor ? *m_floor : defaultFloor(figures.ullTotalPhys);
-    const std::uint64_t available = figures.ullAvailPageFile;
-    return available >= result.floor && available - result.floor >= bytes;
+    Room r{figures.ullAvailPageFile, figures.ullTotalPhys};
+    if (const auto limit = m_platform.memoryStatus().limit()) {
+        r.available = std::min(r.available, limit->headroom);
+        r.total = std::min(r.total, limit->limit);
+    }
+    return r;
+}
+
+bool MemoryWipe::roomFor(std::uint64_t bytes, WipeResult& result) {
+    const Room r = room();
+    result.floor = m_floor ? *m_floor : defaultFloor(r.total);
+    return r.available >= result.floor && r.available - result.floor >= bytes;
 }
 
 WipeResult MemoryWipe::WipeMemory(std::int32_t size) {

@@ -2,8 +2,11 @@
 // The memory wipe: the program claims memory in 21 strings of blanks, writing every byte, so that
 // the system has to hand over (and page out) what other programs held, and what was left there is
 // overwritten. Only this process may ever pay for it: for the run it makes itself the process the
-// system ends first when memory runs out, and it stops before the memory still available to the
-// system (RAM and swap) would fall below a floor, just as if an allocation had failed.
+// system ends first when memory runs out, and it stops before the memory still available to it
+// would fall below a floor, just as if an allocation had failed. Available is the smaller of what
+// the system has left (RAM and swap) and what a limit on this process's memory (its control
+// group) still allows: reaching that limit ends processes of the group however much the machine
+// has, every one of them where the group is set to be ended whole.
 //
 // The window and the command line drive the run through MemoryWipeView; the size entry's rules
 // and the suggested size live here too.
@@ -67,10 +70,11 @@ public:
     /// Keeps at least `bytes` of memory (RAM and swap) available to the rest of the system instead
     /// of the machine's default floor, from the next check on. Never less than MinimumFloor.
     void setFloor(std::uint64_t bytes);
-    /// The floor in force: the one set, else defaultFloor() of this machine.
+    /// The floor in force: the one set, else defaultFloor() of the memory this process may have.
     std::uint64_t floor() const;
-    /// A 16th of the physical memory, at least MinimumFloor: about what the system needs to keep
-    /// its own and the desktop's working memory while the wipe holds the rest.
+    /// A 16th of the physical memory (or of the limit on this process's memory, when smaller), at
+    /// least MinimumFloor: about what the system needs to keep its own and the desktop's working
+    /// memory while the wipe holds the rest.
     static std::uint64_t defaultFloor(std::uint64_t totalPhysical);
 
     /// The wipe with strings of `size` characters: 21 passes, each making its string three times in
@@ -80,8 +84,15 @@ public:
 
 private:
     /// Whether a further `bytes` can be taken without going below the floor; notes the floor in
-    /// `result`. The floor is read anew each time, so that it can be raised while a run goes on.
+    /// `result`. The figures and the floor are read anew each time, so that the run follows what
+    /// it takes and a floor raised while it goes on.
     bool roomFor(std::uint64_t bytes, WipeResult& result);
+    /// The memory still available to the run and the memory it may have in all, read now.
+    struct Room {
+        std::uint64_t available = 0;
+        std::uint64_t total = 0;
+    };
+    Room room() const;
 
     platform::Platform& m_platform;
     MemoryWipeView& m_view;

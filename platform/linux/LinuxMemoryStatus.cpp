@@ -1,5 +1,7 @@
 #include "platform/linux/LinuxMemoryStatus.h"
 
+#include "platform/linux/CgroupMemory.h"
+
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -79,6 +81,12 @@ bool fillFromMemInfo(const std::string& meminfo, std::uint64_t processMapped, Me
         record.dwMemoryLoad = 0;
     }
     return true;
+}
+
+std::optional<MemoryLimit> LinuxMemoryStatus::limit() {
+    const auto meminfo = kilobyteFields(slurp("/proc/meminfo"));
+    const auto swapFree = meminfo.find("SwapFree");
+    return cgroupMemoryLimit(slurp("/proc/self/cgroup"), m_mountInfo, swapFree == meminfo.end() ? 0 : swapFree->second);
 }
 
 bool LinuxMemoryStatus::query(MemoryStatusRecord& record) {

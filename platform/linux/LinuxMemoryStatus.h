@@ -1,5 +1,6 @@
 #pragma once
-// Memory figures on Linux, from /proc/meminfo and the process's own address space.
+// Memory figures on Linux, from /proc/meminfo and the process's own address space; the limit, from
+// the memory cgroups of the process (CgroupMemory.h).
 
 #include "platform/MemoryStatus.h"
 
@@ -9,7 +10,14 @@ namespace platform::linux {
 
 class LinuxMemoryStatus final : public MemoryStatus {
 public:
+    /// Finds the cgroup filesystems in the mount table file `mountInfo`.
+    explicit LinuxMemoryStatus(std::string mountInfo) : m_mountInfo(std::move(mountInfo)) {}
+
     bool query(MemoryStatusRecord& record) override;
+    std::optional<MemoryLimit> limit() override;
+
+private:
+    std::string m_mountInfo;
 };
 
 /// Fills the record from meminfo text and the process's mapped size (VmSize, bytes): total phys =

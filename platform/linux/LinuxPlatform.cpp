@@ -23,8 +23,8 @@ namespace {
 class LinuxPlatform final : public Platform {
 public:
     explicit LinuxPlatform(const Environment& env)
-        : m_drives(env.mountInfo), m_registry(env), m_knownFolders(env), m_urlCache(env), m_urlHistory(env),
-          m_recycleBin(env) {}
+        : m_drives(env.mountInfo), m_registry(env), m_knownFolders(env), m_memoryStatus(env.mountInfo), m_urlCache(env),
+          m_urlHistory(env), m_recycleBin(env) {}
 
     RawFiles& rawFiles() override { return m_rawFiles; }
     FileSystem& fileSystem() override { return m_fileSystem; }

@@ -76,12 +76,15 @@ std::vector<Mount> parseMountInfo(const std::string& text) {
             m.major = number<unsigned>(f[2].substr(0, colon));
             m.minor = number<unsigned>(f[2].substr(colon + 1));
         }
+        m.root = unescape(f[3]);
         m.mountPoint = unescape(f[4]);
         const auto dash = std::find(f.begin() + 6, f.end(), "-");
         if (dash != f.end() && dash + 1 != f.end())
             m.fsType = *(dash + 1);
         if (dash != f.end() && dash + 1 != f.end() && dash + 2 != f.end())
             m.source = unescape(*(dash + 2));
+        if (dash != f.end() && dash + 1 != f.end() && dash + 2 != f.end() && dash + 3 != f.end())
+            m.superOptions = unescape(*(dash + 3));
         mounts.push_back(std::move(m));
     }
     return mounts;

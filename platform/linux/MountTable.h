@@ -13,9 +13,11 @@ namespace platform::linux {
 struct Mount {
     std::uint64_t id = 0;     ///< the mount ID, as statx reports it for files reached through this mount
     std::uint64_t parent = 0; ///< the mount ID of the mount this one sits on
+    std::string root;         ///< the folder of the filesystem that is mounted here ("/" for all of it)
     std::string mountPoint;
     std::string fsType;
     std::string source;
+    std::string superOptions; ///< the filesystem's own options ("rw,memory" for a cgroup hierarchy)
     unsigned major = 0;
     unsigned minor = 0;
 };

@@ -1,15 +1,21 @@
 // wipe-memory as a user runs it: the question with the bytes it will fill, sizes it refuses, the
 // stop at the memory floor, and Ctrl-C in the middle of a run, watched from outside through /proc.
 
+#include "memory/MemoryWipe.h"
+#include "platform/linux/MountTable.h"
 #include "tests/support/CliProcess.h"
 #include "tests/support/ProcFields.h"
 #include "tests/support/Scratch.h"
+#include "tests/support/ScratchMount.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <cmath>
 #include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <sys/wait.h>
 #include <thread>
@@ -31,7 +37,102 @@ std::string grouped(std::uint64_t n) {
     return digits;
 }
 
+/// A real memory cgroup made for one test with a memory limit and no swap, removed afterwards:
+/// below this process's own group in a v1 memory hierarchy, or at the top of a v2 one whose top
+/// hands the memory controller down. Its hierarchy's mount line goes into the scratch mount table
+/// meanwhile, so that the platform sees it. Needs root.
+class MemoryCgroup {
+public:
+    explicit MemoryCgroup(std::uint64_t limit) {
+        if (::geteuid() != 0) {
+            m_reason = "making a cgroup needs root";
+            return;
+        }
+        std::string unified, memoryV1;
+        std::istringstream lines(testsupport::readFile("/proc/self/cgroup"));
+        for (std::string line; std::getline(lines, line);) {
+            const auto path = line.substr(line.find(':', line.find(':') + 1) + 1);
+            if (line.rfind("0::", 0) == 0)
+                unified = path;
+            else if (line.find(":memory:") != std::string::npos || line.find(",memory") != std::string::npos)
+                memoryV1 = path;
+        }
+        const std::string table = testsupport::readFile("/proc/self/mountinfo");
+        for (const auto& mount : platform::linux::parseMountInfo(table)) {
+            const bool v1 = mount.fsType == "cgroup" && !memoryV1.empty() && mount.root == "/" &&
+                            ("," + mount.superOptions + ",").find(",memory,") != std::string::npos;
+            const bool v2 = mount.fsType == "cgroup2" && mount.root == "/" &&
+                            testsupport::readFile(mount.mountPoint + "/cgroup.subtree_control").find("memory") != std::string::npos;
+            if (!v1 && !v2)
+                continue;
+            m_v2 = v2;
+            m_folder = mount.mountPoint + (v1 && memoryV1 != "/" ? memoryV1 : "") + "/scourmill-test-" + std::to_string(::getpid());
+            std::istringstream rows(table);
+            for (std::string row; std::getline(rows, row);)
+                if (row.rfind(std::to_string(mount.id) + " ", 0) == 0)
+                    m_line = row;
+            break;
+        }
+        std::error_code error;
+        if (m_folder.empty() || !std::filesystem::create_directory(m_folder, error)) {
+            m_reason = "no memory cgroup can be made here";
+            m_folder.clear();
+            return;
+        }
+        write(m_v2 ? "memory.max" : "memory.limit_in_bytes", std::to_string(limit));
+        write(m_v2 ? "memory.swap.max" : "memory.memsw.limit_in_bytes", std::to_string(m_v2 ? 0 : limit));
+        m_id = m_line.substr(0, m_line.find(' '));
+        testsupport::addMountTableLine(m_line);
+    }
+    ~MemoryCgroup() {
+        if (m_folder.empty())
+            return;
+        testsupport::removeMountTableLine(m_id);
+        ::rmdir(m_folder.c_str());
+    }
+    MemoryCgroup(const MemoryCgroup&) = delete;
+    MemoryCgroup& operator=(const MemoryCgroup&) = delete;
+
+    bool made() const { return !m_folder.empty(); }
+    const std::string& reason() const { return m_reason; }
+    /// A shell command that runs `command` inside the group, or ends with NotMoved when the system
+    /// will not move a process into it.
+    std::string inside(const std::string& command) const {
+        return "sh -c " + testsupport::shellQuoted("echo $$ 2>/dev/null >" + m_folder + "/cgroup.procs || exit " +
+                                                   std::to_string(NotMoved) + "; exec " + command);
+    }
+    static constexpr int NotMoved = 77;
+    /// Processes the kernel's out-of-memory killer ended in the group.
+    int oomKills() const {
+        std::istringstream fields(testsupport::readFile(m_folder + (m_v2 ? "/memory.events" : "/memory.oom_control")));
+        for (std::string key; fields >> key;)
+            if (int n = 0; key == "oom_kill" && fields >> n)
+                return n;
+        return 0;
+    }
+
+private:
+    void write(const char* name, const std::string& value) const { std::ofstream(m_folder + "/" + name) << value; }
+
+    std::string m_folder, m_line, m_id, m_reason;
+    bool m_v2 = false;
+};
+
 } // namespace
+
+TEST(WipeMemoryCli, InAMemoryLimitedCgroupTheRunStopsBeforeTheGroupRunsOut) {
+    // Room for the least floor and 256 MiB more (a sanitizer's own needs included): 21 strings of
+    // 40 MB go far past it.
+    MemoryCgroup group(memory::MemoryWipe::MinimumFloor + (256ull << 20));
+    if (!group.made())
+        GTEST_SKIP() << group.reason();
+    const auto r = testsupport::runCommand(group.inside(std::string(SCOURMILL_CLI) + " wipe-memory --yes --size 20"));
+    if (r.code == MemoryCgroup::NotMoved)
+        GTEST_SKIP() << "the system does not let this process move into the cgroup it made";
+    EXPECT_EQ(r.code, 1) << "killed instead of stopping at the floor: " << r.err;
+    EXPECT_TRUE(contains(r.err, "stopped after pass ")) << r.err;
+    EXPECT_EQ(group.oomKills(), 0);
+}
 
 TEST(WipeMemoryCli, AsksWithTheBytesItWillFillAndRefusesSizesThatAreNoSize) {
     auto r = runCli("wipe-memory --size 10");

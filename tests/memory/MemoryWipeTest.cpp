@@ -5,11 +5,14 @@
 #include "platform/Platform.h"
 #include "tests/support/ProcFields.h"
 #include "tests/support/Scratch.h"
+#include "tests/support/ScratchMount.h"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -123,6 +126,39 @@ TEST_F(MemoryWipeTest, StopsBeforeTheFloorAsIfMemoryHadRunOut) {
     EXPECT_EQ(memory::MemoryWipe::defaultFloor(2ull << 30), 256ull << 20);
     wipe.setFloor(1);
     EXPECT_EQ(wipe.floor(), memory::MemoryWipe::MinimumFloor);
+}
+
+TEST_F(MemoryWipeTest, StopsBeforeItsControlGroupsLimitWhateverTheMachineHasFree) {
+    // A scratch cgroup v2 folder stands for this process's own group, limited to the least floor
+    // and 64 MiB more, none of it used and no swap allowed.
+    std::string own;
+    std::istringstream lines(testsupport::readFile("/proc/self/cgroup"));
+    for (std::string line; std::getline(lines, line);)
+        if (line.rfind("0::", 0) == 0)
+            own = line.substr(3);
+    if (own.empty())
+        GTEST_SKIP() << "this kernel shows no cgroup v2 line in /proc/self/cgroup";
+    testsupport::ScratchDir dir;
+    const std::filesystem::path group = dir.path() / ("cgroup" + (own == "/" ? std::string() : own));
+    std::filesystem::create_directories(group);
+    const std::uint64_t limit = memory::MemoryWipe::MinimumFloor + (64ull << 20);
+    const auto set = [&](const char* name, std::uint64_t value) { std::ofstream(group / name) << value << "\n"; };
+    set("memory.max", limit);
+    set("memory.current", 0);
+    set("memory.swap.max", 0);
+    testsupport::addMountTableLine("9901 1 0:9901 / " + (dir.path() / "cgroup").string() + " rw - cgroup2 cgroup2 rw");
+
+    // The floor comes from the group's limit, not from the machine's memory; and the group's use
+    // is read for every string, so the run stops as soon as the group has grown near its limit.
+    view.onPass = [&](int pass) {
+        if (pass == 2)
+            set("memory.current", limit - (4ull << 20));
+    };
+    const auto result = wipe.WipeMemory(4'000'000); // 8 MB a string
+    testsupport::removeMountTableLine("9901");
+    EXPECT_EQ(result.end, memory::WipeEnd::FloorReached);
+    EXPECT_EQ(result.lastPass, 2);
+    EXPECT_EQ(result.floor, memory::MemoryWipe::MinimumFloor);
 }
 
 TEST_F(MemoryWipeTest, StopRequestEndsTheRunAtTheNextCheck) {

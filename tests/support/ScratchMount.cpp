@@ -49,6 +49,10 @@ void addMountTableLine(const std::string& line) {
     rewriteTable("", line);
 }
 
+void removeMountTableLine(const std::string& id) {
+    rewriteTable(id, "");
+}
+
 ScratchMount::ScratchMount(const std::string& arguments, const fs::path& point) : m_point(point) {
     if (::geteuid() != 0) {
         m_reason = "mounting needs root";

@@ -15,6 +15,8 @@ std::filesystem::path mountTablePath();
 /// Adds `line` (mountinfo format) to the scratch mount table as it is, for tests that need the
 /// platform to believe in a mount the kernel does not have.
 void addMountTableLine(const std::string& line);
+/// Takes the line of the mount with ID `id` (its first field) out of the scratch mount table.
+void removeMountTableLine(const std::string& id);
 
 class ScratchMount {
 public:
