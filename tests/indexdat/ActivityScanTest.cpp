@@ -68,36 +68,31 @@ using Entries = std::vector<std::string>;
 
 } // namespace
 
-TEST_F(ActivityScanTest, EndOfFileRulesOfTheLoop) {
-    // The last position probed is six bytes before the end: only "ftp://" fits there.
-    EXPECT_EQ(scanned("xxhttp://"), Entries{"http://"});
-    EXPECT_EQ(scanned("xxftp://"), Entries{"ftp://"});
-    EXPECT_EQ(scanned("ftp://"), Entries{"ftp://"});
-    EXPECT_EQ(scanned("xxhttp:/"), Entries{});
-    EXPECT_EQ(scanned("xxCookie"), Entries{});
-    EXPECT_EQ(scanned(""), Entries{});
-    // A "Cookie:" less than 150 bytes before the end is the last hit; one 150 bytes before is not.
-    EXPECT_EQ(scanned("Cookie:a\0http://b"s), (Entries{"Cookie:a"}));
-    const std::string far = "Cookie:a" + std::string(142, '\0') + "http://b";
-    EXPECT_EQ(scanned(far), (Entries{"Cookie:a", "http://b"}));
-    // An http hit near the end does not stop the loop: its Cookie probe completes the round.
-    EXPECT_EQ(scanned("http://a ftp://b"), (Entries{"http://a ftp://b", "ftp://b"}));
-    for (const std::string& s : {"xxhttp://"s, "Cookie:a\0http://b"s, far})
-        EXPECT_EQ(scanned(s), referenceScan(s)) << s;
-}
-
-TEST_F(ActivityScanTest, EntriesAreCutAtZeroOr150BytesAndNestedHitsAllCount) {
+TEST_F(ActivityScanTest, EndOfFileCutsAndNestedHitsFollowTheLoop) {
     const std::string binary = "http://x\x01\x02\xff" + std::string(200, 'y');
-    EXPECT_EQ(scanned(binary), Entries{binary.substr(0, 150)});
-    EXPECT_EQ(scanned("http://a\0b"s), Entries{"http://a"});
-    EXPECT_EQ(scanned("HTTP://a Ftp://b cookie:c"), Entries{});
-    // Nested and repeated markers each give an entry, in file order.
+    const std::string far = "Cookie:a" + std::string(142, '\0') + "http://b";
     const std::string tail(150, '\0');
-    EXPECT_EQ(scanned("Cookie:http://ftp://a" + tail), (Entries{"Cookie:http://ftp://a", "http://ftp://a", "ftp://a"}));
-    EXPECT_EQ(scanned("http://http://"), (Entries{"http://http://", "http://"}));
-    EXPECT_EQ(scanned("u@http://a\0u@http://a\0"s), (Entries{"http://a", "http://a"}));
-    // Without room behind it, the outer "Cookie:" was the loop's last round.
-    EXPECT_EQ(scanned("Cookie:http://ftp://a"), Entries{"Cookie:http://ftp://a"});
+    const std::pair<std::string, Entries> cases[] = {
+        // The last position probed is six bytes before the end: only "ftp://" fits there.
+        {"xxhttp://", {"http://"}}, {"xxftp://", {"ftp://"}}, {"ftp://", {"ftp://"}},
+        {"xxhttp:/", {}},           {"xxCookie", {}},         {"", {}},
+        // A "Cookie:" less than 150 bytes before the end is the last hit; one 150 bytes before is not.
+        {"Cookie:a\0http://b"s, {"Cookie:a"}}, {far, {"Cookie:a", "http://b"}},
+        // An http hit near the end does not stop the loop: its Cookie probe completes the round.
+        {"http://a ftp://b", {"http://a ftp://b", "ftp://b"}},
+        // Entries end at a zero or after 150 bytes; the markers' case counts.
+        {binary, {binary.substr(0, 150)}}, {"http://a\0b"s, {"http://a"}}, {"HTTP://a Ftp://b cookie:c", {}},
+        // Nested and repeated markers each give an entry, in file order; without room behind it,
+        // the outer "Cookie:" was the loop's last round.
+        {"Cookie:http://ftp://a" + tail, {"Cookie:http://ftp://a", "http://ftp://a", "ftp://a"}},
+        {"Cookie:http://ftp://a", {"Cookie:http://ftp://a"}},
+        {"http://http://", {"http://http://", "http://"}},
+        {"u@http://a\0u@http://a\0"s, {"http://a", "http://a"}},
+    };
+    for (const auto& [content, expected] : cases) {
+        EXPECT_EQ(scanned(content), expected) << content;
+        EXPECT_EQ(referenceScan(content), expected) << content;
+    }
 }
 
 TEST_F(ActivityScanTest, AgreesWithTheByteByByteLoopOnRandomFiles) {

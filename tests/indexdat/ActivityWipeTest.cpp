@@ -52,7 +52,7 @@ protected:
 
 TEST_F(ActivityWipeTest, KeepsTheFirst1024BytesAndBlanksTheRestToTheRoundedBlockCount) {
     const std::vector<std::pair<std::size_t, std::size_t>> sizes = {
-        {511, 511}, {512, 512}, {513, 2052}, {1024, 2052}, {1536, 3076}, {2560, 3076}, {16384, 17412}};
+        {511, 511}, {512, 512}, {513, 2052}, {1024, 2052}, {1536, 3076}, {2560, 3076}, {3584, 5124}, {16384, 17412}};
     for (const auto& [size, after] : sizes) {
         const std::string before = randomBytes(size, static_cast<unsigned>(size));
         const auto path = dir.write("f" + std::to_string(size), before);
@@ -68,9 +68,6 @@ TEST_F(ActivityWipeTest, KeepsTheFirst1024BytesAndBlanksTheRestToTheRoundedBlock
             EXPECT_EQ(now, before) << size;
     }
     EXPECT_TRUE(problems.items.empty());
-    EXPECT_EQ(indexdat::blockCount(1536), 2);
-    EXPECT_EQ(indexdat::blockCount(2560), 2);
-    EXPECT_EQ(indexdat::blockCount(3584), 4);
 }
 
 TEST_F(ActivityWipeTest, AFileOpenInAnotherProgramIsLeftUnchangedAndReported) {
