@@ -83,7 +83,6 @@ private slots:
         const double commit = kilobyteField("/proc/meminfo", "MemTotal") + kilobyteField("/proc/meminfo", "SwapTotal");
         const QString suggested = QLocale(QLocale::English).toString(std::llround(commit / 83.33333333));
         QCOMPARE(child<QLabel>(window, "Label2")->text(), "Suggested Array Size   " + suggested);
-        screenshot(window, "CleanMemory");
     }
 
     void sliderWritesItsValueIntoTheSizeWhenTheMouseLetsGo() {
