@@ -96,11 +96,11 @@ void TaviIndex::buildControls() {
     m_drive1->setGeometry(8, 98, 220, 26);
     m_list1 = listBox(this, "List1", {240, 8, 532, 190});
     m_text4 = textBox(this, "Text4", {8, 390, 220, 24}, true);
-    m_text3 = textBox(this, "Text3", {120, 338, 108, 24}, true);
+    m_text3 = textBox(this, "Text3", {136, 338, 92, 24}, true);
     m_text2 = textBox(this, "Text2", {8, 64, 220, 26}, false);
     m_text2->setText(QString::fromStdString(DefaultPattern));
     label(this, "Label1", "File Size", {240, 414, 60, 24});
-    label(this, "Label2", "# of dirs/ # of files", {8, 338, 112, 24});
+    label(this, "Label2", "# of dirs/ # of files", {8, 338, 126, 24});
     label(this, "Label3", "Tot Size of All Files", {8, 364, 220, 24});
     label(this, "Label4", "Type File to Find", {8, 46, 220, 16});
     setFixedSize(780, 608);
