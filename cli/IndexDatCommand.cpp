@@ -76,8 +76,10 @@ void raw(Context& ctx, const std::string& path) {
 void wipe(Context& ctx, const std::vector<std::string>& paths) {
     for (const std::string& path : paths) {
         if (!ctx.prompts.askYesNo(indexdat::confirmWipeText(path), indexdat::WindowCaption,
-                                  core::MsgStyle::YesNo | core::MsgStyle::Question))
+                                  core::MsgStyle::YesNo | core::MsgStyle::Question)) {
+            ctx.exitCode = 1; // declined, as every asking command reports it
             continue;
+        }
         ProgressBar bar;
         // Eleven rounds of three passes over every block behind the kept header.
         const auto info = ctx.platform.fileSystem().info(path);

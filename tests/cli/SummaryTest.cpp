@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <thread>
+#include <tuple>
 
 namespace fs = std::filesystem;
 using testsupport::CliResult;
@@ -143,22 +144,25 @@ TEST(CommandSummary, EveryChangingCommandSaysSoEvenWhenNothingChangedAndReadersS
     ScratchDir dir;
     const std::string d = shellQuoted(dir.path());
     const std::string file = shellQuoted(dir.write("Cookies/index.dat", std::string(2048, 0)));
-    // Declined (no terminal to ask on) or nothing to do: a clean run and an empty one must differ.
-    const std::pair<std::string, std::string> changing[] = {
-        {"shred " + file, "shred"},
-        {"shred-dir " + d, "shred-dir"},
-        {"wipe-free-space " + d, "wipe-free-space"},
-        {"wipe-memory", "wipe-memory"},
-        {"indexdat wipe " + file, "indexdat wipe"},
-        {"clean-item 'Run Menu'", "clean-item"},
-        {"wipe-cache --yes", "wipe-cache"},
-        {"clean-all", "clean-all"},
-        {"history add http://a.example/ A", "history add"},
-        {"history remove http://a.example/", "history remove"},
-        {"history clear", "history clear"},
+    // Declined (no terminal to ask on), refused (the scratch folder is on no drive of the scratch
+    // mount table) or nothing to do: a clean run and an empty one must differ, and a declined
+    // question ends with 1 whichever command asked it.
+    const std::tuple<std::string, std::string, int> changing[] = {
+        {"shred " + file, "shred", 1},
+        {"shred-dir " + d, "shred-dir", 1},
+        {"wipe-free-space " + d, "wipe-free-space", 2},
+        {"wipe-memory", "wipe-memory", 1},
+        {"indexdat wipe " + file, "indexdat wipe", 1},
+        {"clean-item 'Run Menu'", "clean-item", 0},
+        {"wipe-cache --yes", "wipe-cache", 0},
+        {"clean-all", "clean-all", 1},
+        {"history add http://a.example/ A", "history add", 1},
+        {"history remove http://a.example/", "history remove", 1},
+        {"history clear", "history clear", 1},
     };
-    for (const auto& [arguments, path] : changing) {
+    for (const auto& [arguments, path, code] : changing) {
         const CliResult r = runCli(arguments);
+        EXPECT_EQ(r.code, code) << arguments << "\n" << r.err;
         EXPECT_TRUE(r.err.ends_with("scourmill-cli: " + path + ": nothing changed\n")) << arguments << "\n" << r.err;
     }
     const std::string reading[] = {"indexdat find " + d, "indexdat report " + file, "memmon --once", "preview",

@@ -77,7 +77,7 @@ TEST(IndexDatCli, WipeOverwritesOnlyWhenAgreed) {
     const auto path = dir.write("index.dat", content);
     // No terminal to ask on: the answer is No and nothing changes.
     testsupport::CliResult r = runCli("indexdat wipe " + q(path));
-    EXPECT_EQ(r.code, 0);
+    EXPECT_EQ(r.code, 1);
     EXPECT_NE(r.err.find("TaviWipe " + path.string() + " ?"), std::string::npos);
     EXPECT_EQ(readFile(path), content);
     r = runCli("indexdat wipe --yes " + q(path));
