@@ -3,12 +3,12 @@
 #include "cli/Commands.h"
 #include "cli/Context.h"
 #include "cli/Interrupt.h"
+#include "cli/Terminal.h"
 #include "memory/MemoryFigures.h"
 
 #include <chrono>
 #include <iostream>
 #include <thread>
-#include <unistd.h>
 
 namespace cli {
 namespace {
@@ -32,7 +32,7 @@ void addMemMonCommand(CLI::App& app, Context& ctx) {
             return;
         }
         watchInterrupts();
-        const bool terminal = ::isatty(STDOUT_FILENO) == 1;
+        const bool terminal = escapesWork(Stream::Out);
         bool first = true;
         while (!interrupted()) {
             if (terminal && !first)

@@ -8,7 +8,7 @@
 
 namespace cli {
 
-ProgressBar::ProgressBar(bool enabled) : m_enabled(enabled) {
+ProgressBar::ProgressBar(bool enabled) : m_enabled(enabled), m_escapes(enabled && escapesWork(Stream::Err)) {
     restart();
 }
 
@@ -66,9 +66,15 @@ void ProgressBar::update(double done, double total, Unit unit, const std::string
     std::string bar(static_cast<std::size_t>(filled), '#');
     bar.append(static_cast<std::size_t>(Width - filled), '.');
     const double seconds = std::chrono::duration<double>(now - m_start).count();
-    std::fprintf(stderr, "\r[%s] %3d%%  %s  %s\033[K", bar.c_str(), static_cast<int>(fraction * 100), label.c_str(),
-                 figures(done, total, unit, seconds).c_str());
+    char head[64];
+    std::snprintf(head, sizeof head, "[%s] %3d%%  ", bar.c_str(), static_cast<int>(fraction * 100));
+    const std::string line = head + label + "  " + figures(done, total, unit, seconds);
+    // Without escape sequences (an older Windows console) a shorter line is padded over the longer
+    // one before it.
+    const std::string padding = !m_escapes && line.size() < m_width ? std::string(m_width - line.size(), ' ') : "";
+    std::fprintf(stderr, "\r%s%s", line.c_str(), m_escapes ? "\033[K" : padding.c_str());
     std::fflush(stderr);
+    m_width = std::max(m_width, line.size());
     m_drawn = true;
 }
 
@@ -78,7 +84,11 @@ void ProgressBar::bytes(std::uint64_t done, std::uint64_t total, const std::stri
 
 void ProgressBar::finish() {
     if (m_enabled && m_drawn) {
-        std::fprintf(stderr, "\r\033[K");
+        if (m_escapes)
+            std::fprintf(stderr, "\r\033[K");
+        else
+            std::fprintf(stderr, "\r%s\r", std::string(m_width, ' ').c_str());
+        m_width = 0;
         std::fflush(stderr);
         m_drawn = false;
     }

@@ -7,6 +7,7 @@
 // Redraws at most ten times a second.
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -40,6 +41,8 @@ public:
 
 private:
     bool m_enabled;
+    bool m_escapes;          ///< the terminal clears a line on request
+    std::size_t m_width = 0; ///< the longest line drawn since the last finish()
     bool m_drawn = false;
     std::chrono::steady_clock::time_point m_start;
     std::chrono::steady_clock::time_point m_lastDraw;

@@ -1,8 +1,8 @@
 #include "cli/Terminal.h"
 
-#include <cstdio>
 #ifdef _WIN32
 #include <io.h>
+#include <windows.h>
 #else
 #include <unistd.h>
 #endif
@@ -14,12 +14,39 @@ bool g_quiet = false;
 
 } // namespace
 
-bool stderrIsTerminal() {
 #ifdef _WIN32
-    return _isatty(_fileno(stderr)) != 0;
+
+bool isTerminal(Stream stream) {
+    const int fd = stream == Stream::In ? 0 : stream == Stream::Out ? 1 : 2;
+    return ::_isatty(fd) != 0;
+}
+
+bool escapesWork(Stream stream) {
+    if (!isTerminal(stream))
+        return false;
+    const HANDLE console = ::GetStdHandle(stream == Stream::Out ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+    DWORD mode = 0;
+    if (!::GetConsoleMode(console, &mode))
+        return false;
+    return (mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) ||
+           ::SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
 #else
-    return ::isatty(STDERR_FILENO) == 1;
+
+bool isTerminal(Stream stream) {
+    const int fd = stream == Stream::In ? STDIN_FILENO : stream == Stream::Out ? STDOUT_FILENO : STDERR_FILENO;
+    return ::isatty(fd) == 1;
+}
+
+bool escapesWork(Stream stream) {
+    return isTerminal(stream);
+}
+
 #endif
+
+bool stderrIsTerminal() {
+    return isTerminal(Stream::Err);
 }
 
 void setQuiet(bool quiet) {

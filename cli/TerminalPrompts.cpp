@@ -1,16 +1,17 @@
 #include "cli/TerminalPrompts.h"
 
+#include "cli/Terminal.h"
+
 #include <cstdio>
 #include <iostream>
 #include <string>
-#include <unistd.h>
 
 namespace cli {
 
 bool TerminalPrompts::askYesNo(const std::string& text, const std::string& title, int) {
     if (m_assumeYes)
         return true;
-    if (::isatty(STDIN_FILENO) != 1) {
+    if (!isTerminal(Stream::In)) {
         std::cerr << title << ": " << text << "\n(no terminal to ask on; answered No; use --yes)\n";
         return false;
     }

@@ -63,7 +63,7 @@ public:
             m_bar.restart(); // a new file: its own figures and rate
     }
     void progress(const wipe::FileWipeProgress& now) override {
-        const auto slash = now.path.find_last_of('/');
+        const auto slash = now.path.find_last_of(m_ctx.platform.fileSystem().separator());
         const std::string name = slash == std::string::npos ? now.path : now.path.substr(slash + 1);
         const double perPass = static_cast<double>(now.total);
         m_bar.update((now.pass - 1) * perPass + static_cast<double>(now.written), wipe::Gutmann::PassCount * perPass,

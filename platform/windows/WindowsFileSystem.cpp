@@ -1,0 +1,266 @@
+#include "platform/windows/WindowsFileSystem.h"
+
+#include "platform/windows/WinText.h"
+
+#include <windows.h>
+#include <aclapi.h>
+
+#include <vector>
+
+namespace platform::windows {
+namespace {
+
+std::wstring childPath(const std::wstring& dir, const std::wstring& name) {
+    if (dir.empty())
+        return name;
+    const wchar_t last = dir.back();
+    return last == L'\\' || last == L'/' || last == L':' ? dir + name : dir + L'\\' + name;
+}
+
+bool isGone(DWORD error) {
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
+std::int64_t unixSeconds(const FILETIME& time) {
+    const std::int64_t ticks = (static_cast<std::int64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
+    return (ticks - 116444736000000000LL) / 10000000LL;
+}
+
+/// The SIDs a file of this user carries as its owner: the user itself, and the default owner the
+/// token gives new objects (the Administrators group for an elevated administrator).
+class OwnSids {
+public:
+    OwnSids() {
+        HANDLE token = nullptr;
+        if (!::OpenProcessToken(::GetCurrentProcess(), TOKEN_QUERY, &token))
+            return;
+        m_user = query(token, TokenUser);
+        m_owner = query(token, TokenOwner);
+        ::CloseHandle(token);
+    }
+
+    bool owns(PSID owner) const {
+        return owner && ((!m_user.empty() && ::EqualSid(owner, reinterpret_cast<const TOKEN_USER*>(m_user.data())->User.Sid)) ||
+                         (!m_owner.empty() && ::EqualSid(owner, reinterpret_cast<const TOKEN_OWNER*>(m_owner.data())->Owner)));
+    }
+
+private:
+    static std::vector<BYTE> query(HANDLE token, TOKEN_INFORMATION_CLASS what) {
+        DWORD size = 0;
+        ::GetTokenInformation(token, what, nullptr, 0, &size);
+        std::vector<BYTE> data(size);
+        if (size == 0 || !::GetTokenInformation(token, what, data.data(), size, &size))
+            data.clear();
+        return data;
+    }
+
+    std::vector<BYTE> m_user;
+    std::vector<BYTE> m_owner;
+};
+
+bool ownedByUser(HANDLE handle) {
+    static const OwnSids own;
+    PSID owner = nullptr;
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    if (::GetSecurityInfo(handle, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr, nullptr,
+                          &descriptor) != ERROR_SUCCESS)
+        return false;
+    const bool mine = own.owns(owner);
+    ::LocalFree(descriptor);
+    return mine;
+}
+
+/// Fills what the attributes say; a reparse point is a link and never a folder.
+void applyAttributes(FileInfo& fi, DWORD attributes, std::uint64_t size) {
+    fi.attributes = attributes;
+    if (attributes & FILE_ATTRIBUTE_REPARSE_POINT)
+        fi.attributes &= ~static_cast<DWORD>(FILE_ATTRIBUTE_DIRECTORY);
+    const bool plain = !(attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DEVICE));
+    fi.isRegular = plain;
+    fi.size = plain ? size : 0;
+}
+
+/// Facts about `path` itself, from a handle that opens a link as the link. When no handle can be
+/// had (access denied), the attributes alone serve: one link, unknown device, not the user's.
+std::optional<FileInfo> describe(const std::wstring& path, const std::string& name) {
+    FileInfo fi;
+    fi.name = name;
+    const HANDLE handle = ::CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES | READ_CONTROL,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    BY_HANDLE_FILE_INFORMATION info{};
+    if (handle != INVALID_HANDLE_VALUE && ::GetFileInformationByHandle(handle, &info)) {
+        applyAttributes(fi, info.dwFileAttributes,
+                        (static_cast<std::uint64_t>(info.nFileSizeHigh) << 32) | info.nFileSizeLow);
+        fi.device = info.dwVolumeSerialNumber;
+        fi.links = info.nNumberOfLinks;
+        fi.modified = unixSeconds(info.ftLastWriteTime);
+        fi.ownedByUser = ownedByUser(handle);
+        ::CloseHandle(handle);
+        return fi;
+    }
+    if (handle != INVALID_HANDLE_VALUE)
+        ::CloseHandle(handle);
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (!::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data))
+        return std::nullopt;
+    applyAttributes(fi, data.dwFileAttributes, (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow);
+    fi.modified = unixSeconds(data.ftLastWriteTime);
+    return fi;
+}
+
+/// Whether `dir` is a folder that a listing may enter: a real folder, not a link to one.
+bool enterable(const std::wstring& dir) {
+    const DWORD attributes = ::GetFileAttributesW(dir.empty() ? L"." : dir.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return false;
+    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY) || (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
+        ::SetLastError(ERROR_DIRECTORY);
+        return false;
+    }
+    return true;
+}
+
+/// Runs `visit` over the entries of `dir` that FindFirstFileExW gives for `pattern`, "." and ".."
+/// left out. False when the folder cannot be listed.
+template <typename Visit> bool enumerate(const std::wstring& dir, const std::wstring& pattern, Visit visit) {
+    if (!enterable(dir))
+        return false;
+    WIN32_FIND_DATAW data{};
+    const HANDLE find = ::FindFirstFileExW(childPath(dir, pattern).c_str(), FindExInfoBasic, &data,
+                                           FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH);
+    if (find == INVALID_HANDLE_VALUE)
+        return ::GetLastError() == ERROR_FILE_NOT_FOUND; // a folder with no match is still listed
+    do {
+        const wchar_t* n = data.cFileName;
+        if (n[0] == L'.' && (n[1] == 0 || (n[1] == L'.' && n[2] == 0)))
+            continue;
+        if (!visit(data))
+            break;
+    } while (::FindNextFileW(find, &data));
+    ::FindClose(find);
+    return true;
+}
+
+std::wstring upper(const std::wstring& text) {
+    if (text.empty())
+        return text;
+    std::wstring out(text.size(), L'\0');
+    const int n = ::LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, text.data(), static_cast<int>(text.size()),
+                                  out.data(), static_cast<int>(out.size()), nullptr, nullptr, 0);
+    return n > 0 ? out : text;
+}
+
+} // namespace
+
+bool wildcardMatch(const std::wstring& name, const std::wstring& pattern) {
+    if (pattern.empty())
+        return false;
+    if (pattern == L"*" || pattern == L"*.*")
+        return true;
+    const std::wstring n = upper(name), p = upper(pattern);
+    std::size_t i = 0, j = 0, star = std::wstring::npos, resume = 0;
+    while (i < n.size()) {
+        if (j < p.size() && (p[j] == L'?' || p[j] == n[i])) {
+            ++i;
+            ++j;
+        } else if (j < p.size() && p[j] == L'*') {
+            star = j++;
+            resume = i;
+        } else if (star != std::wstring::npos) {
+            j = star + 1;
+            i = ++resume;
+        } else {
+            return false;
+        }
+    }
+    while (j < p.size() && p[j] == L'*')
+        ++j;
+    return j == p.size();
+}
+
+bool WindowsFileSystem::list(const std::string& dir, const std::string& pattern,
+                             const std::function<bool(const FileInfo&)>& visit) {
+    const std::wstring folder = widen(dir);
+    const std::wstring wanted = pattern.empty() ? L"*" : widen(pattern);
+    return enumerate(folder, wanted, [&](const WIN32_FIND_DATAW& data) {
+        // The system also matches short 8.3 names ("*.htm" finds "a.html"); only long names count.
+        if (!wildcardMatch(data.cFileName, wanted))
+            return true;
+        const auto fi = describe(childPath(folder, data.cFileName), narrow(data.cFileName));
+        return !fi || visit(*fi); // gone between listing and asking
+    });
+}
+
+bool WindowsFileSystem::names(const std::string& dir,
+                              const std::function<bool(const std::string& name, EntryKind kind)>& visit) {
+    return enumerate(widen(dir), L"*", [&](const WIN32_FIND_DATAW& data) {
+        const DWORD a = data.dwFileAttributes;
+        const EntryKind kind = (a & FILE_ATTRIBUTE_REPARSE_POINT) ? EntryKind::Link
+                               : (a & FILE_ATTRIBUTE_DIRECTORY)   ? EntryKind::Directory
+                               : (a & FILE_ATTRIBUTE_DEVICE)      ? EntryKind::Other
+                                                                  : EntryKind::File;
+        return visit(narrow(data.cFileName), kind);
+    });
+}
+
+bool WindowsFileSystem::matches(const std::string& name, const std::string& pattern) const {
+    return wildcardMatch(widen(name), widen(pattern));
+}
+
+std::optional<FileInfo> WindowsFileSystem::info(const std::string& path) {
+    std::string trimmed = path;
+    while (trimmed.size() > 3 && (trimmed.back() == '\\' || trimmed.back() == '/'))
+        trimmed.pop_back();
+    const auto cut = trimmed.find_last_of("\\/");
+    return describe(widen(trimmed), cut == std::string::npos || trimmed.size() <= 3 ? trimmed : trimmed.substr(cut + 1));
+}
+
+bool WindowsFileSystem::removeFile(const std::string& path) {
+    const std::wstring name = widen(path);
+    const DWORD attributes = ::GetFileAttributesW(name.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return isGone(::GetLastError());
+    if (attributes & FILE_ATTRIBUTE_DIRECTORY) {
+        // A link to a folder (junction, directory symlink) goes with RemoveDirectoryW, which
+        // removes the link itself; a real folder is not a file.
+        if (!(attributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
+            ::SetLastError(ERROR_ACCESS_DENIED);
+            return false;
+        }
+        return ::RemoveDirectoryW(name.c_str()) || isGone(::GetLastError());
+    }
+    return ::DeleteFileW(name.c_str()) || isGone(::GetLastError());
+}
+
+bool WindowsFileSystem::removeDirectory(const std::string& path) {
+    return ::RemoveDirectoryW(widen(path).c_str()) || isGone(::GetLastError());
+}
+
+bool WindowsFileSystem::createDirectory(const std::string& path) {
+    return ::CreateDirectoryW(widen(path).c_str(), nullptr) != 0;
+}
+
+bool WindowsFileSystem::makeNormal(const std::string& path) {
+    const std::wstring name = widen(path);
+    const DWORD attributes = ::GetFileAttributesW(name.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return false;
+    if (attributes & FILE_ATTRIBUTE_REPARSE_POINT)
+        return true; // the link's own attributes do not stand in the way of removing it
+    return ::SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL) != 0;
+}
+
+bool WindowsFileSystem::isInUse(const std::string& path) {
+    // An exclusive open fails while any other handle with data access is open, in any process.
+    const HANDLE handle = ::CreateFileW(widen(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                                        FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        const DWORD error = ::GetLastError();
+        return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+    }
+    ::CloseHandle(handle);
+    return false;
+}
+
+} // namespace platform::windows

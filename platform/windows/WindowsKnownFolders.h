@@ -1,0 +1,28 @@
+#pragma once
+// Well-known folders on Windows: the temporary folder (GetTempPathW, which follows TMP and TEMP),
+// the system folder (GetSystemDirectoryW), the user's profile (USERPROFILE) and the folder that
+// holds the profiles. All are read once, when the platform is built. Registry paths are already
+// paths of this machine.
+
+#include "platform/KnownFolders.h"
+
+namespace platform::windows {
+
+class WindowsKnownFolders final : public KnownFolders {
+public:
+    WindowsKnownFolders();
+
+    std::string tempPath() override { return m_temp; }
+    std::string systemDirectory() override { return m_system; }
+    std::string fromRegistryPath(const std::string& path) override { return path; }
+    std::string homePath() override { return m_home; }
+    std::string usersPath() override { return m_users; }
+
+private:
+    std::string m_temp;
+    std::string m_system;
+    std::string m_home;
+    std::string m_users;
+};
+
+} // namespace platform::windows

@@ -1,0 +1,20 @@
+#pragma once
+// Raw file handles on Windows: CreateFileW with share mode 0 and OPEN_ALWAYS for the exclusive
+// read-write handle, ReadFile / WriteFile at the file position, SetFilePointer, FlushFileBuffers,
+// and FormatMessageW for the system's error texts. A reparse point (symbolic link, junction) is
+// opened as itself and then refused, so no handle ever reaches what a link points to.
+
+#include "platform/RawFiles.h"
+
+namespace platform::windows {
+
+class WindowsRawFiles final : public RawFiles {
+public:
+    std::unique_ptr<RawFile> open(const std::string& path) override;
+    std::unique_ptr<RawFile> openForReading(const std::string& path) override;
+    int lastError() const override;
+    void setLastError(int code) override;
+    std::string errorText(int code) const override;
+};
+
+} // namespace platform::windows
