@@ -80,33 +80,59 @@ void applyAttributes(FileInfo& fi, DWORD attributes, std::uint64_t size) {
     fi.size = plain ? size : 0;
 }
 
-/// Facts about `path` itself, from a handle that opens a link as the link. When no handle can be
-/// had (access denied), the attributes alone serve: one link, unknown device, not the user's.
+/// Facts about `path` itself. The attributes come first, from the name's own entry: a handle may
+/// have gone through a link (Wine opens what a host symbolic link points to), so a link is described
+/// from its entry alone. Other entries are opened for their links, volume and owner; when no handle
+/// can be had (access denied) the attributes alone serve: one link, unknown volume, not the user's.
 std::optional<FileInfo> describe(const std::wstring& path, const std::string& name) {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (!::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data))
+        return std::nullopt;
     FileInfo fi;
     fi.name = name;
+    applyAttributes(fi, data.dwFileAttributes, (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow);
+    fi.modified = unixSeconds(data.ftLastWriteTime);
+    if (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)
+        return fi;
     const HANDLE handle = ::CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES | READ_CONTROL,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return fi;
     BY_HANDLE_FILE_INFORMATION info{};
-    if (handle != INVALID_HANDLE_VALUE && ::GetFileInformationByHandle(handle, &info)) {
-        applyAttributes(fi, info.dwFileAttributes,
+    if (::GetFileInformationByHandle(handle, &info)) {
+        applyAttributes(fi, info.dwFileAttributes | (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT),
                         (static_cast<std::uint64_t>(info.nFileSizeHigh) << 32) | info.nFileSizeLow);
         fi.device = info.dwVolumeSerialNumber;
         fi.links = info.nNumberOfLinks;
         fi.modified = unixSeconds(info.ftLastWriteTime);
         fi.ownedByUser = ownedByUser(handle);
-        ::CloseHandle(handle);
-        return fi;
     }
-    if (handle != INVALID_HANDLE_VALUE)
-        ::CloseHandle(handle);
-    WIN32_FILE_ATTRIBUTE_DATA data{};
-    if (!::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data))
-        return std::nullopt;
-    applyAttributes(fi, data.dwFileAttributes, (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow);
-    fi.modified = unixSeconds(data.ftLastWriteTime);
+    ::CloseHandle(handle);
     return fi;
+}
+
+/// Removes the link to a folder at `path` through a handle that is checked to be the link itself.
+/// RemoveDirectoryW cannot be trusted with it: Wine sends it on to the folder the link points to,
+/// and would remove that folder when it is empty. Where the system cannot open the link as itself,
+/// the link stays.
+bool removeFolderLink(const std::wstring& path) {
+    const HANDLE handle = ::CreateFileW(path.c_str(), DELETE | FILE_READ_ATTRIBUTES,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return isGone(::GetLastError());
+    BY_HANDLE_FILE_INFORMATION info{};
+    bool removed = false;
+    DWORD error = ERROR_NOT_SUPPORTED;
+    if (::GetFileInformationByHandle(handle, &info) && (info.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
+        FILE_DISPOSITION_INFO disposition{TRUE};
+        removed = ::SetFileInformationByHandle(handle, FileDispositionInfo, &disposition, sizeof disposition);
+        error = ::GetLastError();
+    }
+    ::CloseHandle(handle);
+    ::SetLastError(removed ? ERROR_SUCCESS : error);
+    return removed;
 }
 
 /// Whether `dir` is a folder that a listing may enter: a real folder, not a link to one.
@@ -222,19 +248,25 @@ bool WindowsFileSystem::removeFile(const std::string& path) {
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return isGone(::GetLastError());
     if (attributes & FILE_ATTRIBUTE_DIRECTORY) {
-        // A link to a folder (junction, directory symlink) goes with RemoveDirectoryW, which
-        // removes the link itself; a real folder is not a file.
-        if (!(attributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
-            ::SetLastError(ERROR_ACCESS_DENIED);
-            return false;
-        }
-        return ::RemoveDirectoryW(name.c_str()) || isGone(::GetLastError());
+        if (attributes & FILE_ATTRIBUTE_REPARSE_POINT)
+            return removeFolderLink(name);
+        ::SetLastError(ERROR_ACCESS_DENIED); // a real folder is not a file
+        return false;
     }
+    // DeleteFileW removes a link to a file itself, never its target.
     return ::DeleteFileW(name.c_str()) || isGone(::GetLastError());
 }
 
 bool WindowsFileSystem::removeDirectory(const std::string& path) {
-    return ::RemoveDirectoryW(widen(path).c_str()) || isGone(::GetLastError());
+    const std::wstring name = widen(path);
+    const DWORD attributes = ::GetFileAttributesW(name.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return isGone(::GetLastError());
+    if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) {
+        ::SetLastError(ERROR_DIRECTORY); // a link is no folder; removeFile() takes it
+        return false;
+    }
+    return ::RemoveDirectoryW(name.c_str()) || isGone(::GetLastError());
 }
 
 bool WindowsFileSystem::createDirectory(const std::string& path) {

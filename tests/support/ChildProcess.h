@@ -1,7 +1,7 @@
 #pragma once
-// Real child processes for tests: one running under a chosen program name (a copy of sleep
-// renamed), for code that watches the process list, and one that holds a file open, for code that
-// must leave files in use alone.
+// Real child processes for tests: one running under a chosen program name (a copy of sleep, on
+// Windows of the test sleeper, renamed), for code that watches the process list, and one that holds
+// a file open, for code that must leave files in use alone.
 
 #include "tests/support/Scratch.h"
 
@@ -25,6 +25,9 @@ public:
 private:
     ScratchDir m_dir;
     pid_t m_pid = -1;
+#ifdef _WIN32
+    void* m_process = nullptr; ///< the process handle
+#endif
 };
 
 /// A child process (sleep) that holds `path` open for reading until it ends.
@@ -41,6 +44,9 @@ public:
 private:
     pid_t m_pid = -1;
     bool m_holding = false;
+#ifdef _WIN32
+    void* m_process = nullptr;
+#endif
 };
 
 } // namespace testsupport

@@ -3,8 +3,14 @@
 #include <atomic>
 #include <cstdlib>
 #include <fstream>
+#include <random>
 #include <sstream>
+
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <unistd.h>
+#endif
 
 namespace fs = std::filesystem;
 
@@ -13,11 +19,24 @@ namespace {
 
 fs::path makeRoot() {
     const char* base = std::getenv("SCOURMILL_TEST_SCRATCH");
-    std::string pattern = (base && *base ? std::string(base) : fs::temp_directory_path().string()) +
-                          "/scourmill-test-XXXXXX";
-    if (!::mkdtemp(pattern.data()))
-        std::abort();
-    return pattern;
+    const fs::path parent = base && *base ? fs::path(base) : fs::temp_directory_path();
+    std::random_device random;
+    // A new folder of its own: create_directory is false when the name is taken.
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const fs::path candidate = parent / ("scourmill-test-" + std::to_string(random()));
+        std::error_code ec;
+        if (fs::create_directory(candidate, ec))
+            return candidate;
+    }
+    std::abort();
+}
+
+int processId() {
+#ifdef _WIN32
+    return static_cast<int>(::GetCurrentProcessId());
+#else
+    return static_cast<int>(::getpid());
+#endif
 }
 
 } // namespace
@@ -32,7 +51,12 @@ void enterScratchEnvironment() {
     const std::pair<const char*, const char*> folders[] = {
         {"HOME", "home"},           {"TMPDIR", "tmp"},           {"XDG_DATA_HOME", "data"},
         {"XDG_CONFIG_HOME", "config"}, {"XDG_CACHE_HOME", "cache"}, {"XDG_STATE_HOME", "state"},
-        {"XDG_RUNTIME_DIR", "runtime"}, {"WINEPREFIX", "wine"}};
+        {"XDG_RUNTIME_DIR", "runtime"}, {"WINEPREFIX", "wine"},
+#ifdef _WIN32
+        // What Windows takes the temporary folder and the profile from.
+        {"TMP", "tmp"}, {"TEMP", "tmp"}, {"USERPROFILE", "home"},
+#endif
+    };
     for (const auto& [variable, sub] : folders) {
         fs::create_directories(root / sub);
         setEnv(variable, (root / sub).string());
@@ -52,7 +76,7 @@ void leaveScratchEnvironment() {
 
 ScratchDir::ScratchDir() {
     static std::atomic<int> counter{0};
-    m_path = scratchRoot() / ("dir" + std::to_string(::getpid()) + "-" + std::to_string(counter++));
+    m_path = scratchRoot() / ("dir" + std::to_string(processId()) + "-" + std::to_string(counter++));
     fs::remove_all(m_path);
     fs::create_directories(m_path);
 }
@@ -82,7 +106,13 @@ std::string readFile(const fs::path& path) {
 }
 
 void setEnv(const std::string& name, const std::string& value) {
+#ifdef _WIN32
+    // Both the C runtime's copy and the process environment the Win32 calls read.
+    ::_putenv_s(name.c_str(), value.c_str());
+    ::SetEnvironmentVariableA(name.c_str(), value.c_str());
+#else
     ::setenv(name.c_str(), value.c_str(), 1);
+#endif
 }
 
 } // namespace testsupport

@@ -1,0 +1,194 @@
+// The Windows file facilities on real files: exclusive handles, error texts from the system, names
+// outside the ANSI code page, and links to folders that no listing or deletion goes through.
+
+#include "platform/Platform.h"
+#include "tests/support/Scratch.h"
+#include "tests/support/Wine.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+namespace fs = std::filesystem;
+using testsupport::ScratchDir;
+
+namespace {
+
+/// A name no ANSI code page holds whole: Latin, Greek and CJK letters together.
+const std::string Unicode = "R\xC3\xA9sum\xC3\xA9-\xCE\xB1\xCE\xB2-\xE6\x97\xA5\xE6\x9C\xAC.dat";
+
+fs::path u8path(const std::string& text) {
+    return fs::path(std::u8string(text.begin(), text.end()));
+}
+
+} // namespace
+
+class WindowsFilesTest : public ::testing::Test {
+protected:
+    std::unique_ptr<platform::Platform> p = platform::createNative();
+    platform::RawFiles& raw = p->rawFiles();
+    platform::FileSystem& files = p->fileSystem();
+    ScratchDir dir;
+
+    std::string at(const std::string& name) const { return dir.str() + "\\" + name; }
+
+    std::map<std::string, platform::FileInfo> listed(const std::string& folder, const std::string& pattern) {
+        std::map<std::string, platform::FileInfo> out;
+        EXPECT_TRUE(files.list(folder, pattern, [&](const platform::FileInfo& fi) {
+            out[fi.name] = fi;
+            return true;
+        }));
+        return out;
+    }
+};
+
+TEST_F(WindowsFilesTest, RawHandleIsExclusiveOpensAlwaysAndNeverTruncates) {
+    const std::string path = dir.write("data.bin", "0123456789").string();
+    auto file = raw.open(path);
+    ASSERT_TRUE(file);
+    // Share mode 0: nobody else gets the file meanwhile, not even a reader.
+    EXPECT_FALSE(raw.open(path));
+    EXPECT_EQ(raw.lastError(), ERROR_SHARING_VIOLATION);
+    EXPECT_FALSE(raw.openForReading(path));
+    EXPECT_TRUE(files.isInUse(path));
+    EXPECT_EQ(file->seek(4, platform::RawFile::From::Begin), 4);
+    EXPECT_EQ(file->write("ab", 2), 2u);
+    EXPECT_TRUE(file->flush());
+    char rest[16] = {};
+    EXPECT_EQ(file->read(rest, sizeof rest), 4u);
+    EXPECT_EQ(std::string(rest, 4), "6789");
+    EXPECT_EQ(file->seek(1LL << 32, platform::RawFile::From::Begin), 1LL << 32); // the high half reaches the system
+    EXPECT_EQ(file->seek(3, platform::RawFile::From::Begin), 3);
+    EXPECT_TRUE(file->truncate());
+    file.reset();
+    EXPECT_FALSE(files.isInUse(path));
+    EXPECT_EQ(testsupport::readFile(path), "012");
+
+    auto created = raw.open(at("new.bin"));
+    ASSERT_TRUE(created);
+    EXPECT_EQ(fs::file_size(at("new.bin")), 0u);
+}
+
+TEST_F(WindowsFilesTest, ErrorTextsComeFromFormatMessage) {
+    EXPECT_FALSE(raw.open(at("no\\such\\folder\\f.bin")));
+    EXPECT_EQ(raw.lastError(), ERROR_PATH_NOT_FOUND);
+    const std::string text = raw.errorText(ERROR_PATH_NOT_FOUND);
+    EXPECT_FALSE(text.empty());
+    EXPECT_NE(text, raw.errorText(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(raw.errorText(0x2BADBEEF), "");
+    raw.setLastError(0);
+    EXPECT_EQ(raw.lastError(), 0);
+    EXPECT_FALSE(raw.open(dir.str())); // a folder is no file to write
+}
+
+TEST_F(WindowsFilesTest, NamesOutsideTheAnsiCodePageKeepEveryCharacter) {
+    const std::string path = at(Unicode);
+    {
+        auto file = raw.open(path);
+        ASSERT_TRUE(file);
+        EXPECT_EQ(file->write("secret", 6), 6u);
+    }
+    // The host's own view of the name: the same UTF-16, so the same file.
+    EXPECT_EQ(testsupport::readFile(u8path(path)), "secret");
+    const auto found = listed(dir.str(), "*.dat");
+    ASSERT_EQ(found.count(Unicode), 1u);
+    EXPECT_EQ(found.at(Unicode).size, 6u);
+    EXPECT_TRUE(found.at(Unicode).isRegular);
+    EXPECT_TRUE(found.at(Unicode).ownedByUser);
+    EXPECT_EQ(found.at(Unicode).links, 1u);
+    EXPECT_TRUE(files.matches(Unicode, "r\xC3\xA9SUM*"));
+    EXPECT_EQ(files.info(path)->name, Unicode);
+    auto reader = raw.openForReading(path);
+    ASSERT_TRUE(reader);
+    reader.reset();
+    EXPECT_TRUE(files.removeFile(path));
+    EXPECT_FALSE(fs::exists(u8path(path)));
+    EXPECT_TRUE(files.removeFile(path)); // already gone
+}
+
+TEST_F(WindowsFilesTest, WildcardsFollowTheSystemsRulesWithoutLetterCase) {
+    dir.write("index.dat", "12345");
+    dir.write("INDEX.DAT.bak", "");
+    dir.write("noext", "");
+    fs::create_directory(dir.path() / "sub.dat");
+    EXPECT_EQ(listed(dir.str(), "*").size(), 4u);
+    EXPECT_EQ(listed(dir.str(), "*.*").size(), 4u); // also the name without a dot
+    const auto dats = listed(dir.str(), "*.DAT");
+    EXPECT_EQ(dats.size(), 2u);
+    EXPECT_TRUE(dats.count("index.dat") && dats.count("sub.dat"));
+    EXPECT_TRUE(dats.at("sub.dat").isDirectory());
+    EXPECT_EQ(listed(dir.str(), "index.?at").size(), 1u);
+    EXPECT_FALSE(files.matches("index.dat", ""));
+    EXPECT_FALSE(files.matches("index.dat", "index.da"));
+    EXPECT_TRUE(files.matches("a.b.c", "*.c"));
+    EXPECT_EQ(files.separator(), '\\');
+}
+
+TEST_F(WindowsFilesTest, ALinkToAFolderIsAlwaysALink) {
+    fs::create_directories(dir.path() / "target");
+    dir.write("target\\keep.txt", "keep");
+    fs::create_directories(dir.path() / "wiped");
+    ASSERT_TRUE(testsupport::makeFolderLink(at("wiped\\link"), at("target")));
+
+    const auto entries = listed(at("wiped"), "*");
+    ASSERT_EQ(entries.count("link"), 1u);
+    EXPECT_TRUE(entries.at("link").isLink());
+    EXPECT_FALSE(entries.at("link").isDirectory());
+    EXPECT_FALSE(entries.at("link").isRegular);
+    platform::EntryKind kind = platform::EntryKind::Unknown;
+    files.names(at("wiped"), [&](const std::string&, platform::EntryKind k) {
+        kind = k;
+        return true;
+    });
+    EXPECT_EQ(kind, platform::EntryKind::Link);
+    // Nothing enters it, writes through it or opens what it points to.
+    EXPECT_FALSE(files.list(at("wiped\\link"), "*", [](const platform::FileInfo&) { return true; }));
+    EXPECT_FALSE(raw.open(at("wiped\\link")));
+    EXPECT_TRUE(files.makeNormal(at("wiped\\link")));
+
+    EXPECT_FALSE(files.removeFile(at("target"))); // a real folder is not a file
+    EXPECT_FALSE(files.removeDirectory(at("wiped\\link")));
+    // Removing the link takes the link alone. Wine cannot open a host link as itself, so there the
+    // link stays: what matters is that nothing behind it is touched.
+    const bool removed = files.removeFile(at("wiped\\link"));
+    EXPECT_EQ(removed, !files.info(at("wiped\\link")).has_value());
+    if (!testsupport::underWine()) {
+        EXPECT_TRUE(removed);
+    }
+    EXPECT_EQ(testsupport::readFile(dir.path() / "target" / "keep.txt"), "keep");
+    // Even an empty folder behind a link survives an attempt to remove the link.
+    std::filesystem::remove(dir.path() / "target" / "keep.txt");
+    files.removeFile(at("wiped\\link"));
+    EXPECT_TRUE(std::filesystem::is_directory(dir.path() / "target"));
+}
+
+TEST_F(WindowsFilesTest, ReadOnlyAndHiddenBecomeNormalAndFoldersComeAndGo) {
+    const std::string path = dir.write("ro.dat", "x").string();
+    ASSERT_TRUE(::SetFileAttributesW(fs::path(path).c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN));
+    const auto before = files.info(path);
+    ASSERT_TRUE(before);
+    EXPECT_TRUE(before->attributes & platform::Attr::ReadOnly);
+    EXPECT_TRUE(before->attributes & platform::Attr::Hidden);
+    EXPECT_TRUE(files.makeNormal(path));
+    EXPECT_EQ(files.info(path)->attributes & (platform::Attr::ReadOnly | platform::Attr::Hidden), 0u);
+
+    const std::string sub = at("made");
+    EXPECT_TRUE(files.createDirectory(sub));
+    dir.write("made\\f", "x");
+    EXPECT_FALSE(files.removeDirectory(sub)); // not empty
+    EXPECT_TRUE(files.removeFile(sub + "\\f"));
+    EXPECT_TRUE(files.removeDirectory(sub));
+    EXPECT_TRUE(files.removeDirectory(sub));
+    EXPECT_FALSE(files.info(sub).has_value());
+}
+
+TEST_F(WindowsFilesTest, AFileHeldOpenElsewhereIsInUse) {
+    const std::string path = dir.write("busy.tmp", "x").string();
+    EXPECT_FALSE(files.isInUse(path));
+    std::ifstream holder(path);
+    EXPECT_TRUE(files.isInUse(path));
+}

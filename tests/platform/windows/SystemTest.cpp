@@ -1,0 +1,89 @@
+// Memory figures, processes, known folders and drives as the system itself reports them.
+
+#include "platform/Platform.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+TEST(WindowsMemoryStatus, FiguresAreGlobalMemoryStatusExFieldForField) {
+    auto p = platform::createNative();
+    platform::MemoryStatusRecord r;
+    ASSERT_TRUE(p->memoryStatus().query(r));
+    MEMORYSTATUSEX m{};
+    m.dwLength = sizeof m;
+    ASSERT_TRUE(::GlobalMemoryStatusEx(&m));
+    EXPECT_EQ(r.dwLength, 64u);
+    EXPECT_EQ(r.ullTotalPhys, m.ullTotalPhys);
+    EXPECT_EQ(r.ullTotalPageFile, m.ullTotalPageFile);
+    EXPECT_EQ(r.ullTotalVirtual, m.ullTotalVirtual);
+    // Available memory moves between two reads; it stays within a few percent.
+    EXPECT_NEAR(static_cast<double>(r.ullAvailPhys), static_cast<double>(m.ullAvailPhys), 0.05 * m.ullTotalPhys);
+    EXPECT_GT(r.ullTotalPhys, 0u);
+    EXPECT_LE(r.ullAvailPhys, r.ullTotalPhys);
+    EXPECT_LE(r.dwMemoryLoad, 100u);
+    EXPECT_GT(r.ullTotalVirtual, r.ullAvailVirtual);
+}
+
+TEST(WindowsProcesses, AStartedProgramIsListedByItsFileName) {
+    testsupport::ChildProcess child("iexplore.exe");
+    ASSERT_GT(child.pid(), 0);
+    auto p = platform::createNative();
+    auto& processes = p->processes();
+    const auto ids = processes.ids();
+    EXPECT_NE(std::find(ids.begin(), ids.end(), static_cast<long>(child.pid())), ids.end());
+    EXPECT_EQ(processes.programName(child.pid()), "iexplore.exe");
+    wchar_t self[MAX_PATH];
+    ::GetModuleFileNameW(nullptr, self, MAX_PATH);
+    EXPECT_EQ(processes.programName(static_cast<long>(::GetCurrentProcessId())),
+              std::filesystem::path(self).filename().string());
+    const long pid = child.pid();
+    child.stop();
+    // The system may take a moment to let go of an ended process.
+    bool gone = false;
+    for (int i = 0; i < 200 && !gone; ++i, ::Sleep(5))
+        gone = !processes.programName(pid).has_value();
+    EXPECT_TRUE(gone);
+}
+
+TEST(WindowsKnownFolders, FoldersComeFromTheEnvironmentAndTheSystem) {
+    auto p = platform::createNative();
+    auto& folders = p->knownFolders();
+    EXPECT_EQ(std::filesystem::path(folders.tempPath()), std::filesystem::path(std::getenv("TMP")));
+    EXPECT_EQ(folders.homePath(), std::getenv("USERPROFILE"));
+    EXPECT_EQ(folders.usersPath(), std::filesystem::path(folders.homePath()).parent_path().string());
+    wchar_t system[MAX_PATH];
+    ::GetSystemDirectoryW(system, MAX_PATH);
+    EXPECT_EQ(folders.systemDirectory(), std::filesystem::path(system).string());
+    EXPECT_EQ(folders.fromRegistryPath("C:\\users\\me\\Cookies"), "C:\\users\\me\\Cookies");
+}
+
+TEST(WindowsDrives, TheSystemDriveIsAFixedDriveWithSpace) {
+    auto p = platform::createNative();
+    auto& drives = p->drives();
+    const auto roots = drives.roots();
+    ASSERT_NE(std::find(roots.begin(), roots.end(), "C:\\"), roots.end());
+    EXPECT_EQ(drives.type("C:\\"), platform::DriveType::Fixed);
+    EXPECT_EQ(drives.rootOf("C:\\windows\\system32"), "C:\\");
+    platform::DiskSpace space;
+    ASSERT_TRUE(drives.space("C:\\", space));
+    EXPECT_GT(space.total, 0u);
+    EXPECT_LE(space.freeToCaller, space.totalFree);
+    EXPECT_TRUE(drives.isDirectory("C:\\windows"));
+    EXPECT_FALSE(drives.isDirectory("C:\\no such folder"));
+    EXPECT_EQ(drives.type("Q:\\"), platform::DriveType::NoRootDir);
+}
+
+TEST(WindowsShell, ProgramsAreExecutables) {
+    auto p = platform::createNative();
+    EXPECT_EQ(p->shell().executableName("tavipop"), "tavipop.exe");
+    EXPECT_FALSE(p->shell().startProgram("no-such-program-here.exe"));
+    EXPECT_FALSE(p->shell().startProgram("..\\escape.exe"));
+    EXPECT_FALSE(p->shell().open(""));
+}

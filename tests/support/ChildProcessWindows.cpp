@@ -1,0 +1,81 @@
+// Child processes on Windows: the test sleeper, copied under a chosen program name, or holding a
+// file open.
+
+#include "tests/support/ChildProcess.h"
+
+#include "tests/support/Wine.h"
+
+#include <windows.h>
+#include <psapi.h>
+
+#include <filesystem>
+
+namespace testsupport {
+
+ChildProcess::ChildProcess(const std::string& programName) {
+    const auto exe = m_dir.path() / programName;
+    std::filesystem::copy_file(windowsPathOf(SCOURMILL_TEST_SLEEPER), exe);
+    std::wstring commandLine = L"\"" + exe.wstring() + L"\" 60";
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION started{};
+    if (!::CreateProcessW(exe.wstring().c_str(), commandLine.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
+                          nullptr, &startup, &started))
+        return;
+    ::CloseHandle(started.hThread);
+    m_process = started.hProcess;
+    // Right after the start its modules may not be listed yet.
+    wchar_t name[MAX_PATH];
+    for (int i = 0; i < 400; ++i) {
+        HMODULE first = nullptr;
+        DWORD needed = 0;
+        if (::K32EnumProcessModules(started.hProcess, &first, sizeof first, &needed) &&
+            ::K32GetModuleFileNameExW(started.hProcess, first, name, MAX_PATH) > 0)
+            break;
+        ::Sleep(5);
+    }
+    m_pid = static_cast<pid_t>(started.dwProcessId);
+}
+
+ChildProcess::~ChildProcess() {
+    stop();
+}
+
+void ChildProcess::stop() {
+    if (m_pid > 0) {
+        ::TerminateProcess(m_process, 1);
+        ::WaitForSingleObject(m_process, 10000);
+        ::CloseHandle(m_process);
+        m_pid = -1;
+    }
+}
+
+FileHolder::FileHolder(const std::string& path) {
+    const std::wstring sleeper = std::filesystem::path(windowsPathOf(SCOURMILL_TEST_SLEEPER)).wstring();
+    std::wstring commandLine = L"\"" + sleeper + L"\" 60 \"" + std::filesystem::path(path).wstring() + L"\"";
+    SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
+    const HANDLE ready = ::CreateEventW(&inherit, TRUE, FALSE, nullptr);
+    commandLine += L" " + std::to_wstring(reinterpret_cast<std::uintptr_t>(ready));
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION started{};
+    if (::CreateProcessW(sleeper.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
+                         nullptr, &startup, &started)) {
+        ::CloseHandle(started.hThread);
+        m_process = started.hProcess;
+        m_pid = static_cast<pid_t>(started.dwProcessId);
+        // The sleeper signals once it has the file open.
+        m_holding = ::WaitForSingleObject(ready, 10000) == WAIT_OBJECT_0;
+    }
+    ::CloseHandle(ready);
+}
+
+FileHolder::~FileHolder() {
+    if (m_process) {
+        ::TerminateProcess(m_process, 1);
+        ::WaitForSingleObject(m_process, 10000);
+        ::CloseHandle(m_process);
+    }
+}
+
+} // namespace testsupport
