@@ -8,7 +8,7 @@ packages=(
     qt6-base-dev qt6-base-dev-tools libgl-dev
     libcli11-dev libgtest-dev libgmock-dev libbenchmark-dev
     libsqlite3-dev sqlite3 libglib2.0-dev
-    g++-mingw-w64-x86-64-posix
+    g++-mingw-w64-x86-64-posix googletest wine wine64
     clang-14 libclang-rt-14-dev llvm-14
     xvfb xauth dbus-daemon
     e2fsprogs xfsprogs btrfs-progs util-linux mount

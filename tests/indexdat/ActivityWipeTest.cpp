@@ -55,7 +55,7 @@ TEST_F(ActivityWipeTest, KeepsTheFirst1024BytesAndBlanksTheRestToTheRoundedBlock
         {511, 511}, {512, 512}, {513, 2052}, {1024, 2052}, {1536, 3076}, {2560, 3076}, {3584, 5124}, {16384, 17412}};
     for (const auto& [size, after] : sizes) {
         const std::string before = randomBytes(size, static_cast<unsigned>(size));
-        const auto path = dir.write("f" + std::to_string(size), before);
+        const auto path = dir.write(std::to_string(size) + ".f", before);
         wipe(path);
         const std::string now = readFile(path);
         ASSERT_EQ(now.size(), after) << size;

@@ -11,7 +11,11 @@
 #include <cerrno>
 #include <filesystem>
 #include <functional>
+#ifdef _WIN32
+#include "tests/support/Wine.h"
+#else
 #include <sys/stat.h>
+#endif
 
 using testsupport::readFile;
 using testsupport::ScratchDir;
@@ -81,28 +85,40 @@ TEST_F(RandomTest, OpenAlwaysCreatesOrKeepsAndASecondOpenNamesTheFirstFile) {
 }
 
 TEST_F(RandomTest, OpenFailuresCarryTheSystemTextAndTheExclusiveOpenRefusesASecondOpener) {
+#ifdef _WIN32
+    const int busy = 32, missing = 3; // ERROR_SHARING_VIOLATION, ERROR_PATH_NOT_FOUND
+#else
+    const int busy = EBUSY, missing = ENOENT;
+#endif
     const auto path = dir.write("locked.bin", "x").string();
     Random first(platform->rawFiles()), second(platform->rawFiles());
     first.OpenFile(path);
     std::string text;
     EXPECT_EQ(errorNumber([&] { second.OpenFile(path); }, &text), 45602);
-    EXPECT_EQ(text, "Error opening '" + path + "'.\r\nError " + std::to_string(EBUSY) + "\r\n" +
-                        platform->rawFiles().errorText(EBUSY));
+    EXPECT_EQ(text, "Error opening '" + path + "'.\r\nError " + std::to_string(busy) + "\r\n" +
+                        platform->rawFiles().errorText(busy));
     first.CloseFile();
     second.OpenFile(path); // released with the first handle
 
     const std::string nowhere = (dir.path() / "no" / "such" / "file").string();
     Random third(platform->rawFiles());
     EXPECT_EQ(errorNumber([&] { third.OpenFile(nowhere); }, &text), 45602);
-    EXPECT_EQ(text, "Error opening '" + nowhere + "'.\r\nError " + std::to_string(ENOENT) + "\r\n" +
-                        platform->rawFiles().errorText(ENOENT));
+    EXPECT_EQ(text, "Error opening '" + nowhere + "'.\r\nError " + std::to_string(missing) + "\r\n" +
+                        platform->rawFiles().errorText(missing));
 
     // Only plain files open: never through a link, never a pipe or a device in a file's place.
+#ifdef _WIN32
+    std::filesystem::create_directory(dir.path() / "folder");
+    ASSERT_TRUE(testsupport::makeFolderLink((dir.path() / "link").string(), (dir.path() / "folder").string()));
+    EXPECT_EQ(errorNumber([&] { third.OpenFile((dir.path() / "link").string()); }), 45602);
+    EXPECT_EQ(errorNumber([&] { third.OpenFile("NUL"); }), 45602);
+#else
     std::filesystem::create_symlink(path, dir.path() / "link");
     EXPECT_EQ(errorNumber([&] { third.OpenFile((dir.path() / "link").string()); }), 45602);
     ASSERT_EQ(::mkfifo((dir.path() / "pipe").c_str(), 0600), 0);
     EXPECT_EQ(errorNumber([&] { third.OpenFile((dir.path() / "pipe").string()); }), 45602);
     EXPECT_EQ(errorNumber([&] { third.OpenFile("/dev/null"); }), 45602);
+#endif
     EXPECT_FALSE(third.IsOpen());
 }
 
