@@ -70,6 +70,12 @@ bool ownedByUser(HANDLE handle) {
     return mine;
 }
 
+/// Whether `path` is a drive's root ("D:\\"). A root is never a link, whatever its attributes say:
+/// Wine marks the root of a drive that its configuration maps to a host folder as a reparse point.
+bool isDriveRoot(const std::wstring& path) {
+    return (path.size() == 2 || path.size() == 3) && path[1] == L':' && (path.size() == 2 || path[2] == L'\\' || path[2] == L'/');
+}
+
 /// Fills what the attributes say; a reparse point is a link and never a folder.
 void applyAttributes(FileInfo& fi, DWORD attributes, std::uint64_t size) {
     fi.attributes = attributes;
@@ -88,6 +94,8 @@ std::optional<FileInfo> describe(const std::wstring& path, const std::string& na
     WIN32_FILE_ATTRIBUTE_DATA data{};
     if (!::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data))
         return std::nullopt;
+    if (isDriveRoot(path))
+        data.dwFileAttributes &= ~static_cast<DWORD>(FILE_ATTRIBUTE_REPARSE_POINT);
     FileInfo fi;
     fi.name = name;
     applyAttributes(fi, data.dwFileAttributes, (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow);
@@ -101,7 +109,9 @@ std::optional<FileInfo> describe(const std::wstring& path, const std::string& na
         return fi;
     BY_HANDLE_FILE_INFORMATION info{};
     if (::GetFileInformationByHandle(handle, &info)) {
-        applyAttributes(fi, info.dwFileAttributes | (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT),
+        const DWORD handleAttributes =
+            isDriveRoot(path) ? info.dwFileAttributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_REPARSE_POINT) : info.dwFileAttributes;
+        applyAttributes(fi, handleAttributes | (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT),
                         (static_cast<std::uint64_t>(info.nFileSizeHigh) << 32) | info.nFileSizeLow);
         fi.device = info.dwVolumeSerialNumber;
         fi.links = info.nNumberOfLinks;
@@ -140,7 +150,7 @@ bool enterable(const std::wstring& dir) {
     const DWORD attributes = ::GetFileAttributesW(dir.empty() ? L"." : dir.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return false;
-    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY) || (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
+    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY) || ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && !isDriveRoot(dir))) {
         ::SetLastError(ERROR_DIRECTORY);
         return false;
     }
