@@ -1,11 +1,10 @@
 #include "platform/windows/WindowsFileSystem.h"
 
+#include "platform/windows/WinFiles.h"
 #include "platform/windows/WinText.h"
+#include "platform/windows/WindowsFolder.h"
 
 #include <windows.h>
-#include <aclapi.h>
-
-#include <vector>
 
 namespace platform::windows {
 namespace {
@@ -15,75 +14,6 @@ std::wstring childPath(const std::wstring& dir, const std::wstring& name) {
         return name;
     const wchar_t last = dir.back();
     return last == L'\\' || last == L'/' || last == L':' ? dir + name : dir + L'\\' + name;
-}
-
-bool isGone(DWORD error) {
-    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
-}
-
-std::int64_t unixSeconds(const FILETIME& time) {
-    const std::int64_t ticks = (static_cast<std::int64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
-    return (ticks - 116444736000000000LL) / 10000000LL;
-}
-
-/// The SIDs a file of this user carries as its owner: the user itself, and the default owner the
-/// token gives new objects (the Administrators group for an elevated administrator).
-class OwnSids {
-public:
-    OwnSids() {
-        HANDLE token = nullptr;
-        if (!::OpenProcessToken(::GetCurrentProcess(), TOKEN_QUERY, &token))
-            return;
-        m_user = query(token, TokenUser);
-        m_owner = query(token, TokenOwner);
-        ::CloseHandle(token);
-    }
-
-    bool owns(PSID owner) const {
-        return owner && ((!m_user.empty() && ::EqualSid(owner, reinterpret_cast<const TOKEN_USER*>(m_user.data())->User.Sid)) ||
-                         (!m_owner.empty() && ::EqualSid(owner, reinterpret_cast<const TOKEN_OWNER*>(m_owner.data())->Owner)));
-    }
-
-private:
-    static std::vector<BYTE> query(HANDLE token, TOKEN_INFORMATION_CLASS what) {
-        DWORD size = 0;
-        ::GetTokenInformation(token, what, nullptr, 0, &size);
-        std::vector<BYTE> data(size);
-        if (size == 0 || !::GetTokenInformation(token, what, data.data(), size, &size))
-            data.clear();
-        return data;
-    }
-
-    std::vector<BYTE> m_user;
-    std::vector<BYTE> m_owner;
-};
-
-bool ownedByUser(HANDLE handle) {
-    static const OwnSids own;
-    PSID owner = nullptr;
-    PSECURITY_DESCRIPTOR descriptor = nullptr;
-    if (::GetSecurityInfo(handle, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr, nullptr,
-                          &descriptor) != ERROR_SUCCESS)
-        return false;
-    const bool mine = own.owns(owner);
-    ::LocalFree(descriptor);
-    return mine;
-}
-
-/// Whether `path` is a drive's root ("D:\\"). A root is never a link, whatever its attributes say:
-/// Wine marks the root of a drive that its configuration maps to a host folder as a reparse point.
-bool isDriveRoot(const std::wstring& path) {
-    return (path.size() == 2 || path.size() == 3) && path[1] == L':' && (path.size() == 2 || path[2] == L'\\' || path[2] == L'/');
-}
-
-/// Fills what the attributes say; a reparse point is a link and never a folder.
-void applyAttributes(FileInfo& fi, DWORD attributes, std::uint64_t size) {
-    fi.attributes = attributes;
-    if (attributes & FILE_ATTRIBUTE_REPARSE_POINT)
-        fi.attributes &= ~static_cast<DWORD>(FILE_ATTRIBUTE_DIRECTORY);
-    const bool plain = !(attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DEVICE));
-    fi.isRegular = plain;
-    fi.size = plain ? size : 0;
 }
 
 /// Facts about `path` itself. The attributes come first, from the name's own entry: a handle may
@@ -107,17 +37,8 @@ std::optional<FileInfo> describe(const std::wstring& path, const std::string& na
                                         FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
     if (handle == INVALID_HANDLE_VALUE)
         return fi;
-    BY_HANDLE_FILE_INFORMATION info{};
-    if (::GetFileInformationByHandle(handle, &info)) {
-        const DWORD handleAttributes =
-            isDriveRoot(path) ? info.dwFileAttributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_REPARSE_POINT) : info.dwFileAttributes;
-        applyAttributes(fi, handleAttributes | (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT),
-                        (static_cast<std::uint64_t>(info.nFileSizeHigh) << 32) | info.nFileSizeLow);
-        fi.device = info.dwVolumeSerialNumber;
-        fi.links = info.nNumberOfLinks;
-        fi.modified = unixSeconds(info.ftLastWriteTime);
-        fi.ownedByUser = ownedByUser(handle);
-    }
+    if (describeHandle(handle, fi) && isDriveRoot(path))
+        applyAttributes(fi, fi.attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_REPARSE_POINT), 0);
     ::CloseHandle(handle);
     return fi;
 }
@@ -250,6 +171,10 @@ std::optional<FileInfo> WindowsFileSystem::info(const std::string& path) {
         trimmed.pop_back();
     const auto cut = trimmed.find_last_of("\\/");
     return describe(widen(trimmed), cut == std::string::npos || trimmed.size() <= 3 ? trimmed : trimmed.substr(cut + 1));
+}
+
+std::unique_ptr<Folder> WindowsFileSystem::openFolder(const std::string& path) {
+    return WindowsFolder::open(path);
 }
 
 bool WindowsFileSystem::removeFile(const std::string& path) {

@@ -16,6 +16,7 @@ public:
                const std::function<bool(const std::string& name, EntryKind kind)>& visit) override;
     bool matches(const std::string& name, const std::string& pattern) const override;
     std::optional<FileInfo> info(const std::string& path) override;
+    std::unique_ptr<Folder> openFolder(const std::string& path) override;
     bool removeFile(const std::string& path) override;
     bool removeDirectory(const std::string& path) override;
     bool createDirectory(const std::string& path) override;

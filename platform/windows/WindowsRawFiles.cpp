@@ -1,5 +1,6 @@
 #include "platform/windows/WindowsRawFiles.h"
 
+#include "platform/windows/WinFiles.h"
 #include "platform/windows/WinText.h"
 
 #include <windows.h>
@@ -59,12 +60,23 @@ public:
 
     std::intptr_t nativeHandle() const override { return reinterpret_cast<std::intptr_t>(m_handle); }
 
+    std::optional<FileInfo> info() const override {
+        FileInfo fi;
+        if (!describeHandle(m_handle, fi))
+            return std::nullopt;
+        return fi;
+    }
+
+    // Opened with share mode 0: no other handle can be open at the same time.
+    bool openElsewhere() const override { return false; }
+
 private:
     HANDLE m_handle;
 };
 
-/// Keeps `handle` only when it is a plain file on disk, not a link, folder, pipe or device.
-std::unique_ptr<RawFile> plainFileOrNothing(HANDLE handle) {
+} // namespace
+
+std::unique_ptr<RawFile> adoptPlainFile(HANDLE handle, bool forWriting) {
     if (handle == INVALID_HANDLE_VALUE)
         return nullptr;
     BY_HANDLE_FILE_INFORMATION info{};
@@ -74,6 +86,8 @@ std::unique_ptr<RawFile> plainFileOrNothing(HANDLE handle) {
             error = ERROR_CANT_RESOLVE_FILENAME;
         else if (info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
             error = ERROR_DIRECTORY;
+        else if (forWriting && info.nNumberOfLinks > 1)
+            error = ERROR_TOO_MANY_LINKS; // writing would change the file under its other names too
         else
             return std::make_unique<WindowsRawFile>(handle);
     }
@@ -81,6 +95,8 @@ std::unique_ptr<RawFile> plainFileOrNothing(HANDLE handle) {
     ::SetLastError(error);
     return nullptr;
 }
+
+namespace {
 
 /// Refuses a path that names a reparse point before anything opens it; the handle check
 /// afterwards catches one that appears in between.
@@ -92,23 +108,46 @@ bool namesLink(const std::wstring& path) {
     return true;
 }
 
+/// The long form of the last component of `path`, as the system names the file.
+std::wstring ownName(const std::wstring& path) {
+    std::wstring full(32768, L'\0');
+    DWORD n = ::GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    if (n == 0 || n >= full.size())
+        return {};
+    full.resize(n);
+    std::wstring longer(32768, L'\0');
+    n = ::GetLongPathNameW(full.c_str(), longer.data(), static_cast<DWORD>(longer.size()));
+    if (n > 0 && n < longer.size())
+        full.assign(longer.data(), n);
+    const auto cut = full.find_last_of(L"\\/");
+    return cut == std::wstring::npos ? full : full.substr(cut + 1);
+}
+
+/// Opens `path` with CreateFileW as itself and keeps the handle only when it holds that name's
+/// own plain file, not what a link put in between points to.
+std::unique_ptr<RawFile> openPlain(const std::wstring& path, DWORD access, DWORD share, DWORD disposition,
+                                   bool forWriting) {
+    if (namesLink(path))
+        return nullptr;
+    const HANDLE handle = ::CreateFileW(path.c_str(), access, share, nullptr, disposition,
+                                        FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (handle != INVALID_HANDLE_VALUE && !reachedAs(handle, ownName(path))) {
+        ::CloseHandle(handle);
+        ::SetLastError(ERROR_CANT_RESOLVE_FILENAME);
+        return nullptr;
+    }
+    return adoptPlainFile(handle, forWriting);
+}
+
 } // namespace
 
 std::unique_ptr<RawFile> WindowsRawFiles::open(const std::string& path) {
-    const std::wstring name = widen(path);
-    if (namesLink(name))
-        return nullptr;
-    return plainFileOrNothing(::CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
-                                            FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    return openPlain(widen(path), GENERIC_READ | GENERIC_WRITE, 0, OPEN_ALWAYS, true);
 }
 
 std::unique_ptr<RawFile> WindowsRawFiles::openForReading(const std::string& path) {
-    const std::wstring name = widen(path);
-    if (namesLink(name))
-        return nullptr;
-    return plainFileOrNothing(::CreateFileW(name.c_str(), GENERIC_READ,
-                                            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                            OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    return openPlain(widen(path), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING,
+                     false);
 }
 
 int WindowsRawFiles::lastError() const {

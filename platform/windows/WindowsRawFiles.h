@@ -6,6 +6,8 @@
 
 #include "platform/RawFiles.h"
 
+#include <windows.h>
+
 namespace platform::windows {
 
 class WindowsRawFiles final : public RawFiles {
@@ -16,5 +18,10 @@ public:
     void setLastError(int code) override;
     std::string errorText(int code) const override;
 };
+
+/// Takes `handle` as a raw file when it holds a plain file on disk: a link, folder, pipe or device
+/// is closed and refused (null, Win32 error set), and so is a file with other hard links when
+/// `forWriting`. INVALID_HANDLE_VALUE gives null and leaves the error as it is.
+std::unique_ptr<RawFile> adoptPlainFile(HANDLE handle, bool forWriting = true);
 
 } // namespace platform::windows

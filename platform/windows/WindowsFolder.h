@@ -1,0 +1,44 @@
+#pragma once
+// An open folder on Windows: a handle opened without delete sharing, so that the folder cannot be
+// renamed, moved or replaced while a walk is inside it, with every entry reached below that handle
+// by its name alone (NtCreateFile with the folder as root) and the listing read from the handle
+// itself (GetFileInformationByHandleEx). Entries are always opened as themselves: a symbolic link,
+// junction or mount point is described and deleted, never entered or written through.
+
+#include "platform/Folder.h"
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+
+namespace platform::windows {
+
+class WindowsFolder final : public Folder {
+public:
+    /// Opens the folder `path`; links in the folders leading to it are followed as named, but not
+    /// a link as the last component. Null when that is no folder (Win32 error set).
+    static std::unique_ptr<WindowsFolder> open(const std::string& path);
+    ~WindowsFolder() override;
+    WindowsFolder(const WindowsFolder&) = delete;
+    WindowsFolder& operator=(const WindowsFolder&) = delete;
+
+    const std::string& path() const override { return m_path; }
+    FileInfo self() const override;
+    bool list(const std::function<bool(const FileInfo&)>& visit) override;
+    std::optional<FileInfo> entry(const std::string& name) override;
+    std::unique_ptr<Folder> openFolder(const std::string& name) override;
+    std::unique_ptr<RawFile> openFile(const std::string& name, bool create) override;
+    bool removeFile(const std::string& name) override;
+    bool removeFolder(const std::string& name) override;
+    bool makeNormal(const std::string& name) override;
+
+private:
+    WindowsFolder(HANDLE handle, std::string path, bool isRoot) : m_handle(handle), m_path(std::move(path)), m_isRoot(isRoot) {}
+
+    HANDLE m_handle;
+    std::string m_path;
+    bool m_isRoot; ///< a drive's root, which Wine may mark as a reparse point
+};
+
+} // namespace platform::windows

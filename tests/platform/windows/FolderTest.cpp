@@ -1,0 +1,137 @@
+// Open folders on Windows, on real files: a walk reaches entries below the folder's handle, the
+// folder cannot be moved away while it is open, and links, folders and files with other names are
+// never opened for writing.
+
+#include "platform/Folder.h"
+#include "platform/Platform.h"
+#include "tests/support/Scratch.h"
+#include "tests/support/Wine.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <filesystem>
+#include <map>
+
+namespace fs = std::filesystem;
+using testsupport::ScratchDir;
+
+class WindowsFolderTest : public ::testing::Test {
+protected:
+    std::unique_ptr<platform::Platform> p = platform::createNative();
+    platform::FileSystem& files = p->fileSystem();
+    ScratchDir dir;
+
+    std::string at(const std::string& name) const { return dir.str() + "\\" + name; }
+
+    static std::map<std::string, platform::FileInfo> listed(platform::Folder& folder) {
+        std::map<std::string, platform::FileInfo> out;
+        EXPECT_TRUE(folder.list([&](const platform::FileInfo& fi) {
+            out[fi.name] = fi;
+            return true;
+        }));
+        return out;
+    }
+};
+
+TEST_F(WindowsFolderTest, EntriesAreReachedBelowAFolderThatStaysInPlace) {
+    dir.write("walk\\a.txt", "alpha");
+    dir.write("walk\\sub\\b.txt", "beta");
+    auto walk = files.openFolder(at("walk"));
+    ASSERT_TRUE(walk);
+    EXPECT_TRUE(walk->self().isDirectory());
+    EXPECT_NE(walk->self().index, 0u);
+
+    const auto entries = listed(*walk);
+    ASSERT_EQ(entries.size(), 2u);
+    EXPECT_TRUE(entries.at("a.txt").isRegular);
+    EXPECT_EQ(entries.at("a.txt").size, 5u);
+    EXPECT_EQ(entries.at("a.txt").links, 1u);
+    EXPECT_EQ(entries.at("a.txt").mount, walk->self().mount);
+    EXPECT_TRUE(entries.at("sub").isDirectory());
+    EXPECT_TRUE(walk->entry("A.TXT")); // the system's case rules
+    EXPECT_FALSE(walk->entry("missing"));
+    EXPECT_FALSE(walk->entry("sub\\b.txt")); // one name, never a path
+    EXPECT_FALSE(walk->entry(".."));
+
+    // While the walk is inside, the folder can be neither renamed nor replaced.
+    EXPECT_FALSE(::MoveFileW(fs::path(at("walk")).c_str(), fs::path(at("moved")).c_str()));
+    auto sub = walk->openFolder("sub");
+    ASSERT_TRUE(sub);
+    EXPECT_EQ(sub->path(), at("walk") + "\\sub");
+    EXPECT_TRUE(sub->self().sameFileAs(entries.at("sub")));
+    EXPECT_FALSE(walk->openFolder("a.txt"));
+
+    auto file = sub->openFile("b.txt", false);
+    ASSERT_TRUE(file);
+    EXPECT_TRUE(file->info()->sameFileAs(*sub->entry("b.txt")));
+    EXPECT_FALSE(file->openElsewhere());
+    EXPECT_FALSE(sub->openFile("b.txt", false)); // exclusive
+    file.reset();
+    EXPECT_FALSE(sub->openFile("new.txt", false));
+    EXPECT_TRUE(sub->openFile("new.txt", true));
+    EXPECT_TRUE(fs::exists(at("walk\\sub\\new.txt")));
+
+    EXPECT_FALSE(walk->removeFolder("sub")); // not empty
+    EXPECT_FALSE(walk->removeFile("sub"));   // a real folder is no file
+    EXPECT_TRUE(sub->removeFile("b.txt"));
+    EXPECT_TRUE(sub->removeFile("new.txt"));
+    EXPECT_TRUE(sub->removeFile("new.txt")); // already gone
+    sub.reset();
+    EXPECT_TRUE(walk->removeFolder("sub"));
+    EXPECT_FALSE(fs::exists(at("walk\\sub")));
+    walk.reset();
+    EXPECT_TRUE(::MoveFileW(fs::path(at("walk")).c_str(), fs::path(at("moved")).c_str()));
+}
+
+TEST_F(WindowsFolderTest, ReadOnlyEntriesBecomeNormalAndHardLinkedFilesStayUnwritten) {
+    const fs::path ro = dir.write("f\\ro.txt", "x");
+    ASSERT_TRUE(::SetFileAttributesW(ro.c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN));
+    const fs::path shared = dir.write("f\\shared.txt", "both names");
+    ASSERT_TRUE(::CreateHardLinkW(fs::path(at("other.txt")).c_str(), shared.c_str(), nullptr));
+
+    auto folder = files.openFolder(at("f"));
+    ASSERT_TRUE(folder);
+    EXPECT_FALSE(folder->removeFile("ro.txt")); // the system refuses a read-only file
+    EXPECT_TRUE(folder->makeNormal("ro.txt"));
+    EXPECT_EQ(folder->entry("ro.txt")->attributes & (platform::Attr::ReadOnly | platform::Attr::Hidden), 0u);
+    EXPECT_TRUE(folder->removeFile("ro.txt"));
+
+    EXPECT_EQ(folder->entry("shared.txt")->links, 2u);
+    EXPECT_FALSE(folder->openFile("shared.txt", false));
+    EXPECT_EQ(p->rawFiles().lastError(), ERROR_TOO_MANY_LINKS);
+    EXPECT_FALSE(p->rawFiles().open(shared.string()));
+    EXPECT_TRUE(p->rawFiles().openForReading(shared.string())); // reading changes nothing
+    EXPECT_TRUE(folder->removeFile("shared.txt"));
+    EXPECT_EQ(testsupport::readFile(at("other.txt")), "both names");
+}
+
+TEST_F(WindowsFolderTest, ALinkInAFolderIsNeverEnteredOrWrittenThrough) {
+    dir.write("target\\keep.txt", "keep");
+    fs::create_directories(dir.path() / "wiped");
+    ASSERT_TRUE(testsupport::makeFolderLink(at("wiped\\link"), at("target")));
+    EXPECT_FALSE(files.openFolder(at("wiped\\link"))); // not as the last component either
+
+    auto wiped = files.openFolder(at("wiped"));
+    ASSERT_TRUE(wiped);
+    const auto link = wiped->entry("link");
+    ASSERT_TRUE(link);
+    EXPECT_TRUE(link->isLink());
+    EXPECT_FALSE(link->isDirectory());
+    EXPECT_FALSE(link->isRegular);
+    EXPECT_EQ(link->mount, wiped->self().mount); // a link, not a mount point: it may be removed
+    EXPECT_FALSE(wiped->openFolder("link"));
+    EXPECT_FALSE(wiped->openFile("link", true));
+    EXPECT_TRUE(wiped->makeNormal("link"));
+    EXPECT_FALSE(wiped->removeFolder("link"));
+    // The link alone goes; where the system cannot open it as itself (Wine) it stays. Either way
+    // nothing behind it is touched, not even an empty folder.
+    fs::remove(dir.path() / "target" / "keep.txt");
+    const bool removed = wiped->removeFile("link");
+    EXPECT_EQ(removed, !wiped->entry("link").has_value());
+    if (!testsupport::underWine()) {
+        EXPECT_TRUE(removed);
+    }
+    EXPECT_TRUE(fs::is_directory(dir.path() / "target"));
+}
