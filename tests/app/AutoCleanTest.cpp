@@ -57,7 +57,12 @@ TEST(CheckProcess, WatchesTheBrowsersByTheirProgramFilesNotTheHelpersThatOutlive
         testsupport::ChildProcess crash("crashhelper");
         EXPECT_FALSE(IsProcessRunning(platform->processes(), watchedBrowsers()));
     }
-    for (const char* program : {"chromium", "firefox-esr", "chrome", "firefox"}) {
+#ifdef _WIN32
+    const std::vector<std::string> browsers = {"iexplore.exe", "IEXPLORE.EXE"}; // the one browser watched there
+#else
+    const std::vector<std::string> browsers = {"chromium", "firefox-esr", "chrome", "firefox"};
+#endif
+    for (const std::string& program : browsers) {
         testsupport::ChildProcess browser(program);
         EXPECT_TRUE(IsProcessRunning(platform->processes(), watchedBrowsers())) << program;
     }

@@ -32,13 +32,14 @@ TEST(WindowsMemoryStatus, FiguresAreGlobalMemoryStatusExFieldForField) {
 }
 
 TEST(WindowsProcesses, AStartedProgramIsListedByItsFileName) {
-    testsupport::ChildProcess child("iexplore.exe");
+    // Not a watched browser name: other test programs run alongside in the same Wine session.
+    testsupport::ChildProcess child("scourmill-probe.exe");
     ASSERT_GT(child.pid(), 0);
     auto p = platform::createNative();
     auto& processes = p->processes();
     const auto ids = processes.ids();
     EXPECT_NE(std::find(ids.begin(), ids.end(), static_cast<long>(child.pid())), ids.end());
-    EXPECT_EQ(processes.programName(child.pid()), "iexplore.exe");
+    EXPECT_EQ(processes.programName(child.pid()), "scourmill-probe.exe");
     wchar_t self[MAX_PATH];
     ::GetModuleFileNameW(nullptr, self, MAX_PATH);
     EXPECT_EQ(processes.programName(static_cast<long>(::GetCurrentProcessId())),
