@@ -4,10 +4,83 @@
 
 #include <windows.h>
 #include <shlwapi.h>
+#include <winioctl.h>
 
 #include <cwchar>
 
 namespace platform::windows {
+namespace {
+
+constexpr DWORD LongPath = 32768;
+
+/// Whether `path` is no more than a drive ("D:", "D:\\"): asked about as the drive itself, with or
+/// without a medium in it.
+bool isBareDrive(const std::wstring& path) {
+    return (path.size() == 2 || path.size() == 3) && path[1] == L':' && (path.size() == 2 || path[2] == L'\\' || path[2] == L'/');
+}
+
+/// The path of the object `path` really leads to, as the system names it after following every
+/// link, junction and mount point on the way ("C:\\data\\x", "\\\\server\\share\\x"); empty when
+/// there is no such object.
+std::wstring finalPath(const std::wstring& path) {
+    const HANDLE handle = ::CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return {};
+    std::wstring out(LongPath, L'\0');
+    const DWORD n = ::GetFinalPathNameByHandleW(handle, out.data(), LongPath, FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
+    ::CloseHandle(handle);
+    if (n == 0 || n >= LongPath)
+        return {};
+    out.resize(n);
+    if (out.rfind(L"\\\\?\\UNC\\", 0) == 0)
+        return L"\\\\" + out.substr(8);
+    if (out.rfind(L"\\\\?\\", 0) == 0)
+        return out.substr(4);
+    return out;
+}
+
+/// The root of the volume `path` really lies on ("C:\\", or the folder a volume is mounted on);
+/// a bare drive is its own root. Empty when the path leads nowhere.
+std::wstring volumeRoot(const std::string& path) {
+    const std::wstring asked = widen(path.empty() ? std::string(".") : path);
+    const std::wstring real = isBareDrive(asked) ? asked.substr(0, 2) + L"\\" : finalPath(asked);
+    if (real.empty())
+        return {};
+    std::wstring root(LongPath, L'\0');
+    if (!::GetVolumePathNameW(real.c_str(), root.data(), LongPath))
+        return isBareDrive(asked) ? real : std::wstring();
+    root.resize(std::wcslen(root.c_str()));
+    return root;
+}
+
+/// Whether the device behind the volume mounted at `root` has no seek penalty (a solid-state or
+/// flash device). False when the device does not say.
+bool withoutSeekPenalty(const std::wstring& root) {
+    wchar_t volume[MAX_PATH] = {};
+    if (!::GetVolumeNameForVolumeMountPointW(root.c_str(), volume, MAX_PATH))
+        return false;
+    std::wstring device = volume;
+    if (!device.empty() && device.back() == L'\\')
+        device.pop_back(); // the volume itself, not its root folder
+    const HANDLE handle = ::CreateFileW(device.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
+                                        nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return false;
+    STORAGE_PROPERTY_QUERY query{};
+    query.PropertyId = StorageDeviceSeekPenaltyProperty;
+    query.QueryType = PropertyStandardQuery;
+    DEVICE_SEEK_PENALTY_DESCRIPTOR answer{};
+    DWORD returned = 0;
+    const bool asked = ::DeviceIoControl(handle, IOCTL_STORAGE_QUERY_PROPERTY, &query, sizeof query, &answer,
+                                         sizeof answer, &returned, nullptr) &&
+                       returned >= sizeof answer;
+    ::CloseHandle(handle);
+    return asked && !answer.IncursSeekPenalty;
+}
+
+} // namespace
 
 std::vector<std::string> WindowsDrives::roots() {
     std::vector<std::string> out;
@@ -24,34 +97,38 @@ std::vector<std::string> WindowsDrives::roots() {
 }
 
 std::string WindowsDrives::rootOf(const std::string& path) {
-    const std::wstring name = widen(path.empty() ? std::string(".") : path);
-    wchar_t full[MAX_PATH * 4];
-    const DWORD n = ::GetFullPathNameW(name.c_str(), MAX_PATH * 4, full, nullptr);
-    if (n == 0 || n >= MAX_PATH * 4)
-        return {};
-    wchar_t root[MAX_PATH * 4];
-    if (::GetVolumePathNameW(full, root, MAX_PATH * 4) && ::GetDriveTypeW(root) != DRIVE_NO_ROOT_DIR)
-        return narrow(root);
-    // No volume to ask (a drive without a medium): the drive part of the path, if that drive exists.
-    if (std::wcslen(full) < 2 || full[1] != L':')
-        return {};
-    const std::wstring drive = std::wstring(full, 2) + L"\\";
-    return ::GetDriveTypeW(drive.c_str()) != DRIVE_NO_ROOT_DIR ? narrow(drive) : std::string();
+    const std::wstring root = volumeRoot(path);
+    return root.empty() || ::GetDriveTypeW(root.c_str()) == DRIVE_NO_ROOT_DIR ? std::string() : narrow(root);
 }
 
 DriveType WindowsDrives::type(const std::string& path) {
-    const std::string root = rootOf(path);
-    return root.empty() ? DriveType::NoRootDir : static_cast<DriveType>(::GetDriveTypeW(widen(root).c_str()));
+    const std::wstring root = volumeRoot(path);
+    return root.empty() ? DriveType::NoRootDir : static_cast<DriveType>(::GetDriveTypeW(root.c_str()));
 }
 
 bool WindowsDrives::space(const std::string& path, DiskSpace& out) {
+    const std::wstring root = volumeRoot(path);
     ULARGE_INTEGER caller{}, total{}, free{};
-    if (!::GetDiskFreeSpaceExW(widen(path).c_str(), &caller, &total, &free))
+    if (root.empty() || !::GetDiskFreeSpaceExW(root.c_str(), &caller, &total, &free))
         return false;
     out.freeToCaller = caller.QuadPart;
     out.total = total.QuadPart;
     out.totalFree = free.QuadPart;
     return true;
+}
+
+Storage WindowsDrives::storage(const std::string& path) {
+    Storage out;
+    const std::wstring root = volumeRoot(path);
+    if (root.empty())
+        return out;
+    wchar_t name[MAX_PATH + 1] = {};
+    if (::GetVolumeInformationW(root.c_str(), nullptr, 0, nullptr, nullptr, nullptr, name, MAX_PATH + 1))
+        out.fileSystem = narrow(name);
+    // ReFS writes changed blocks to new places (integrity streams, block cloning).
+    out.copyOnWrite = out.fileSystem == "ReFS";
+    out.flash = ::GetDriveTypeW(root.c_str()) == DRIVE_REMOVABLE || withoutSeekPenalty(root);
+    return out;
 }
 
 bool WindowsDrives::isDirectory(const std::string& path) {

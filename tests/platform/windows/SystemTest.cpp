@@ -3,6 +3,7 @@
 #include "platform/Platform.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Scratch.h"
+#include "tests/support/Wine.h"
 
 #include <gtest/gtest.h>
 
@@ -79,6 +80,30 @@ TEST(WindowsDrives, TheSystemDriveIsAFixedDriveWithSpace) {
     EXPECT_TRUE(drives.isDirectory("C:\\windows"));
     EXPECT_FALSE(drives.isDirectory("C:\\no such folder"));
     EXPECT_EQ(drives.type("Q:\\"), platform::DriveType::NoRootDir);
+    EXPECT_EQ(drives.rootOf("C:\\no such folder"), "");
+    EXPECT_FALSE(drives.storage("C:\\").fileSystem.empty());
+}
+
+TEST(WindowsDrives, APathBelongsToTheDriveItReallyLeadsTo) {
+    // A link on the way to another drive: the answer is about that drive, whatever the text says.
+    testsupport::ScratchDir dir;
+    const std::string link = (dir.path() / "to-system").string();
+    ASSERT_TRUE(testsupport::makeFolderLink(link, "C:\\windows"));
+    auto p = platform::createNative();
+    auto& drives = p->drives();
+    const std::string scratchRoot = drives.rootOf(dir.str());
+    ASSERT_FALSE(scratchRoot.empty());
+    EXPECT_EQ(drives.rootOf(link + "\\system32"), "C:\\");
+    if (scratchRoot != "C:\\") {
+        EXPECT_NE(drives.rootOf(dir.str() + "\\.\\..\\" + dir.path().filename().string()), "C:\\");
+    }
+    // A relative path is the current folder's.
+    wchar_t current[MAX_PATH];
+    ::GetCurrentDirectoryW(MAX_PATH, current);
+    ASSERT_TRUE(::SetCurrentDirectoryW(dir.path().c_str()));
+    EXPECT_EQ(drives.rootOf("to-system\\system32"), "C:\\");
+    EXPECT_EQ(drives.rootOf("."), scratchRoot);
+    ::SetCurrentDirectoryW(current);
 }
 
 TEST(WindowsShell, ProgramsAreExecutables) {
