@@ -39,6 +39,37 @@ int processId() {
 #endif
 }
 
+/// Removes `path` and everything below it, never through a link: what a link leads to stays. Tests
+/// make files read-only on purpose, so write permission is given back first.
+void removeTree(const fs::path& path) {
+#ifdef _WIN32
+    // The standard library here takes a link to a folder (a junction, or a host link under Wine)
+    // for the folder itself, and would empty its target.
+    const DWORD attributes = ::GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return;
+    if (attributes & FILE_ATTRIBUTE_READONLY)
+        ::SetFileAttributesW(path.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
+    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY)) {
+        ::DeleteFileW(path.c_str());
+        return;
+    }
+    if (!(attributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
+        std::error_code ec;
+        for (auto it = fs::directory_iterator(path, ec); !ec && it != fs::directory_iterator(); it.increment(ec))
+            removeTree(it->path());
+    }
+    ::RemoveDirectoryW(path.c_str());
+#else
+    std::error_code ec;
+    for (auto it = fs::recursive_directory_iterator(path, ec); !ec && it != fs::recursive_directory_iterator();
+         it.increment(ec))
+        if (!it->is_symlink())
+            fs::permissions(it->path(), fs::perms::owner_all, fs::perm_options::add, ec);
+    fs::remove_all(path, ec);
+#endif
+}
+
 } // namespace
 
 const fs::path& scratchRoot() {
@@ -70,25 +101,18 @@ void enterScratchEnvironment() {
 }
 
 void leaveScratchEnvironment() {
-    std::error_code ec;
-    fs::remove_all(scratchRoot(), ec);
+    removeTree(scratchRoot());
 }
 
 ScratchDir::ScratchDir() {
     static std::atomic<int> counter{0};
     m_path = scratchRoot() / ("dir" + std::to_string(processId()) + "-" + std::to_string(counter++));
-    fs::remove_all(m_path);
+    removeTree(m_path);
     fs::create_directories(m_path);
 }
 
 ScratchDir::~ScratchDir() {
-    std::error_code ec;
-    // Tests make files read-only on purpose; give write permission back so removal works.
-    for (auto it = fs::recursive_directory_iterator(m_path, ec); !ec && it != fs::recursive_directory_iterator();
-         it.increment(ec))
-        if (!it->is_symlink())
-            fs::permissions(it->path(), fs::perms::owner_all, fs::perm_options::add, ec);
-    fs::remove_all(m_path, ec);
+    removeTree(m_path);
 }
 
 fs::path ScratchDir::write(const std::string& relative, const std::string& content) const {
