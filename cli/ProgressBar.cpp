@@ -8,7 +8,10 @@
 
 namespace cli {
 
-ProgressBar::ProgressBar(bool enabled) : m_enabled(enabled), m_escapes(enabled && escapesWork(Stream::Err)) {
+// Padding stands in for the escapes only on a console that is known to lack them; anywhere else
+// the bar is written as every terminal reads it.
+ProgressBar::ProgressBar(bool enabled)
+    : m_enabled(enabled), m_escapes(enabled && (!isTerminal(Stream::Err) || escapesWork(Stream::Err))) {
     restart();
 }
 
