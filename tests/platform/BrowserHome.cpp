@@ -20,6 +20,14 @@ std::string firefoxProfileName() {
     return {};
 }
 
+std::string le32(std::uint32_t v) {
+    return std::string{char(v), char(v >> 8), char(v >> 16), char(v >> 24)};
+}
+
+std::string be32(std::uint32_t v) {
+    return std::string{char(v >> 24), char(v >> 16), char(v >> 8), char(v)};
+}
+
 void copyTree(const fs::path& from, const fs::path& to) {
     fs::create_directories(to);
     fs::copy(from, to, fs::copy_options::recursive | fs::copy_options::overwrite_existing);
@@ -142,6 +150,17 @@ bool holdsText(const std::string& bytes, const std::string& text) {
         wide += '\0';
     }
     return bytes.find(text) != std::string::npos || bytes.find(wide) != std::string::npos;
+}
+
+std::string simpleCacheHead(const std::string& key, std::uint32_t version) {
+    return le32(0xa7725c30) + le32(0xfcfb6d1b) + le32(version) + le32(static_cast<std::uint32_t>(key.size())) + le32(0) +
+           le32(0) + key;
+}
+
+std::string cache2Metadata(std::uint32_t dataSize, const std::string& key, std::uint32_t version) {
+    const std::uint32_t chunks = (dataSize + 262143) / 262144;
+    return be32(0) + std::string(chunks * 2, '\0') + be32(version) + be32(1) + be32(0) + be32(0) + be32(0) + be32(0) +
+           be32(static_cast<std::uint32_t>(key.size())) + be32(0) + key + '\0' + be32(dataSize);
 }
 
 std::string integrityOf(const fs::path& path) {

@@ -77,6 +77,11 @@ std::vector<std::string> changedFiles(const std::map<std::filesystem::path, std:
 /// Whether `bytes` hold `text` as UTF-8 or as UTF-16LE.
 bool holdsText(const std::string& bytes, const std::string& text);
 
+/// The head of a simple-cache "_0" entry file holding `key`, its streams left out.
+std::string simpleCacheHead(const std::string& key, std::uint32_t version = 5);
+/// The metadata a cache2 entry file ends with, after `dataSize` bytes of data, holding `key`.
+std::string cache2Metadata(std::uint32_t dataSize, const std::string& key, std::uint32_t version = 3);
+
 /// PRAGMA integrity_check of the database file `path`, read through the sqlite3 shell.
 std::string integrityOf(const std::filesystem::path& path);
 

