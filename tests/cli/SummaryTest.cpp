@@ -125,13 +125,6 @@ TEST(CommandSummary, ChangingCommandsEndWithWhatTheyChanged) {
     EXPECT_TRUE(contains(r.err, "scourmill-cli: shred: 1 file overwritten and deleted, 1 file deleted, ")) << r.err;
     EXPECT_TRUE(r.err.ends_with(" KiB written\n")) << r.err;
 
-    // Declined (no terminal to ask on, no --yes): the user learns that nothing happened.
-    const fs::path kept = dir.write("kept.txt", "keep me");
-    r = runCli("shred " + shellQuoted(kept));
-    EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(r.err.ends_with("scourmill-cli: shred: nothing changed\n")) << r.err;
-    EXPECT_TRUE(fs::exists(kept));
-
     fs::create_directories(dir.path() / "folder" / "below");
     dir.write("folder/below/old.txt", "old");
     r = runCli("shred-dir --yes --quiet " + shellQuoted(dir.path() / "folder"));
