@@ -1,9 +1,6 @@
-// The tray icon on both kinds of notification area, on X11 (under xvfb-run). A private session bus
-// runs for this test program, with a stand-in for the StatusNotifierItem watcher that says whether
-// a host (KDE's panel, GNOME's AppIndicator extension) is registered. With one, Qt puts the icon on
-// the bus as a StatusNotifierItem, the test clicks it there as a host does, and the hidden window
-// comes back; the host gets the tray menu. Without, a double click shows the window, the right
-// button pops the menu up, and a single click does nothing.
+// The tray icon on both kinds of notification area, on X11 (under xvfb-run): a private session bus
+// with a stand-in StatusNotifierItem watcher decides whether a host is registered. With one, the
+// icon is clicked on the bus as a host does; without, the window pops the tray menu up itself.
 
 #include "app/TaviMain.h"
 #include "app/tray/SysTray.h"
