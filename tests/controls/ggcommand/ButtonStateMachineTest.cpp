@@ -59,16 +59,6 @@ TEST(ButtonStateMachine, EnteringCreatesTheTipAndTheHoverLookOnce) {
               (std::vector<Step::Kind>{Step::MouseEnter, Step::DrawFrame, Step::MouseMove}));
 }
 
-TEST(ButtonStateMachine, InverseOnlyWithGradientAndInverseOnPress) {
-    for (const auto& [gradient, inverse] : {std::pair{false, true}, {true, false}, {false, false}}) {
-        ButtonStateMachine machine;
-        BehaviourOptions options;
-        options.useGradientFill = gradient;
-        options.gradientInverseOnPress = inverse;
-        EXPECT_FALSE(machine.press(Left, options)[1].inverse);
-    }
-}
-
 TEST(ButtonStateMachine, OtherButtonsOnlyReport) {
     ButtonStateMachine machine;
     const BehaviourOptions options;
