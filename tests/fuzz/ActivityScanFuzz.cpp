@@ -10,6 +10,7 @@
 #include "indexdat/ActivityScan.h"
 #include "platform/RawFiles.h"
 #include "tests/fuzz/FuzzCheck.h"
+#include "tests/indexdat/ReferenceScan.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -17,7 +18,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace {
 
@@ -45,34 +45,6 @@ private:
     std::size_t m_pos = 0;
 };
 
-/// The loop as the window ran it: three probes a position, the end-of-file flag set by the last
-/// read of a round when it ran past the end, entries zero-filled beyond the end.
-std::vector<std::string> loopScan(std::string_view data) {
-    std::vector<std::string> out;
-    const std::size_t length = data.size();
-    bool eof = length == 0;
-    std::size_t p = 0;
-    auto probe = [&](std::string_view marker) {
-        eof = p + marker.size() > length;
-        return !eof && data.substr(p, marker.size()) == marker;
-    };
-    auto entry = [&] {
-        eof = p + indexdat::EntryLength > length;
-        const std::string_view bytes = data.substr(p, indexdat::EntryLength);
-        out.emplace_back(bytes.substr(0, bytes.find('\0')));
-    };
-    while (!eof) {
-        if (probe("http://"))
-            entry();
-        if (probe("ftp://"))
-            entry();
-        if (probe("Cookie:"))
-            entry();
-        ++p;
-    }
-    return out;
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -91,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         scanned.emplace_back(entry);
         return true;
     });
-    FUZZ_CHECK(scanned == loopScan(rest));
+    FUZZ_CHECK(scanned == testsupport::referenceScan(rest));
 
     // A visitor that ends the scan gets exactly the first entry.
     MemoryFile again(file);
