@@ -1,13 +1,8 @@
-// The Wine hive reader over any text. user.reg belongs to the user's Wine prefix and may have been
-// edited by hand, cut short by a full disk or written by another Wine version, so every text must
-// parse without fault, and the promises the registry backend builds on must hold for it:
-// - an unchanged hive writes back byte for byte;
-// - after changes made as the registry calls make them (create a key, set and delete values), the
-//   text written parses again into a hive that reads exactly as the changed one did, and that
-//   writes back unchanged.
-// The keys and value names the changes use come from the input's own key lines, so that the
-// fuzzer reaches existing sections as well as new ones; the value's type and data come from the
-// input too.
+// The Wine hive reader over any text: user.reg may have been edited by hand, cut short by a full
+// disk or written by another Wine version. Every text must parse without fault; an unchanged hive
+// writes back byte for byte; and after changes made as the registry calls make them (on keys and
+// value names taken from the input's own section lines), the text written parses again into a
+// hive that reads as the changed one did.
 
 #include "platform/Registry.h"
 #include "platform/linux/WineHive.h"
