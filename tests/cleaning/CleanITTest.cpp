@@ -2,7 +2,6 @@
 // native platform; the recycle bin is the Linux trash confined to scratch folders.
 
 #include "cleaning/CleanIT.h"
-#include "cleaning/Registry.h"
 #include "core/NumberFormat.h"
 #include "platform/linux/LinuxRecycleBin.h"
 #include "platform/linux/LinuxRegistry.h"
@@ -53,27 +52,13 @@ public:
     platform::Connectivity& connectivity() override { return m_native->connectivity(); }
     platform::UrlCache& urlCache() override { return m_native->urlCache(); }
     platform::UrlHistory& urlHistory() override { return m_native->urlHistory(); }
-    platform::RecycleBin& recycleBin() override { return m_binOverride ? *m_binOverride : m_bin; }
+    platform::RecycleBin& recycleBin() override { return m_bin; }
     platform::linux::LinuxRegistry& hive() { return m_registry; }
-    void useBin(platform::RecycleBin* bin) { m_binOverride = bin; }
 
 private:
     std::unique_ptr<platform::Platform> m_native;
     platform::linux::LinuxRegistry m_registry;
     platform::linux::LinuxRecycleBin m_bin;
-    platform::RecycleBin* m_binOverride = nullptr;
-};
-
-// Records the calls the shell's recycle bin would get.
-struct RecordedBin final : platform::RecycleBin {
-    std::vector<std::string> calls;
-    std::vector<platform::TrashItem> items(const std::string&) override { return {}; }
-    bool empty(const std::string& root, unsigned flags, platform::RecycleBinUi&) override {
-        calls.push_back(root + "|" + std::to_string(flags));
-        return true;
-    }
-    std::vector<std::string> recentDocuments() override { return {}; }
-    bool clearRecentDocuments() override { return true; }
 };
 
 struct RecordedPrompts final : core::Prompts {
@@ -246,33 +231,9 @@ TEST_F(CleanITTest, AHiveInUseByARunningWineserverIsLeftAlone) {
     EXPECT_TRUE(problems.items.count("HKEY_CURRENT_USER\\Software\\Microsoft\\Internet Explorer\\TypedURLs\\url1"));
 }
 
-TEST_F(CleanITTest, RegistryModuleReadsAndWritesStrings) {
-    const std::string shell = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
-    EXPECT_EQ(GetRegString(platform.registry(), CurrentUserRoot, shell, "Cache"), "");
-    EXPECT_EQ(SetRegString(platform.registry(), CurrentUserRoot, shell, "Cache",
-                           "C:\\users\\tavi\\Temporary Internet Files"),
-              platform::RegResult::Success);
-    EXPECT_EQ(GetRegString(platform.registry(), CurrentUserRoot, shell, "cache"),
-              "C:\\users\\tavi\\Temporary Internet Files");
-    // Only strings are read: a DWORD reads as nothing.
-    EXPECT_EQ(GetRegString(platform.registry(), CurrentUserRoot, "Software\\Wine\\Fonts", "LogPixels"), "");
-}
-
 TEST(RecycleBinQuestion, NamesCountAndSize) {
     EXPECT_EQ(RecycleBinQuestion(1, 1), "Are you sure you want to permanently delete this item (1 byte)?");
     EXPECT_EQ(RecycleBinQuestion(1234, 5678901),
               "Are you sure you want to permanently delete these 1" + core::thousandsSeparator() +
                   "234 items (5" + core::thousandsSeparator() + "678" + core::thousandsSeparator() + "901 bytes)?");
-}
-
-TEST_F(CleanITTest, RecycleBinRootAndFlagsAreMadeAsTheShellWantsThem) {
-    RecordedBin bin;
-    platform.useBin(&bin);
-    clean.EmptyRecycleBin("D", false, false, false);
-    clean.EmptyRecycleBin("D:", true, false, false);
-    clean.EmptyRecycleBin("E:\\", false, true, true);
-    clean.EmptyRecycleBin("", true, true, true);
-    clean.EmptyRecycleBin("/media/usb", false, false, true);
-    clean.CleanMruItem("Recycle Bin");
-    EXPECT_EQ(bin.calls, (std::vector<std::string>{"D:\\|0", "D:\\|1", "E:\\|6", "|7", "/media/usb|4", "|0"}));
 }
