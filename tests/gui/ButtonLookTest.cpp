@@ -20,10 +20,8 @@ int distance(const QColor& a, const QColor& b) {
     return std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) + std::abs(a.blue() - b.blue());
 }
 
-/// How wide the caption is drawn: from the first to the last column holding a pixel that stands
-/// out from the gradient line it lies on. The gradient runs top to bottom, so the face's third
-/// column (inside the frame) is each line's colour. Bold type is wider by a few pixels (3 to 12
-/// for these captions); the hover colour's softer edges may take one or two away.
+/// How wide the caption is drawn: the columns holding a pixel that stands out from its gradient
+/// line (the face's third column). Bold type is 3 to 12 pixels wider for these captions.
 int captionWidth(const QImage& face) {
     int left = face.width();
     int right = -1;

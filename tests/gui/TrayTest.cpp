@@ -11,7 +11,6 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QMenu>
-#include <QMenuBar>
 #include <QProcess>
 #include <QSystemTrayIcon>
 #include <QTest>
@@ -121,13 +120,6 @@ private slots:
         emit tray.trayIcon()->activated(QSystemTrayIcon::Context);
         QTRY_VERIFY(trayMenu(app.main)->isVisible());
         trayMenu(app.main)->hide();
-    }
-
-    void theHiddenMenuBarStaysInTheWindow() {
-        testsupport::MainWindowUnderTest app;
-        auto* bar = app.main.findChild<QMenuBar*>("MenuBar");
-        QVERIFY(!bar->isNativeMenuBar());
-        QVERIFY(!bar->isVisible());
     }
 };
 
