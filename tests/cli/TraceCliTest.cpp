@@ -15,7 +15,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -106,20 +105,7 @@ TEST_F(TraceCli, AFileInUseIsNamedOnStderrAndMakesTheExitCodeOne) {
 
 TEST_F(TraceCli, AutocleanCleansOnceEachTimeTheBrowserClosesUntilCtrlC) {
     const fs::path out = tmp.parent_path() / "autoclean.out";
-    const pid_t cli = ::fork();
-    ASSERT_GE(cli, 0);
-    if (cli == 0) {
-        const std::string command = "exec " + std::string(SCOURMILL_CLI) + " autoclean --interval 40 </dev/null >" +
-                                    testsupport::shellQuoted(out) + " 2>/dev/null";
-        ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
-        ::_exit(127);
-    }
-    const auto waitFor = [](const std::function<bool()>& condition) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!condition() && std::chrono::steady_clock::now() < deadline)
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        return condition();
-    };
+    testsupport::BackgroundCli cli("autoclean --interval 40 >" + testsupport::shellQuoted(out) + " 2>/dev/null");
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
     EXPECT_TRUE(fs::exists(cookies / "index.dat")); // no browser has run yet: nothing cleaned
     {
@@ -127,14 +113,10 @@ TEST_F(TraceCli, AutocleanCleansOnceEachTimeTheBrowserClosesUntilCtrlC) {
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         EXPECT_TRUE(fs::exists(cookies / "index.dat")); // still running
     }
-    EXPECT_TRUE(waitFor([&] { return !fs::exists(cookies / "index.dat"); }));
-    EXPECT_TRUE(waitFor([&] { return contains(readFile(out), "cookie record file"); }));
+    EXPECT_TRUE(testsupport::waitUntil([&] { return !fs::exists(cookies / "index.dat"); }));
+    EXPECT_TRUE(testsupport::waitUntil([&] { return contains(readFile(out), "cookie record file"); }));
     EXPECT_TRUE(fs::exists(tmp / "one.txt")); // AutoClean leaves the temporary folder alone
-    ::kill(cli, SIGINT);
-    int status = 0;
-    ::waitpid(cli, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(cli.stop(SIGINT), 0);
     const std::string printed = readFile(out);
     EXPECT_TRUE(contains(printed, "the browser closed; cleaned 0 cache entries, 1 cookie record file and the history"))
         << printed;

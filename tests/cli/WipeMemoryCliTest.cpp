@@ -10,15 +10,12 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cmath>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 using testsupport::procKilobytes;
@@ -169,25 +166,12 @@ TEST(WipeMemoryCli, RunsToTheEndOrSaysThatTheFloorStoppedIt) {
 TEST(WipeMemoryCli, CtrlCEndsTheRunAtTheNextPassAndMeanwhileTheProcessIsFirstToGo) {
     testsupport::ScratchDir dir;
     const auto errors = dir.path() / "stderr.txt";
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        // 50 MB a string: about a second and a half to fill all 21.
-        const std::string command = "exec " + std::string(SCOURMILL_CLI) +
-                                    " wipe-memory --yes --size 25 </dev/null 2>" + testsupport::shellQuoted(errors);
-        ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
-        ::_exit(127);
-    }
-    const std::string proc = "/proc/" + std::to_string(child);
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (procKilobytes(proc + "/status", "VmRSS") < 150'000'000 && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    // 50 MB a string: about a second and a half to fill all 21.
+    testsupport::BackgroundCli wipe("wipe-memory --yes --size 25 2>" + testsupport::shellQuoted(errors));
+    const std::string proc = "/proc/" + std::to_string(wipe.pid());
+    testsupport::waitUntil([&] { return procKilobytes(proc + "/status", "VmRSS") >= 150'000'000; });
     EXPECT_EQ(testsupport::readFile(proc + "/oom_score_adj"), "1000\n");
-    ::kill(child, SIGINT);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status)) << "killed by the signal instead of stopping cleanly";
-    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_EQ(wipe.stop(SIGINT), 1) << "killed by the signal instead of stopping cleanly";
     const std::string said = testsupport::readFile(errors);
     EXPECT_TRUE(contains(said, "interrupted after pass ")) << said;
     EXPECT_FALSE(contains(said, "after pass 21 of 21")) << said;

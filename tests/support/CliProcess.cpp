@@ -4,8 +4,12 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
 
 namespace testsupport {
 
@@ -30,6 +34,37 @@ CliResult runCommand(const std::string& commandLine) {
 
 CliResult runCli(const std::string& arguments) {
     return runCommand(std::string(SCOURMILL_CLI) + " " + arguments);
+}
+
+BackgroundCli::BackgroundCli(const std::string& arguments) {
+    const std::string command = "exec " + std::string(SCOURMILL_CLI) + " " + arguments + " </dev/null";
+    m_pid = ::fork();
+    if (m_pid == 0) {
+        ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
+        ::_exit(127);
+    }
+}
+
+BackgroundCli::~BackgroundCli() {
+    if (m_pid > 0)
+        stop(SIGKILL);
+}
+
+int BackgroundCli::stop(int signal) {
+    if (m_pid <= 0)
+        return -1;
+    ::kill(m_pid, signal);
+    int status = 0;
+    ::waitpid(m_pid, &status, 0);
+    m_pid = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool waitUntil(const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!condition() && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    return condition();
 }
 
 std::string shellQuoted(const std::filesystem::path& path) {

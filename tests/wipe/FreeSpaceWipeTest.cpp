@@ -171,10 +171,8 @@ TEST_F(FreeSpaceWipeTest, StaleTemporaryFileIsOfferedUnlessAWipeHoldsIt) {
     EXPECT_FALSE(fs::exists(temp));
 }
 
-TEST_F(FreeSpaceWipeTest, AFolderOnTheWaySwappedAfterTheDriveWasJudgedDoesNotMoveTheRun) {
-    // A fixed drive (an ext4 image) and a RAM disk, which the fixed wipe refuses. The folder to
-    // wipe is reached through a link on the way that points at the image, until the view, told the
-    // free space, points it at the RAM disk.
+TEST_F(FreeSpaceWipeTest, TheDriveKindIsJudgedOnTheFolderTheRunFillsHoweverTheWayToItChanges) {
+    // A fixed drive (an ext4 image) and a RAM disk, which both wipes refuse.
     testsupport::LoopImage image(dir.path() / "image", 8);
     if (!image.mounted())
         GTEST_SKIP() << image.reason();
@@ -183,6 +181,15 @@ TEST_F(FreeSpaceWipeTest, AFolderOnTheWaySwappedAfterTheDriveWasJudgedDoesNotMov
         GTEST_SKIP() << ram.reason();
     for (const fs::path& drive : {image.mountPoint(), ram.point()})
         fs::create_directory(drive / "target");
+    EXPECT_EQ(wipe.wipeFixed(ram.point().string()), FreeSpaceWipe::Outcome::Refused);
+    EXPECT_EQ(wipe.wipeRemovable(ram.point().string()), FreeSpaceWipe::Outcome::Refused);
+    EXPECT_EQ(view.ask.told, (std::vector<std::string>{"The drive you chose is not a fixed drive",
+                                                       "The drive you chose is not a removable drive"}));
+    EXPECT_FALSE(fs::exists(ram.point() / "WNXTEMP.000"));
+    EXPECT_TRUE(view.wipeEnabled);
+
+    // The folder to wipe is reached through a link on the way that points at the image, until the
+    // view, told the free space, points it at the RAM disk.
     const fs::path slot = dir.path() / "slot";
     fs::create_directory_symlink(image.mountPoint(), slot);
     view.onMeasured = [&] {
@@ -203,17 +210,4 @@ TEST_F(FreeSpaceWipeTest, AFolderOnTheWaySwappedAfterTheDriveWasJudgedDoesNotMov
     ASSERT_FALSE(view.steps.empty());
     EXPECT_LT(view.steps.front().count, 4);
     EXPECT_FALSE(fs::exists(image.mountPoint() / "target/WNXTEMP.000"));
-}
-
-TEST_F(FreeSpaceWipeTest, WrongDriveKindIsRefusedWithItsMessageAndNothingWritten) {
-    testsupport::ScratchMount ram("-t tmpfs -o size=1m scourmill-test", dir.path() / "ram");
-    if (!ram.mounted())
-        GTEST_SKIP() << ram.reason();
-    for (bool removable : {false, true})
-        EXPECT_EQ(removable ? wipe.wipeRemovable(ram.point().string()) : wipe.wipeFixed(ram.point().string()),
-                  FreeSpaceWipe::Outcome::Refused);
-    EXPECT_EQ(view.ask.told, (std::vector<std::string>{"The drive you chose is not a fixed drive",
-                                                       "The drive you chose is not a removable drive"}));
-    EXPECT_FALSE(fs::exists(ram.point() / "WNXTEMP.000"));
-    EXPECT_TRUE(view.wipeEnabled);
 }

@@ -1,8 +1,7 @@
 // The secure delete on real files: the bytes each pass kind leaves, the rounded coverage, tiny
-// files, the "EndWipe" flag, the confirmations, and links in a folder being wiped.
+// files, the "EndWipe" flag, the confirmations, and links and swaps in a folder being wiped.
 
 #include "platform/Platform.h"
-#include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
 #include "tests/wipe/Recorders.h"
 #include "wipe/SecureDelete.h"
@@ -11,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <algorithm>
 #include <fstream>
 #include <map>
 
@@ -188,21 +186,4 @@ TEST_F(SecureDeleteTest, NothingSwappedInDuringAWipeIsWrittenOrDeleted) {
     };
     EXPECT_FALSE(shred.WipeFile(file.string()));
     EXPECT_EQ(readFile(file), "newcomer");
-}
-
-TEST_F(SecureDeleteTest, FolderWipeNeverEntersAnotherFilesystemMountedBelowIt) {
-    const auto victim = dir.path() / "victim";
-    dir.write("victim/own.txt", "wiped");
-    const auto mountPoint = victim / "sub" / "mnt";
-    testsupport::ScratchMount inside("-t tmpfs -o size=1m scourmill-test", mountPoint);
-    if (!inside.mounted())
-        GTEST_SKIP() << inside.reason();
-    std::ofstream(mountPoint / "elsewhere.txt") << "another filesystem";
-    testsupport::RecordingSink problems;
-    wipe::SecureDelete local(*platform, view, problems);
-    EXPECT_TRUE(local.WipeFolder(victim.string()));
-    EXPECT_EQ(readFile(mountPoint / "elsewhere.txt"), "another filesystem");
-    EXPECT_FALSE(fs::exists(victim / "own.txt"));
-    EXPECT_TRUE(fs::exists(mountPoint)); // the folders holding the mount point stay, and say why
-    EXPECT_NE(std::find(problems.items.begin(), problems.items.end(), mountPoint.string()), problems.items.end());
 }
