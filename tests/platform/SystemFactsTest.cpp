@@ -3,28 +3,17 @@
 #include "platform/Platform.h"
 #include "platform/linux/LinuxConnectivity.h"
 #include "platform/linux/LinuxMemoryStatus.h"
+#include "tests/support/ProcFields.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <map>
-#include <sstream>
+#include <filesystem>
 
 namespace {
 
-std::map<std::string, std::uint64_t> meminfoBytes() {
-    std::map<std::string, std::uint64_t> out;
-    std::ifstream in("/proc/meminfo");
-    std::string key;
-    std::uint64_t kb = 0;
-    std::string unit;
-    while (in >> key >> kb) {
-        key.pop_back(); // the colon
-        out[key] = kb * 1024;
-        std::getline(in, unit);
-    }
-    return out;
+std::uint64_t meminfo(const std::string& name) {
+    return testsupport::procKilobytes("/proc/meminfo", name);
 }
 
 } // namespace
@@ -33,13 +22,12 @@ TEST(MemoryStatus, FiguresMatchProcMeminfo) {
     auto p = platform::createNative();
     platform::MemoryStatusRecord r;
     ASSERT_TRUE(p->memoryStatus().query(r));
-    const auto m = meminfoBytes();
     EXPECT_EQ(r.dwLength, 64u);
-    EXPECT_EQ(r.ullTotalPhys, m.at("MemTotal"));
-    EXPECT_EQ(r.ullTotalPageFile, m.at("MemTotal") + m.at("SwapTotal"));
+    EXPECT_EQ(r.ullTotalPhys, meminfo("MemTotal"));
+    EXPECT_EQ(r.ullTotalPageFile, meminfo("MemTotal") + meminfo("SwapTotal"));
     // Available memory moves between two reads; it stays within a few percent.
-    EXPECT_NEAR(static_cast<double>(r.ullAvailPhys), static_cast<double>(m.at("MemAvailable")),
-                0.05 * static_cast<double>(m.at("MemTotal")));
+    EXPECT_NEAR(static_cast<double>(r.ullAvailPhys), static_cast<double>(meminfo("MemAvailable")),
+                0.05 * static_cast<double>(meminfo("MemTotal")));
     EXPECT_LE(r.dwMemoryLoad, 100u);
     EXPECT_GT(r.ullTotalVirtual, r.ullAvailVirtual);
     EXPECT_GT(r.ullAvailVirtual, 0u);
