@@ -2,8 +2,10 @@
 
 #include <windows.h>
 #include <winioctl.h>
+#include <wininet.h>
 
 #include <cstring>
+#include <cwchar>
 #include <memory>
 #include <vector>
 
@@ -58,9 +60,9 @@ bool makeJunction(const std::wstring& link, const std::wstring& target) {
     return ok;
 }
 
-/// Runs the host program `program` with `arguments` (Wine starts host programs like its own) and
-/// waits for it.
-void runHost(const std::wstring& program, const std::wstring& arguments) {
+/// Runs `program` (a Windows path) with `arguments` and waits for it; Wine starts host programs
+/// like its own.
+bool runProgram(const std::wstring& program, const std::wstring& arguments) {
     std::wstring commandLine = L"\"" + program + L"\" " + arguments;
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
@@ -68,11 +70,12 @@ void runHost(const std::wstring& program, const std::wstring& arguments) {
     // The program is named apart: the command line alone would make the system look for "ln.exe".
     if (!::CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                           &started))
-        return;
+        return false;
     ::WaitForSingleObject(started.hProcess, 30000);
     if (started.hThread)
         ::CloseHandle(started.hThread);
     ::CloseHandle(started.hProcess);
+    return true;
 }
 
 std::string hostPathOf(const std::string& windowsPath) {
@@ -118,7 +121,7 @@ bool makeFolderLink(const std::string& link, const std::string& target) {
     const std::string hostLink = hostPathOf(link), hostTarget = hostPathOf(target);
     if (hostLink.empty() || hostTarget.empty())
         return false;
-    runHost(wide(windowsPathOf("/bin/ln")), wide("-s \"" + hostTarget + "\" \"" + hostLink + "\""));
+    runHost("/bin/ln", "-s \"" + hostTarget + "\" \"" + hostLink + "\"");
     // Wine neither waits for a host program nor passes its exit code on reliably: the link tells.
     for (int i = 0; i < 400; ++i, ::Sleep(5)) {
         const DWORD attributes = ::GetFileAttributesW(wide(link).c_str());
@@ -126,6 +129,29 @@ bool makeFolderLink(const std::string& link, const std::string& target) {
             return true;
     }
     return false;
+}
+
+bool runHost(const std::string& program, const std::string& arguments) {
+    return underWine() && runProgram(wide(windowsPathOf(program)), wide(arguments));
+}
+
+bool commitCacheEntry(const std::wstring& url, const std::string& body) {
+    wchar_t local[MAX_PATH] = {};
+    if (!::CreateUrlCacheEntryW(url.c_str(), 0, L"html", local, 0))
+        return false;
+    const HANDLE file = ::CreateFileW(local, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    DWORD written = 0;
+    ::WriteFile(file, body.data(), static_cast<DWORD>(body.size()), &written, nullptr);
+    ::CloseHandle(file);
+    wchar_t header[] = L"HTTP/1.1 200 OK\r\n\r\n";
+    return ::CommitUrlCacheEntryW(url.c_str(), local, FILETIME{}, FILETIME{}, NORMAL_CACHE_ENTRY, header,
+                                  static_cast<DWORD>(std::wcslen(header)), L"html", nullptr) != FALSE;
+}
+
+bool inUrlCache(const std::wstring& url) {
+    DWORD size = 0;
+    ::GetUrlCacheEntryInfoW(url.c_str(), nullptr, &size);
+    return ::GetLastError() == ERROR_INSUFFICIENT_BUFFER;
 }
 
 } // namespace testsupport

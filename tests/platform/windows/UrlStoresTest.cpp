@@ -21,25 +21,6 @@ const std::string Ascii = "http://cache.example.test/page.html";
 const std::string Unicode = "http://cache.example.test/\xC3\xA9t\xC3\xA9-\xE6\x97\xA5.html";
 const std::wstring UnicodeW = L"http://cache.example.test/\u00E9t\u00E9-\u65E5.html";
 
-bool commit(const std::wstring& url, const char* body) {
-    wchar_t local[MAX_PATH] = {};
-    if (!::CreateUrlCacheEntryW(url.c_str(), 0, L"html", local, 0))
-        return false;
-    const HANDLE file = ::CreateFileW(local, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    DWORD written = 0;
-    ::WriteFile(file, body, static_cast<DWORD>(std::strlen(body)), &written, nullptr);
-    ::CloseHandle(file);
-    wchar_t header[] = L"HTTP/1.1 200 OK\r\n\r\n";
-    return ::CommitUrlCacheEntryW(url.c_str(), local, FILETIME{}, FILETIME{}, NORMAL_CACHE_ENTRY, header,
-                                  static_cast<DWORD>(std::wcslen(header)), L"html", nullptr) != FALSE;
-}
-
-bool inCache(const std::wstring& url) {
-    DWORD size = 0;
-    ::GetUrlCacheEntryInfoW(url.c_str(), nullptr, &size);
-    return ::GetLastError() == ERROR_INSUFFICIENT_BUFFER;
-}
-
 /// Every entry, listed as the cache listing does: ask the size, hand over a buffer of exactly that
 /// size, read the record. Each record is checked to point into its own buffer.
 std::map<std::string, platform::UrlCacheEntryInfo> listAll(platform::UrlCache& cache) {
@@ -81,8 +62,8 @@ std::map<std::string, platform::UrlCacheEntryInfo> listAll(platform::UrlCache& c
 } // namespace
 
 TEST(WindowsUrlCache, EntriesCommittedByWinInetAreListedAsRecordsAndDeleted) {
-    ASSERT_TRUE(commit(std::wstring(Ascii.begin(), Ascii.end()), "plain"));
-    ASSERT_TRUE(commit(UnicodeW, "unicode"));
+    ASSERT_TRUE(testsupport::commitCacheEntry(std::wstring(Ascii.begin(), Ascii.end()), "plain"));
+    ASSERT_TRUE(testsupport::commitCacheEntry(UnicodeW, "unicode"));
     auto p = platform::createNative();
     auto& cache = p->urlCache();
 
@@ -93,7 +74,7 @@ TEST(WindowsUrlCache, EntriesCommittedByWinInetAreListedAsRecordsAndDeleted) {
     EXPECT_EQ(entries.at(Ascii).dwSizeLow, 5u);
 
     EXPECT_TRUE(cache.deleteEntry(Unicode));
-    EXPECT_FALSE(inCache(UnicodeW));
+    EXPECT_FALSE(testsupport::inUrlCache(UnicodeW));
     EXPECT_TRUE(cache.deleteEntry(Ascii));
     EXPECT_FALSE(cache.deleteEntry(Ascii));
     const auto after = listAll(cache);
