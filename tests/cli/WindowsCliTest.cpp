@@ -1,0 +1,205 @@
+// scourmill-cli.exe as a user runs it on Windows (under Wine here), each command checked against
+// the system's own view: the memory figures, a record file's activity, a recent-item list in the
+// registry, WinINet's cache, and shredding and free-space wiping on a drive of its own whose raw
+// bytes show whether the data is gone.
+
+#include "tests/indexdat/RecordFile.h"
+#include "tests/support/CliProcess.h"
+#include "tests/support/Scratch.h"
+#include "tests/support/Wine.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <vector>
+
+namespace fs = std::filesystem;
+using testsupport::runCli;
+using testsupport::ScratchDir;
+
+namespace {
+
+std::string q(const fs::path& path) {
+    return testsupport::shellQuoted(path);
+}
+
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> out;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        out.push_back(line.size() && line.back() == '\r' ? line.substr(0, line.size() - 1) : line);
+    return out;
+}
+
+const std::wstring RunMru = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RunMRU";
+
+std::vector<std::wstring> valueNames(const std::wstring& key) {
+    std::vector<std::wstring> out;
+    HKEY k = nullptr;
+    if (::RegOpenKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, KEY_READ, &k) != ERROR_SUCCESS)
+        return out;
+    wchar_t name[256];
+    for (DWORD i = 0;; ++i) {
+        DWORD length = 256;
+        if (::RegEnumValueW(k, i, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+            break;
+        out.emplace_back(name, length);
+    }
+    ::RegCloseKey(k);
+    return out;
+}
+
+} // namespace
+
+TEST(WindowsCli, MemmonOnceShowsTheSystemsOwnFigures) {
+    const auto r = runCli("memmon --once");
+    ASSERT_EQ(r.code, 0) << r.seen();
+    const auto got = lines(r.out);
+    ASSERT_EQ(got.size(), 9u) << r.out;
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof status;
+    ASSERT_TRUE(::GlobalMemoryStatusEx(&status));
+    EXPECT_EQ(got[0], "Total Physical     " + std::to_string(status.ullTotalPhys));
+    EXPECT_EQ(got[2], "Total PageFile     " + std::to_string(status.ullTotalPageFile));
+    EXPECT_EQ(got[4], "Total Virtual     " + std::to_string(status.ullTotalVirtual));
+    EXPECT_EQ(got[7].rfind("Current memory load:     ", 0), 0u);
+    EXPECT_EQ(got[8].rfind("PageFile Usage ", 0), 0u);
+}
+
+TEST(WindowsCli, IndexdatReportFindsEveryMarkerToTheLastBytesAndRawKeepsEveryByte) {
+    ScratchDir dir;
+    // A real record file, then an address whose marker ends the file. A cookie closer to the end
+    // than an entry's length would end the scan there, so this one stands further back.
+    const std::string content = testsupport::RecordFile().url("Visited: u@http://a.example/\r\nnext").bytes() +
+                                std::string("Cookie:u@b/\0", 12) + std::string(150, '\x1A') + "\r\nftp://";
+    const fs::path path = dir.write("index.dat", content);
+    auto r = runCli("indexdat report " + q(path));
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "http://a.example/\r\nnext\nCookie:u@b/\nftp://\n");
+    r = runCli("indexdat raw " + q(path));
+    EXPECT_EQ(r.out, "File Size in bytes = " + std::to_string(content.size()) + "\n" + content);
+    r = runCli("indexdat report " + q(dir.path()) + " " + q("NUL"));
+    EXPECT_EQ(r.code, 1); // a folder and a device are no record files
+}
+
+TEST(WindowsCli, CleanItemRunMenuDeletesTheValuesFromTheRegistry) {
+    if (!testsupport::underWine())
+        GTEST_SKIP() << "would clean this user's own Run menu list; runs under Wine in a scratch prefix";
+    for (const auto& [name, text] : std::vector<std::pair<std::wstring, std::wstring>>{
+             {L"MRUList", L"ba"}, {L"a", L"cmd\\1"}, {L"b", L"regedit\\1"}, {L"c", L"notepad\\1"}})
+        ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, RunMru.c_str(), name.c_str(), REG_SZ, text.c_str(),
+                                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
+                  ERROR_SUCCESS);
+    auto r = runCli("clean-item \"run menu\"");
+    EXPECT_EQ(r.code, 2); // chooser texts are exact
+    EXPECT_EQ(valueNames(RunMru).size(), 4u);
+    r = runCli("clean-item \"Run Menu\"");
+    EXPECT_EQ(r.code, 0) << r.seen();
+    // Only the letters MRUList names, and MRUList itself.
+    EXPECT_EQ(valueNames(RunMru), std::vector<std::wstring>{L"c"});
+    ::RegDeleteTreeW(HKEY_CURRENT_USER, RunMru.c_str());
+}
+
+TEST(WindowsCli, ShowCacheListsWinInetsOwnEntriesAndWipeCacheDeletesThem) {
+    const std::wstring plain = L"http://cli.example.test/page.html";
+    const std::wstring unicode = L"http://cli.example.test/\u00E9t\u00E9-\u65E5.html";
+    ASSERT_TRUE(testsupport::commitCacheEntry(plain, "plain"));
+    ASSERT_TRUE(testsupport::commitCacheEntry(unicode, "unicode"));
+    auto r = runCli("show-cache");
+    ASSERT_EQ(r.code, 0) << r.seen();
+    const auto listed = lines(r.out);
+    EXPECT_NE(std::find(listed.begin(), listed.end(), "http://cli.example.test/page.html"), listed.end()) << r.out;
+    EXPECT_NE(std::find(listed.begin(), listed.end(), "http://cli.example.test/\xC3\xA9t\xC3\xA9-\xE6\x97\xA5.html"),
+              listed.end())
+        << r.out;
+    r = runCli("wipe-cache --yes");
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_FALSE(testsupport::inUrlCache(plain));
+    EXPECT_FALSE(testsupport::inUrlCache(unicode));
+    EXPECT_TRUE(lines(runCli("show-cache").out).empty());
+}
+
+namespace {
+
+const std::string Secret = "TAVI-WINE-SECRET-5d1c-do-not-survive\n";
+
+/// A drive of its own that the test run maps in the prefix (scripts/wine-tests.sh): a small
+/// loop-mounted ext4 image, so that filling its free space is quick and its raw bytes can be read.
+struct ScratchDrive {
+    std::string root;  ///< "S:\\"
+    fs::path image;    ///< the image file, as Windows reaches it
+
+    static std::optional<ScratchDrive> find() {
+        const char* letter = std::getenv("SCOURMILL_WINE_DRIVE");
+        const char* image = std::getenv("SCOURMILL_WINE_DRIVE_IMAGE");
+        if (!letter || !*letter || !image || !*image)
+            return std::nullopt;
+        return ScratchDrive{std::string(letter) + "\\", fs::path(testsupport::windowsPathOf(image))};
+    }
+
+    /// Whether the raw image holds `needle`, after the host has written everything down.
+    bool holds(const std::string& needle) const {
+        testsupport::runHost("/bin/sync", "");
+        return testsupport::readFile(image).find(needle) != std::string::npos;
+    }
+};
+
+void plant(const fs::path& path, const std::string& secret, std::size_t copies) {
+    std::ofstream out(path, std::ios::binary);
+    for (std::size_t i = 0; i < copies; ++i)
+        out << secret;
+}
+
+} // namespace
+
+TEST(WindowsCli, ShredAndWipeFreeSpaceLeaveNothingOnTheDrive) {
+    const auto drive = ScratchDrive::find();
+    if (!drive)
+        GTEST_SKIP() << "no scratch drive: scripts/wine-tests.sh maps a loop-mounted image as a drive when run as root";
+    const fs::path root = drive->root;
+    const fs::path shredded = root / "secret.txt";
+    plant(shredded, "shred:" + Secret, 2000);
+    const fs::path deleted = root / "deleted.txt";
+    plant(deleted, "plain:" + Secret, 2000);
+    ASSERT_TRUE(drive->holds("shred:" + Secret)) << "the secret never reached the disk; the test proves nothing";
+
+    auto r = runCli("shred --yes " + q(shredded));
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_FALSE(fs::exists(shredded));
+    EXPECT_FALSE(drive->holds("shred:" + Secret));
+
+    fs::remove(deleted); // an ordinary delete leaves the bytes behind
+    ASSERT_TRUE(drive->holds("plain:" + Secret));
+    r = runCli("wipe-free-space --yes " + q(root));
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_FALSE(fs::exists(root / "WNXTEMP.000"));
+    EXPECT_FALSE(drive->holds("plain:" + Secret));
+}
+
+TEST(WindowsCli, ShredDirLeavesALinkedFolderAlone) {
+    ScratchDir dir;
+    dir.write("outside\\keep.txt", "must survive");
+    dir.write("victim\\own.txt", "wiped");
+    dir.write("victim\\sub\\deeper.txt", "wiped too");
+    ASSERT_TRUE(testsupport::makeFolderLink((dir.path() / "victim" / "sub" / "link").string(),
+                                            (dir.path() / "outside").string()));
+    const auto r = runCli("shred-dir --yes " + q(dir.path() / "victim"));
+    EXPECT_EQ(testsupport::readFile(dir.path() / "outside" / "keep.txt"), "must survive");
+    EXPECT_FALSE(fs::exists(dir.path() / "victim" / "own.txt"));
+    EXPECT_FALSE(fs::exists(dir.path() / "victim" / "sub" / "deeper.txt"));
+    if (testsupport::underWine()) {
+        // Wine cannot remove a host link as itself: it stays, named, and so do the folders holding it.
+        EXPECT_EQ(r.code, 1) << r.seen();
+        EXPECT_NE(r.err.find("link"), std::string::npos) << r.err;
+    } else {
+        EXPECT_EQ(r.code, 0) << r.seen();
+        EXPECT_FALSE(fs::exists(dir.path() / "victim"));
+    }
+}
