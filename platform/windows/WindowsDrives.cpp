@@ -19,18 +19,11 @@ bool isBareDrive(const std::wstring& path) {
     return (path.size() == 2 || path.size() == 3) && path[1] == L':' && (path.size() == 2 || path[2] == L'\\' || path[2] == L'/');
 }
 
-/// The path of the object `path` really leads to, as the system names it after following every
-/// link, junction and mount point on the way ("C:\\data\\x", "\\\\server\\share\\x"); empty when
-/// there is no such object.
-std::wstring finalPath(const std::wstring& path) {
-    const HANDLE handle = ::CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES,
-                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                        FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (handle == INVALID_HANDLE_VALUE)
-        return {};
+/// The system's own name of the object `handle` holds open ("C:\\data\\x", "\\\\server\\share\\x"),
+/// reached after every link, junction and mount point on its way; empty when it has none.
+std::wstring finalPathOf(HANDLE handle) {
     std::wstring out(LongPath, L'\0');
     const DWORD n = ::GetFinalPathNameByHandleW(handle, out.data(), LongPath, FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
-    ::CloseHandle(handle);
     if (n == 0 || n >= LongPath)
         return {};
     out.resize(n);
@@ -41,18 +34,58 @@ std::wstring finalPath(const std::wstring& path) {
     return out;
 }
 
-/// The root of the volume `path` really lies on ("C:\\", or the folder a volume is mounted on);
-/// a bare drive is its own root. Empty when the path leads nowhere.
-std::wstring volumeRoot(const std::string& path) {
-    const std::wstring asked = widen(path.empty() ? std::string(".") : path);
-    const std::wstring real = isBareDrive(asked) ? asked.substr(0, 2) + L"\\" : finalPath(asked);
+/// The name of the object `path` really leads to, as finalPathOf() gives it; empty when there is
+/// no such object.
+std::wstring finalPath(const std::wstring& path) {
+    const HANDLE handle = ::CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return {};
+    std::wstring out = finalPathOf(handle);
+    ::CloseHandle(handle);
+    return out;
+}
+
+/// The root of the volume holding the object named `real` (a final path).
+std::wstring rootOfFinal(const std::wstring& real) {
     if (real.empty())
         return {};
     std::wstring root(LongPath, L'\0');
     if (!::GetVolumePathNameW(real.c_str(), root.data(), LongPath))
-        return isBareDrive(asked) ? real : std::wstring();
+        return {};
     root.resize(std::wcslen(root.c_str()));
     return root;
+}
+
+/// The root of the volume the open folder `folder` lies on; empty when it holds no handle or
+/// the system cannot name it.
+std::wstring folderRoot(const Folder& folder) {
+    const std::intptr_t handle = folder.nativeHandle();
+    return handle == -1 ? std::wstring() : rootOfFinal(finalPathOf(reinterpret_cast<HANDLE>(handle)));
+}
+
+/// Free and total bytes of the volume whose root is `root`.
+bool spaceAt(const std::wstring& root, DiskSpace& out) {
+    ULARGE_INTEGER caller{}, total{}, free{};
+    if (root.empty() || !::GetDiskFreeSpaceExW(root.c_str(), &caller, &total, &free))
+        return false;
+    out.freeToCaller = caller.QuadPart;
+    out.total = total.QuadPart;
+    out.totalFree = free.QuadPart;
+    return true;
+}
+
+/// The root of the volume `path` really lies on ("C:\\", or the folder a volume is mounted on);
+/// a bare drive is its own root. Empty when the path leads nowhere.
+std::wstring volumeRoot(const std::string& path) {
+    const std::wstring asked = widen(path.empty() ? std::string(".") : path);
+    if (!isBareDrive(asked))
+        return rootOfFinal(finalPath(asked));
+    // A drive without a medium has no volume to ask, but is still its own root.
+    const std::wstring drive = asked.substr(0, 2) + L"\\";
+    const std::wstring root = rootOfFinal(drive);
+    return root.empty() ? drive : root;
 }
 
 /// Whether the device behind the volume mounted at `root` has no seek penalty (a solid-state or
@@ -107,14 +140,18 @@ DriveType WindowsDrives::type(const std::string& path) {
 }
 
 bool WindowsDrives::space(const std::string& path, DiskSpace& out) {
-    const std::wstring root = volumeRoot(path);
-    ULARGE_INTEGER caller{}, total{}, free{};
-    if (root.empty() || !::GetDiskFreeSpaceExW(root.c_str(), &caller, &total, &free))
-        return false;
-    out.freeToCaller = caller.QuadPart;
-    out.total = total.QuadPart;
-    out.totalFree = free.QuadPart;
-    return true;
+    return spaceAt(volumeRoot(path), out);
+}
+
+DriveType WindowsDrives::typeOf(const Folder& folder) {
+    if (folder.nativeHandle() == -1)
+        return Drives::typeOf(folder);
+    const std::wstring root = folderRoot(folder);
+    return root.empty() ? DriveType::NoRootDir : static_cast<DriveType>(::GetDriveTypeW(root.c_str()));
+}
+
+bool WindowsDrives::spaceOf(const Folder& folder, DiskSpace& out) {
+    return folder.nativeHandle() == -1 ? Drives::spaceOf(folder, out) : spaceAt(folderRoot(folder), out);
 }
 
 Storage WindowsDrives::storage(const std::string& path) {

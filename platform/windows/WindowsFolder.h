@@ -32,6 +32,7 @@ public:
     bool removeFile(const std::string& name) override;
     bool removeFolder(const std::string& name) override;
     bool makeNormal(const std::string& name) override;
+    std::intptr_t nativeHandle() const override { return reinterpret_cast<std::intptr_t>(m_handle); }
 
 private:
     WindowsFolder(HANDLE handle, std::string path, bool isRoot) : m_handle(handle), m_path(std::move(path)), m_isRoot(isRoot) {}

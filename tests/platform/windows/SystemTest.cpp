@@ -94,6 +94,14 @@ TEST(WindowsDrives, APathBelongsToTheDriveItReallyLeadsTo) {
     const std::string scratchRoot = drives.rootOf(dir.str());
     ASSERT_FALSE(scratchRoot.empty());
     EXPECT_EQ(drives.rootOf(link + "\\system32"), "C:\\");
+    // An open folder is asked through its handle, with the same answer as its real path.
+    const auto folder = p->fileSystem().openFolder(link + "\\system32");
+    ASSERT_TRUE(folder);
+    EXPECT_EQ(drives.typeOf(*folder), platform::DriveType::Fixed);
+    platform::DiskSpace viaFolder, viaPath;
+    ASSERT_TRUE(drives.spaceOf(*folder, viaFolder));
+    ASSERT_TRUE(drives.space("C:\\", viaPath));
+    EXPECT_EQ(viaFolder.total, viaPath.total);
     if (scratchRoot != "C:\\") {
         EXPECT_NE(drives.rootOf(dir.str() + "\\.\\..\\" + dir.path().filename().string()), "C:\\");
     }
