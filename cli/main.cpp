@@ -9,11 +9,21 @@
 
 #include <iostream>
 
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
+
 #ifndef SCOURMILL_VERSION
 #define SCOURMILL_VERSION "0"
 #endif
 
 int main(int argc, char** argv) {
+#ifdef _WIN32
+    // Output is bytes: a record file's raw dump and the listed entries must reach a file or pipe
+    // unchanged, without a carriage return put before every line feed.
+    ::_setmode(::_fileno(stdout), _O_BINARY);
+#endif
     CLI::App app{"Tavi Scourmill command line: erases what the browser and common programs leave behind,\n"
                  "overwrites files, folders, free space and memory, and inspects index.dat record files.",
                  "scourmill-cli"};
