@@ -94,15 +94,7 @@ std::string CleanIT::ReadRegString(RegKey root, const std::string& key, const st
     RegKey handle = 0;
     if (registry.openKey(root, key, handle) != RegResult::Success)
         return {};
-    std::uint32_t type = 0, size = 0;
-    if (registry.queryValue(handle, name, &type, nullptr, &size) != RegResult::Success ||
-        type != platform::RegType::Sz)
-        return {};
-    std::string buffer(size, ' ');
-    if (registry.queryValue(handle, name, &type, reinterpret_cast<std::uint8_t*>(buffer.data()), &size) !=
-        RegResult::Success)
-        return {};
-    return TextUpToNul(buffer);
+    return ReadOpenRegString(registry, handle, name); // the key is left open, as this helper always has
 }
 
 void CleanIT::DeleteRegValue(RegKey root, const std::string& key, const std::string& name) {

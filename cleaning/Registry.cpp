@@ -1,10 +1,20 @@
 #include "cleaning/Registry.h"
 
+#include <algorithm>
+
 namespace cleaning {
 
 using namespace platform;
 
-std::string TextUpToNul(const std::string& buffer) {
+std::string ReadOpenRegString(Registry& registry, RegKey handle, const std::string& value) {
+    std::uint32_t type = 0, size = 0;
+    if (registry.queryValue(handle, value, &type, nullptr, &size) != RegResult::Success || type != RegType::Sz)
+        return {};
+    std::string buffer(size, ' ');
+    if (registry.queryValue(handle, value, &type, reinterpret_cast<std::uint8_t*>(buffer.data()), &size) !=
+        RegResult::Success)
+        return {};
+    buffer.resize(std::min<std::size_t>(size, buffer.size()));
     return buffer.substr(0, buffer.find('\0'));
 }
 
@@ -12,14 +22,7 @@ std::string GetRegString(Registry& registry, RegKey root, const std::string& key
     RegKey handle = 0;
     if (registry.openKey(root, key, handle) != RegResult::Success)
         return {};
-    std::string text;
-    std::uint32_t type = 0, size = 0;
-    if (registry.queryValue(handle, value, &type, nullptr, &size) == RegResult::Success && type == RegType::Sz) {
-        std::string buffer(size, ' ');
-        if (registry.queryValue(handle, value, &type, reinterpret_cast<std::uint8_t*>(buffer.data()), &size) ==
-            RegResult::Success)
-            text = TextUpToNul(buffer.substr(0, size));
-    }
+    std::string text = ReadOpenRegString(registry, handle, value);
     registry.closeKey(handle);
     return text;
 }

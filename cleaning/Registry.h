@@ -20,8 +20,8 @@ std::string GetRegString(platform::Registry& registry, platform::RegKey root, co
 long SetRegString(platform::Registry& registry, platform::RegKey root, const std::string& key, const std::string& value,
                   const std::string& text);
 
-/// A string value's bytes as read into a buffer of blanks: the text up to the first NUL, all of
-/// it when there is none. Shared with CleanIT's own reader.
-std::string TextUpToNul(const std::string& buffer);
+/// The REG_SZ value `value` of the already open key `handle`, read into a buffer of the size the
+/// registry gives and cut at its first NUL; empty when missing or not a string. The key stays open.
+std::string ReadOpenRegString(platform::Registry& registry, platform::RegKey handle, const std::string& value);
 
 } // namespace cleaning
