@@ -41,7 +41,9 @@ TEST(Cli, VersionAndUsageErrors) {
     const auto r = testsupport::runCli("--version");
     EXPECT_EQ(r.code, 0);
     EXPECT_EQ(r.out.rfind("scourmill-cli ", 0), 0u) << r.seen();
-    for (const char* wrong : {"no-such-command", "memmon --bogus", "", "clean-item"})
+    for (const char* wrong : {"no-such-command", "memmon --bogus", "", "clean-item", "history",
+                              "history add http://only-an-address.example/", "autoclean --interval 1",
+                              "wipe-free-space", "wipe-free-space /no/such/folder"})
         EXPECT_EQ(testsupport::runCli(wrong).code, 2) << wrong;
 }
 

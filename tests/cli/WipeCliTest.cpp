@@ -1,5 +1,6 @@
-// shred, shred-dir and wipe-free-space as a user runs them: a real process, its answers, its exit
-// code, and what is left on disk, including after Ctrl-C or SIGTERM in the middle of a wipe.
+// shred, shred-dir and wipe-free-space as a user runs them: the question, the exit codes, what a
+// user is told of what was left alone, and a wipe interrupted by Ctrl-C or SIGTERM. What the wipes
+// leave on disk is for the engines' tests.
 
 #include "tests/support/CliProcess.h"
 #include "tests/support/LoopImage.h"
@@ -10,11 +11,12 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 using testsupport::readFile;
+using testsupport::runCli;
 using testsupport::ScratchDir;
+using testsupport::shellQuoted;
 
 namespace {
 
@@ -24,63 +26,45 @@ bool contains(const std::string& text, const std::string& part) {
 
 } // namespace
 
-TEST(WipeCli, ShredDestroysOnlyWhatWasConfirmedAndRefusesWhatIsNotAPlainFile) {
+TEST(WipeCli, ShredAsksFirstAndRefusesWhatIsNotAPlainFileBeforeItStarts) {
     ScratchDir dir;
     const auto file = dir.write("diary.txt", "dear diary");
-    testsupport::CliResult r = testsupport::runCli("shred " + testsupport::shellQuoted(file));
-    EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(contains(r.seen(), "Are you ABSOLUTELY sure you wish to Delete Selected Files completely and FOREVER?"));
+    testsupport::CliResult r = runCli("shred " + shellQuoted(file));
+    EXPECT_EQ(r.code, 1); // no terminal to ask on: answered No
+    EXPECT_TRUE(contains(r.seen(), "Delete Selected Files completely and FOREVER?")) << r.seen();
     EXPECT_EQ(readFile(file), "dear diary");
 
     fs::create_symlink(file, dir.path() / "link");
     for (const fs::path& bad : {dir.path() / "link", dir.path(), dir.path() / "missing"}) {
-        r = testsupport::runCli("shred --yes " + testsupport::shellQuoted(file) + " " + testsupport::shellQuoted(bad));
+        r = runCli("shred --yes " + shellQuoted(file) + " " + shellQuoted(bad));
         EXPECT_EQ(r.code, 2) << bad;
         EXPECT_TRUE(contains(r.seen(), bad.string())) << r.seen();
     }
-    EXPECT_EQ(readFile(file), "dear diary"); // a bad argument stops everything before it starts
-
-    const auto other = dir.write("letters.txt", std::string(5000, 'x'));
-    r = testsupport::runCli("shred --yes " + testsupport::shellQuoted(file) + " " + testsupport::shellQuoted(other));
-    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_EQ(readFile(file), "dear diary");
+    EXPECT_EQ(runCli("shred --yes " + shellQuoted(file)).code, 0);
     EXPECT_FALSE(fs::exists(file));
-    EXPECT_FALSE(fs::exists(other));
-    EXPECT_TRUE(fs::exists(fs::symlink_status(dir.path() / "link"))); // a dangling link now, untouched
 }
 
-TEST(WipeCli, ShredDirRemovesTheFolderButNothingItsLinksReach) {
+TEST(WipeCli, ShredDirNamesAHardLinkedFileItOnlyUnlinkedAndEndsWithOne) {
     ScratchDir dir, outside;
-    const auto target = outside.write("precious.txt", "keep");
     const auto kept = outside.write("kept.txt", "outside bytes");
     const auto victim = dir.path() / "victim";
-    dir.write("victim/a.txt", "a");
-    dir.write("victim/sub/b.txt", "b");
-    fs::create_symlink(target, victim / "link");
+    dir.write("victim/sub/a.txt", "a");
     fs::create_hard_link(kept, victim / "hard.txt");
-    testsupport::CliResult r = testsupport::runCli("shred-dir " + testsupport::shellQuoted(victim));
+    testsupport::CliResult r = runCli("shred-dir " + shellQuoted(victim));
     EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(contains(r.seen(), "Wipe " + victim.string() + " completely and FOREVER?"));
-    EXPECT_TRUE(fs::exists(victim / "a.txt"));
+    EXPECT_TRUE(contains(r.seen(), "Wipe " + victim.string() + " completely and FOREVER?")) << r.seen();
+    EXPECT_TRUE(fs::exists(victim / "sub/a.txt"));
 
-    // A file with another name elsewhere loses only this name, and says so.
-    r = testsupport::runCli("shred-dir --yes " + testsupport::shellQuoted(victim));
+    r = runCli("shred-dir --yes " + shellQuoted(victim));
     EXPECT_EQ(r.code, 1);
     EXPECT_TRUE(contains(r.err, (victim / "hard.txt").string() + ": has other hard links")) << r.err;
     EXPECT_FALSE(fs::exists(victim));
-    EXPECT_EQ(readFile(target), "keep");
     EXPECT_EQ(readFile(kept), "outside bytes");
 
     fs::create_symlink(outside.path(), dir.path() / "dir-link");
-    EXPECT_EQ(testsupport::runCli("shred-dir --yes " + testsupport::shellQuoted(dir.path() / "dir-link")).code, 2);
-    EXPECT_EQ(readFile(target), "keep");
-
-    const auto a = dir.write("a.txt", std::string(4000, 'a'));
-    fs::create_hard_link(a, dir.path() / "b.txt");
-    r = testsupport::runCli("shred --yes " + testsupport::shellQuoted(a));
-    EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(contains(r.err, a.string())) << r.err;
-    EXPECT_FALSE(fs::exists(a));
-    EXPECT_EQ(readFile(dir.path() / "b.txt"), std::string(4000, 'a'));
+    EXPECT_EQ(runCli("shred-dir --yes " + shellQuoted(dir.path() / "dir-link")).code, 2);
+    EXPECT_EQ(readFile(kept), "outside bytes");
 }
 
 TEST(WipeCli, ShredDirNeverEntersNorWritesMountsBelowItBindMountsIncluded) {
@@ -97,11 +81,11 @@ TEST(WipeCli, ShredDirNeverEntersNorWritesMountsBelowItBindMountsIncluded) {
     std::ofstream(victim / "own.txt") << "own";
     std::ofstream(victim / "over.txt") << "covered";
     // The same filesystem bound below the folder, as a folder and over one of its own files.
-    testsupport::ScratchMount folder("--bind " + testsupport::shellQuoted(top / "keep"), victim / "sub" / "bound");
-    testsupport::ScratchMount file("--bind " + testsupport::shellQuoted(top / "kept.txt"), victim / "over.txt");
+    testsupport::ScratchMount folder("--bind " + shellQuoted(top / "keep"), victim / "sub" / "bound");
+    testsupport::ScratchMount file("--bind " + shellQuoted(top / "kept.txt"), victim / "over.txt");
     ASSERT_TRUE(folder.mounted() && file.mounted()) << folder.reason();
 
-    const auto r = testsupport::runCli("shred-dir --yes " + testsupport::shellQuoted(victim));
+    const auto r = runCli("shred-dir --yes " + shellQuoted(victim));
     EXPECT_EQ(r.code, 1);
     EXPECT_TRUE(contains(r.err, (victim / "sub" / "bound").string() + ": is a mount point")) << r.err;
     EXPECT_TRUE(contains(r.err, (victim / "over.txt").string() + ": is a mount point")) << r.err;
@@ -110,27 +94,12 @@ TEST(WipeCli, ShredDirNeverEntersNorWritesMountsBelowItBindMountsIncluded) {
     EXPECT_FALSE(fs::exists(victim / "own.txt"));
 }
 
-TEST(WipeCli, FreeSpaceWipeRefusesAMissingFolderAndAnyDriveOfTheWrongKind) {
+TEST(WipeCli, FreeSpaceWipeRefusesADriveOfTheWrongKindWithItsMessage) {
     ScratchDir dir;
-    EXPECT_EQ(testsupport::runCli("wipe-free-space").code, 2);
-    EXPECT_EQ(testsupport::runCli("wipe-free-space " + testsupport::shellQuoted(dir.path() / "missing")).code, 2);
-    testsupport::LoopImage disk(dir.path(), 8); // a fixed drive around a RAM disk
-    if (!disk.mounted())
-        GTEST_SKIP() << disk.reason();
-    testsupport::ScratchMount ram("-t tmpfs -o size=4m scourmill", disk.mountPoint() / "ram");
-    ASSERT_TRUE(ram.mounted()) << ram.reason();
-    fs::create_directories(ram.point() / "x");
-    fs::create_directory_symlink(ram.point(), disk.mountPoint() / "link");
-
-    auto r = testsupport::runCli("wipe-free-space --yes --removable " + testsupport::shellQuoted(disk.mountPoint()));
+    const auto r = runCli("wipe-free-space --yes --removable " + shellQuoted(dir.path()));
     EXPECT_EQ(r.code, 2);
     EXPECT_TRUE(contains(r.seen(), "The drive you chose is not a removable drive")) << r.seen();
-    // A folder of the RAM disk named through a link on the fixed drive is still on the RAM disk.
-    r = testsupport::runCli("wipe-free-space --yes " + testsupport::shellQuoted(disk.mountPoint() / "link" / "x"));
-    EXPECT_EQ(r.code, 2);
-    EXPECT_TRUE(contains(r.seen(), "The drive you chose is not a fixed drive")) << r.seen();
-    EXPECT_FALSE(fs::exists(disk.mountPoint() / "WNXTEMP.000"));
-    EXPECT_FALSE(fs::exists(ram.point() / "x" / "WNXTEMP.000"));
+    EXPECT_FALSE(fs::exists(dir.path() / "WNXTEMP.000"));
 }
 
 TEST(WipeCli, WhereOverwritingCannotReachIsSaidBeforeAnythingIsWritten) {
@@ -148,16 +117,16 @@ TEST(WipeCli, WhereOverwritingCannotReachIsSaidBeforeAnythingIsWritten) {
         if (!disk.mounted())
             GTEST_SKIP() << disk.reason();
         const std::string said = c.said;
-        const std::string device = testsupport::runCommand("findmnt -no SOURCE " + testsupport::shellQuoted(disk.mountPoint())).out;
+        const std::string device = testsupport::runCommand("findmnt -no SOURCE " + shellQuoted(disk.mountPoint())).out;
         const fs::path rotational = "/sys/block/" + fs::path(device.substr(0, device.find('\n'))).filename().string() + "/queue/rotational";
         // The loop device plays a device with spinning platters, or one without (loop devices are
         // reused: each case says which it wants).
         std::ofstream(rotational) << (said == "a solid-state or flash device" ? "0" : "1");
         std::ofstream(disk.mountPoint() / "f.txt") << "data";
-        for (const std::string& command : {"shred " + testsupport::shellQuoted(disk.mountPoint() / "f.txt"),
-                                           "shred-dir " + testsupport::shellQuoted(disk.mountPoint()),
-                                           "wipe-free-space " + testsupport::shellQuoted(disk.mountPoint())}) {
-            const auto r = testsupport::runCli(command); // answered No: nothing is written
+        for (const std::string& command : {"shred " + shellQuoted(disk.mountPoint() / "f.txt"),
+                                           "shred-dir " + shellQuoted(disk.mountPoint()),
+                                           "wipe-free-space " + shellQuoted(disk.mountPoint())}) {
+            const auto r = runCli(command); // answered No: nothing is written
             EXPECT_EQ(r.code, 1) << command << "\n" << r.err;
             const auto note = r.err.find("Note: ");
             if (said.empty()) {
@@ -182,8 +151,8 @@ TEST_P(InterruptedWipe, LeavesNoTemporaryFile) {
         GTEST_SKIP() << "no loop-mounted filesystem to wipe: " << image.reason();
     const fs::path temp = image.mountPoint() / "WNXTEMP.000";
     const fs::path errors = dir.path() / "stderr.txt";
-    testsupport::BackgroundCli wipe("wipe-free-space --yes " + testsupport::shellQuoted(image.mountPoint()) + " 2>" +
-                                    testsupport::shellQuoted(errors));
+    testsupport::BackgroundCli wipe("wipe-free-space --yes " + shellQuoted(image.mountPoint()) + " 2>" +
+                                    shellQuoted(errors));
     // Interrupted while it writes its temporary file: it stops cleanly, and the file goes.
     EXPECT_TRUE(testsupport::waitUntil([&] { return fs::exists(temp); })) << "the wipe never started";
     EXPECT_EQ(wipe.stop(GetParam()), 1) << "killed by the signal instead of stopping cleanly";

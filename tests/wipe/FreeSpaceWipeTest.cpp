@@ -80,8 +80,6 @@ TEST_F(FreeSpaceWipeTest, RemovableIncrementRoundsEachSeekHalfToEven) {
     const auto after = contentAfterEachPass(Currency::fromWhole(5694), FreeSpaceWipe::removableIncrement());
     EXPECT_EQ(after.at(10).size(), 4270u + 2848u);
     EXPECT_EQ(after.at(10), std::string(7118, '\0'));
-    EXPECT_EQ(FreeSpaceWipe::removableIncrement().toString(), "1423.5");
-    EXPECT_EQ(FreeSpaceWipe::fixedIncrement().toString(), "2097152");
 }
 
 TEST_F(FreeSpaceWipeTest, LessFreeSpaceThanAnIncrementStillCreatesAndDeletesTheFileEachPass) {
