@@ -40,22 +40,6 @@ std::vector<std::string> lines(const std::string& text) {
 
 const std::wstring RunMru = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RunMRU";
 
-std::vector<std::wstring> valueNames(const std::wstring& key) {
-    std::vector<std::wstring> out;
-    HKEY k = nullptr;
-    if (::RegOpenKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, KEY_READ, &k) != ERROR_SUCCESS)
-        return out;
-    wchar_t name[256];
-    for (DWORD i = 0;; ++i) {
-        DWORD length = 256;
-        if (::RegEnumValueW(k, i, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
-            break;
-        out.emplace_back(name, length);
-    }
-    ::RegCloseKey(k);
-    return out;
-}
-
 } // namespace
 
 TEST(WindowsCli, MemmonOnceShowsTheSystemsOwnFigures) {
@@ -99,11 +83,11 @@ TEST(WindowsCli, CleanItemRunMenuDeletesTheValuesFromTheRegistry) {
                   ERROR_SUCCESS);
     auto r = runCli("clean-item \"run menu\"");
     EXPECT_EQ(r.code, 2); // chooser texts are exact
-    EXPECT_EQ(valueNames(RunMru).size(), 4u);
+    EXPECT_EQ(testsupport::registryValueNames(RunMru).size(), 4u);
     r = runCli("clean-item \"Run Menu\"");
     EXPECT_EQ(r.code, 0) << r.seen();
     // Only the letters MRUList names, and MRUList itself.
-    EXPECT_EQ(valueNames(RunMru), std::vector<std::wstring>{L"c"});
+    EXPECT_EQ(testsupport::registryValueNames(RunMru), std::vector<std::wstring>{L"c"});
     ::RegDeleteTreeW(HKEY_CURRENT_USER, RunMru.c_str());
 }
 

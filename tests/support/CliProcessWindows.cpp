@@ -3,6 +3,7 @@
 
 #include "tests/support/CliProcess.h"
 
+#include "platform/windows/WinText.h"
 #include "tests/support/Wine.h"
 
 #include <windows.h>
@@ -11,13 +12,6 @@
 
 namespace testsupport {
 namespace {
-
-std::wstring wide(const std::string& text) {
-    std::wstring out(text.size(), L'\0');
-    out.resize(static_cast<std::size_t>(::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
-                                                              out.data(), static_cast<int>(out.size()))));
-    return out;
-}
 
 std::string drain(HANDLE pipe) {
     std::string out;
@@ -46,7 +40,7 @@ CliResult runCommand(const std::string& commandLine) {
     startup.hStdInput = nul;
     startup.hStdOutput = outWrite;
     startup.hStdError = errWrite;
-    std::wstring command = wide(commandLine);
+    std::wstring command = platform::windows::widen(commandLine);
     PROCESS_INFORMATION started{};
     const BOOL ok = ::CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr,
                                      &startup, &started);

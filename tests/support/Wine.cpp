@@ -1,5 +1,7 @@
 #include "tests/support/Wine.h"
 
+#include "platform/windows/WinText.h"
+
 #include <windows.h>
 #include <winioctl.h>
 #include <wininet.h>
@@ -12,19 +14,8 @@
 namespace testsupport {
 namespace {
 
-std::wstring wide(const std::string& text) {
-    std::wstring out(text.size(), L'\0');
-    out.resize(static_cast<std::size_t>(::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
-                                                              out.data(), static_cast<int>(out.size()))));
-    return out;
-}
-
-std::string utf8(const wchar_t* text) {
-    const int bytes = ::WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
-    std::string out(static_cast<std::size_t>(bytes > 0 ? bytes - 1 : 0), '\0');
-    ::WideCharToMultiByte(CP_UTF8, 0, text, -1, out.data(), bytes, nullptr, nullptr);
-    return out;
-}
+using platform::windows::narrow;
+using platform::windows::widen;
 
 /// The mount-point reparse buffer that makes a folder a junction to `target` (an absolute path).
 bool makeJunction(const std::wstring& link, const std::wstring& target) {
@@ -84,7 +75,7 @@ std::string hostPathOf(const std::string& windowsPath) {
         reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
     if (!toUnix)
         return {};
-    char* unix = toUnix(wide(windowsPath).c_str());
+    char* unix = toUnix(widen(windowsPath).c_str());
     if (!unix)
         return {};
     std::string out = unix;
@@ -107,13 +98,13 @@ std::string windowsPathOf(const std::string& path) {
     wchar_t* dos = toDos(path.c_str());
     if (!dos)
         return path;
-    std::string out = utf8(dos);
+    std::string out = narrow(dos);
     ::HeapFree(::GetProcessHeap(), 0, dos);
     return out;
 }
 
 bool makeFolderLink(const std::string& link, const std::string& target) {
-    if (makeJunction(wide(link), wide(target)))
+    if (makeJunction(widen(link), widen(target)))
         return true;
     // Wine 8 refuses FSCTL_SET_REPARSE_POINT but shows a host symbolic link as a reparse point.
     if (!underWine())
@@ -124,7 +115,7 @@ bool makeFolderLink(const std::string& link, const std::string& target) {
     runHost("/bin/ln", "-s \"" + hostTarget + "\" \"" + hostLink + "\"");
     // Wine neither waits for a host program nor passes its exit code on reliably: the link tells.
     for (int i = 0; i < 400; ++i, ::Sleep(5)) {
-        const DWORD attributes = ::GetFileAttributesW(wide(link).c_str());
+        const DWORD attributes = ::GetFileAttributesW(widen(link).c_str());
         if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT))
             return true;
     }
@@ -132,7 +123,7 @@ bool makeFolderLink(const std::string& link, const std::string& target) {
 }
 
 bool runHost(const std::string& program, const std::string& arguments) {
-    return underWine() && runProgram(wide(windowsPathOf(program)), wide(arguments));
+    return underWine() && runProgram(widen(windowsPathOf(program)), widen(arguments));
 }
 
 bool commitCacheEntry(const std::wstring& url, const std::string& body) {
@@ -152,6 +143,22 @@ bool inUrlCache(const std::wstring& url) {
     DWORD size = 0;
     ::GetUrlCacheEntryInfoW(url.c_str(), nullptr, &size);
     return ::GetLastError() == ERROR_INSUFFICIENT_BUFFER;
+}
+
+std::vector<std::wstring> registryValueNames(const std::wstring& key) {
+    std::vector<std::wstring> out;
+    HKEY k = nullptr;
+    if (::RegOpenKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, KEY_READ, &k) != ERROR_SUCCESS)
+        return out;
+    wchar_t name[256];
+    for (DWORD i = 0;; ++i) {
+        DWORD length = 256;
+        if (::RegEnumValueW(k, i, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+            break;
+        out.emplace_back(name, length);
+    }
+    ::RegCloseKey(k);
+    return out;
 }
 
 } // namespace testsupport

@@ -5,6 +5,7 @@
 // entries put into the browser cache with WinINet's own calls.
 
 #include <string>
+#include <vector>
 
 namespace testsupport {
 
@@ -24,5 +25,9 @@ bool runHost(const std::string& program, const std::string& arguments);
 bool commitCacheEntry(const std::wstring& url, const std::string& body);
 /// Whether the browser cache holds an entry for `url`.
 bool inUrlCache(const std::wstring& url);
+
+/// The value names of `key` below HKEY_CURRENT_USER as the system lists them, in its order; none
+/// when the key is missing.
+std::vector<std::wstring> registryValueNames(const std::wstring& key);
 
 } // namespace testsupport

@@ -66,21 +66,8 @@ void removeAll() {
         ::RegDeleteTreeW(HKEY_CURRENT_USER, v.key.c_str());
 }
 
-/// The value names of `key` as the system lists them, in its order.
 Names names(const std::wstring& key) {
-    Names out;
-    HKEY k = nullptr;
-    if (::RegOpenKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, KEY_READ, &k) != ERROR_SUCCESS)
-        return out;
-    wchar_t name[256];
-    for (DWORD i = 0;; ++i) {
-        DWORD length = 256;
-        if (::RegEnumValueW(k, i, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
-            break;
-        out.emplace_back(name, length);
-    }
-    ::RegCloseKey(k);
-    return out;
+    return testsupport::registryValueNames(key);
 }
 
 struct Prompts final : core::Prompts {
