@@ -20,15 +20,12 @@
 
 namespace fs = std::filesystem;
 using testsupport::CliResult;
+using testsupport::contains;
 using testsupport::runCli;
 using testsupport::ScratchDir;
 using testsupport::shellQuoted;
 
 namespace {
-
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
 
 void write(platform::RawFiles& files, const std::string& path, std::size_t bytes) {
     auto file = files.open(path);

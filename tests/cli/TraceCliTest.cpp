@@ -19,13 +19,10 @@
 
 namespace fs = std::filesystem;
 using testsupport::readFile;
+using testsupport::contains;
 using testsupport::runCli;
 
 namespace {
-
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
 
 std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;

@@ -14,17 +14,10 @@
 
 namespace fs = std::filesystem;
 using testsupport::readFile;
+using testsupport::contains;
 using testsupport::runCli;
 using testsupport::ScratchDir;
 using testsupport::shellQuoted;
-
-namespace {
-
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-} // namespace
 
 TEST(WipeCli, ShredAsksFirstAndRefusesWhatIsNotAPlainFileBeforeItStarts) {
     ScratchDir dir;

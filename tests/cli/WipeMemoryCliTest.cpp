@@ -19,13 +19,10 @@
 #include <unistd.h>
 
 using testsupport::procKilobytes;
+using testsupport::contains;
 using testsupport::runCli;
 
 namespace {
-
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
 
 std::string grouped(std::uint64_t n) {
     std::string digits = std::to_string(n);

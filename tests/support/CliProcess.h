@@ -18,6 +18,11 @@ struct CliResult {
     std::string seen() const { return out + err; }
 };
 
+/// Whether `text` holds `part` anywhere: what the tests ask of a command's output and messages.
+inline bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
 /// Runs `commandLine` (already shell-quoted) with stdin from /dev/null.
 CliResult runCommand(const std::string& commandLine);
 
