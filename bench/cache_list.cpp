@@ -5,37 +5,10 @@
 #include "platform/Platform.h"
 
 #include <cstdio>
-#include <cstring>
-#include <vector>
 
 int main() {
     const auto platform = platform::createNative();
-    platform::UrlCache& cache = platform->urlCache();
-    std::vector<char> buffer;
-    auto print = [&] {
-        platform::UrlCacheEntryInfo info;
-        std::memcpy(&info, buffer.data(), sizeof info);
-        std::puts(info.lpszSourceUrlName);
-    };
-    std::uint32_t size = 0;
-    cache.findFirst(nullptr, size);
-    if (size == 0)
-        return 0;
-    buffer.assign(size, 0);
-    const platform::UrlCacheEnum handle = cache.findFirst(buffer.data(), size);
-    if (!handle)
-        return 1;
-    print();
-    for (;;) {
-        size = 0;
-        cache.findNext(handle, nullptr, size);
-        if (size == 0)
-            break;
-        buffer.assign(size, 0);
-        if (!cache.findNext(handle, buffer.data(), size))
-            break;
-        print();
-    }
-    cache.findClose(handle);
+    for (const std::string& url : platform::cachedAddresses(platform->urlCache()))
+        std::puts(url.c_str());
     return 0;
 }

@@ -58,7 +58,7 @@ struct Zone {
 } // namespace
 
 TEST_F(BrowserTraces, ShowCacheListsEveryEntryInEnumerationOrderAndWipeCacheDeletesOnlyTheListed) {
-    const auto expected = listCache(home.platform().urlCache());
+    const auto expected = platform::cachedAddresses(home.platform().urlCache());
     ASSERT_FALSE(expected.empty());
     cleaner.ShowCache();
     EXPECT_EQ(view.lines(), expected);
@@ -68,17 +68,17 @@ TEST_F(BrowserTraces, ShowCacheListsEveryEntryInEnumerationOrderAndWipeCacheDele
     view.addLine(expected.front());
     cleaner.DeleteListedCacheEntries();
     EXPECT_EQ(view.lineCount(), 0u);
-    auto left = listCache(home.freshPlatform()->urlCache());
+    auto left = platform::cachedAddresses(home.freshPlatform()->urlCache());
     auto others = expected; // the address goes from every profile that cached it
     std::erase(others, expected.front());
     EXPECT_EQ(left, others);
 
     cleaner.DeleteListedCacheEntries(); // a second press finds the list empty: nothing goes
-    EXPECT_EQ(listCache(home.freshPlatform()->urlCache()), left);
+    EXPECT_EQ(platform::cachedAddresses(home.freshPlatform()->urlCache()), left);
 
     cleaner.ShowCache();
     cleaner.DeleteListedCacheEntries();
-    EXPECT_TRUE(listCache(home.freshPlatform()->urlCache()).empty());
+    EXPECT_TRUE(platform::cachedAddresses(home.freshPlatform()->urlCache()).empty());
     cleaner.ShowCache();
     EXPECT_EQ(view.lineCount(), 0u);
     EXPECT_TRUE(problems.items.empty());
@@ -91,7 +91,7 @@ TEST_F(BrowserTraces, CleanAllEmptiesCacheAndHistoryOfEveryProfileButKeepsBookma
     cleaner.CleanAll();
     EXPECT_EQ(history.Count(), 0);
     const auto fresh = home.freshPlatform();
-    EXPECT_TRUE(listCache(fresh->urlCache()).empty());
+    EXPECT_TRUE(platform::cachedAddresses(fresh->urlCache()).empty());
     EXPECT_TRUE(historyUrls(*fresh).empty());
     EXPECT_TRUE(holdsText(readFile(home.chromiumProfile() / "Bookmarks"), kBookmarkedUrl));
     EXPECT_TRUE(problems.items.empty());

@@ -121,7 +121,7 @@ TEST_F(TraceCli, AutocleanCleansOnceEachTimeTheBrowserClosesUntilCtrlC) {
 TEST(BrowserCli, CacheAndHistoryCommandsPrintALineAnEntryAndPreviewNamesEachCacheLine) {
     testsupport::BrowserHome home;
     const auto before = home.snapshot();
-    const std::vector<std::string> cached = testsupport::listCache(home.platform().urlCache());
+    const std::vector<std::string> cached = platform::cachedAddresses(home.platform().urlCache());
     EXPECT_EQ(linesOf(runCli("show-cache").out), cached);
     // The same address cached by two profiles is two lines of the preview, as it is two deletions.
     std::vector<std::string> previewed;

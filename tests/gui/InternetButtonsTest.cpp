@@ -60,7 +60,7 @@ private slots:
 
     void showCacheListsTheEntriesAndWipeCacheDeletesExactlyThose() {
         auto* list = m_app->main.findChild<QListWidget*>("List1");
-        const auto cached = testsupport::listCache(m_home->freshPlatform()->urlCache());
+        const auto cached = platform::cachedAddresses(m_home->freshPlatform()->urlCache());
         QVERIFY(!cached.empty());
         list->clear();
         QTest::mouseClick(button(1), Qt::LeftButton);
@@ -69,7 +69,7 @@ private slots:
 
         QTest::mouseClick(button(2), Qt::LeftButton);
         QCOMPARE(list->count(), 0);
-        QVERIFY(testsupport::listCache(m_home->freshPlatform()->urlCache()).empty());
+        QVERIFY(platform::cachedAddresses(m_home->freshPlatform()->urlCache()).empty());
     }
 
     void fullCleanButtonAndTrayEntryEmptyTheTempFolderAndCookieRecords() {

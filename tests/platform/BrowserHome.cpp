@@ -2,7 +2,6 @@
 
 #include "tests/support/CliProcess.h"
 
-#include <cstring>
 #include <fstream>
 
 namespace fs = std::filesystem;
@@ -99,36 +98,6 @@ std::vector<std::string> changedFiles(const std::map<fs::path, std::string>& bef
         if (!after.count(path))
             changes.push_back("gone: " + path.string());
     return changes;
-}
-
-std::vector<std::string> listCache(platform::UrlCache& cache) {
-    std::vector<std::string> urls;
-    auto take = [&](const std::vector<char>& buffer) {
-        platform::UrlCacheEntryInfo info;
-        std::memcpy(&info, buffer.data(), sizeof info);
-        urls.emplace_back(info.lpszSourceUrlName);
-    };
-    std::uint32_t size = 0;
-    cache.findFirst(nullptr, size);
-    if (size == 0)
-        return urls;
-    std::vector<char> buffer(size);
-    const platform::UrlCacheEnum handle = cache.findFirst(buffer.data(), size);
-    if (!handle)
-        return urls;
-    take(buffer);
-    for (;;) {
-        size = 0;
-        cache.findNext(handle, nullptr, size);
-        if (size == 0)
-            break;
-        buffer.assign(size, 0);
-        if (!cache.findNext(handle, buffer.data(), size))
-            break;
-        take(buffer);
-    }
-    cache.findClose(handle);
-    return urls;
 }
 
 std::vector<platform::StatUrl> listHistory(platform::UrlHistory& history, const std::string& prefix, std::uint32_t flags) {

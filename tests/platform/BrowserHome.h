@@ -62,9 +62,6 @@ const std::vector<VisitedPage>& visitedPages();
 /// The visited page that is bookmarked in both profiles.
 extern const std::string kBookmarkedUrl;
 
-/// Every source address of the cache, listed the way the cache listing of the program does:
-/// size first, then a buffer of exactly that size for each entry.
-std::vector<std::string> listCache(platform::UrlCache& cache);
 
 /// Every history record, with an optional filter.
 std::vector<platform::StatUrl> listHistory(platform::UrlHistory& history, const std::string& prefix = "",

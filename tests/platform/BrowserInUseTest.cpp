@@ -32,7 +32,7 @@ TEST(BrowserInUse, LiveLocksKeepBothProfilesByteForByte) {
     const auto before = home.snapshot();
 
     platform::Platform& platform = home.platform();
-    EXPECT_TRUE(listCache(platform.urlCache()).empty());
+    EXPECT_TRUE(platform::cachedAddresses(platform.urlCache()).empty());
     EXPECT_FALSE(platform.urlCache().deleteEntry(visitedPages()[0].url));
     EXPECT_TRUE(listHistory(platform.urlHistory()).empty());
     EXPECT_FALSE(platform.urlHistory().deleteUrl(visitedPages()[1].url, 0));
@@ -47,7 +47,7 @@ TEST(BrowserInUse, LiveLocksKeepBothProfilesByteForByte) {
     chromium.stop();
     firefox.stop();
     const auto again = home.freshPlatform();
-    EXPECT_FALSE(listCache(again->urlCache()).empty());
+    EXPECT_FALSE(platform::cachedAddresses(again->urlCache()).empty());
     EXPECT_TRUE(again->urlHistory().clearHistory());
     EXPECT_TRUE(again->urlHistory().storesInUse().empty());
 }
@@ -55,7 +55,7 @@ TEST(BrowserInUse, LiveLocksKeepBothProfilesByteForByte) {
 TEST(BrowserInUse, ALockOfAnotherMachineCountsAsHeld) {
     BrowserHome home(CacheLayout::InProfile, FirefoxRoot::DotMozilla, {.chromium = true, .firefox = false});
     fs::create_symlink("some-other-host-4242", home.chromiumUserData() / "SingletonLock");
-    EXPECT_TRUE(listCache(home.platform().urlCache()).empty());
+    EXPECT_TRUE(platform::cachedAddresses(home.platform().urlCache()).empty());
     EXPECT_EQ(home.platform().urlCache().storesInUse(), std::vector<std::string>{home.chromiumProfile().string()});
 }
 

@@ -183,12 +183,12 @@ TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
 
     platform::Platform& platform = home.platform();
     ASSERT_TRUE(platform.urlHistory().clearHistory());
-    for (const std::string& url : listCache(platform.urlCache()))
+    for (const std::string& url : platform::cachedAddresses(platform.urlCache()))
         platform.urlCache().deleteEntry(url);
 
     EXPECT_EQ(filesHolding(home, visitTraces()), std::vector<std::string>{});
     EXPECT_TRUE(listHistory(platform.urlHistory()).empty());
-    EXPECT_TRUE(listCache(platform.urlCache()).empty());
+    EXPECT_TRUE(platform::cachedAddresses(platform.urlCache()).empty());
     EXPECT_TRUE(platform.urlHistory().storesInUse().empty());
     for (const auto& [path, bytes] : home.snapshot()) {
         const std::string name = path.filename().string();
