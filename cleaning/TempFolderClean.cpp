@@ -6,7 +6,7 @@
 #include "cleaning/TraceCleaner.h"
 
 #include "core/Rounding.h"
-#include "wipe/Removal.h"
+#include "wipe/Engine.h"
 
 #include <algorithm>
 
@@ -60,8 +60,8 @@ void TraceCleaner::wipeIfAllowed(Folder& folder, const FileInfo& entry, TraceSte
     const std::string path = join(folder.path(), entry.name);
     switch (kept(folder, entry)) {
     case Kept::No:
-        wipeEntry(folder, entry.name);
-        m_view.itemDone(step, path);
+        if (wipeEntry(folder, entry.name))
+            m_view.itemDone(step, path);
         return;
     case Kept::InUse:
         skipped(path, "is open in a running program; left alone");
@@ -126,8 +126,10 @@ void TraceCleaner::cleanSubfolder(Folder& parent, const FileInfo& entry) {
         return;
     const bool emptied = clearBelow(*dir, true);
     dir.reset(); // an open folder cannot be removed everywhere
-    if (!emptied || !parent.removeFolder(entry.name))
+    if (!emptied)
         skipped(path, "could not be removed completely");
+    else
+        m_engine.removeEmptyFolder(parent, entry.name);
 }
 
 bool TraceCleaner::clearBelow(Folder& dir, bool remove) {
@@ -144,10 +146,11 @@ bool TraceCleaner::clearBelow(Folder& dir, bool remove) {
             goes = sub && clearBelow(*sub, remove);
             sub.reset();
             if (remove && goes)
-                goes = dir.removeFolder(fi.name);
+                goes = m_engine.removeEmptyFolder(dir, fi.name);
         } else if (fi.isRegular) {
             // The scan asked about open files moments ago; the removal does not ask again.
-            goes = remove ? dir.removeFile(fi.name) : !m_platform.fileSystem().isInUse(join(dir.path(), fi.name));
+            goes = remove ? m_engine.remove(dir, fi.name).removed
+                          : !m_platform.fileSystem().isInUse(join(dir.path(), fi.name));
             if (remove && goes)
                 m_view.itemDone(TraceStep::TempFiles, join(dir.path(), fi.name));
         }
@@ -158,79 +161,55 @@ bool TraceCleaner::clearBelow(Folder& dir, bool remove) {
     return all;
 }
 
+/// The eleven passes of 0x55 bytes over blocks 0 to round(length / 1024) of 1024 bytes each, one run
+/// of bytes from the start written a group of blocks at a time.
+class TraceCleaner::Scheme final : public wipe::OverwriteScheme {
+public:
+    explicit Scheme(TraceCleaner& owner) : m_owner(owner) {}
+
+    int passes() const override { return Passes; }
+    void starting(const std::string& shown) override { m_shown = shown; }
+
+    Pass writePass(int pass, wipe::PassWriter& out) override {
+        if (pass == 1)
+            m_total = static_cast<std::uint64_t>(
+                (core::roundHalfEven(static_cast<double>(out.length()) / BlockBytes) + 1) * BlockBytes);
+        auto& pattern = m_owner.m_pattern;
+        if (pattern.empty())
+            pattern.assign(static_cast<std::size_t>(GroupBlocks * BlockBytes), Pattern);
+        auto& view = m_owner.m_view;
+        for (std::uint64_t written = 0; written < m_total;) {
+            const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(m_total - written, pattern.size()));
+            if (!out.write(written, pattern.data(), n))
+                return Pass::Failed;
+            // These bytes are final for this pass: the device takes them while the rest is written.
+            out.startFlush(written, n);
+            written += n;
+            view.wiping(m_shown, pass, written, m_total);
+            view.pumpEvents();
+            if (view.interrupted())
+                return Pass::Stopped;
+        }
+        return Pass::Written;
+    }
+
+private:
+    TraceCleaner& m_owner;
+    std::string m_shown;
+    std::uint64_t m_total = 0;
+};
+
 void TraceCleaner::WipeFile(const std::string& path) {
     const auto [folderPath, name] = wipe::splitPath(m_platform.fileSystem(), path);
     if (auto folder = m_platform.fileSystem().openFolder(folderPath))
         wipeEntry(*folder, name);
 }
 
-void TraceCleaner::wipeEntry(Folder& folder, const std::string& name) {
-    const std::string path = join(folder.path(), name);
-    const auto info = folder.entry(name);
-    if (!info)
-        return; // already gone (the full clean deletes first on purpose)
-    if (!info->isRegular || wipe::isMountPoint(folder, *info)) {
-        skipped(path, "is not a plain file of this folder; left alone");
-        return;
-    }
-    if (info->links > 1) {
-        // Overwriting would destroy the file under its other names too.
-        if (folder.removeFile(name))
-            skipped(path, "has other names (hard links): only this name was removed, nothing was overwritten");
-        else
-            skipped(path, "cannot be deleted");
-        return;
-    }
-    const std::int64_t blocks = core::roundHalfEven(static_cast<double>(info->size) / BlockBytes);
-    folder.makeNormal(name);
-    bool overwritten = true;
-    for (int pass = 1; pass <= Passes && !m_view.interrupted(); ++pass) {
-        // Never created anew: a file that went meanwhile is not brought back.
-        auto file = folder.openFile(name, false);
-        if (!file) {
-            if (folder.entry(name))
-                skipped(path, "is in use (it cannot be opened alone); left alone");
-            return;
-        }
-        const auto held = file->info();
-        if (!held || !held->sameFileAs(*info)) {
-            skipped(path, "was replaced by another file during the wipe; left alone");
-            return;
-        }
-        overwritten = writePass(*file, path, pass, blocks) && overwritten;
-        // The pass reaches the device before the next one overwrites it.
-        overwritten = file->flush() && overwritten;
-        file.reset();
-        m_view.pumpEvents();
-    }
-    if (!overwritten)
-        skipped(path, "could not be overwritten completely; it was deleted all the same");
-    if (!folder.removeFile(name))
-        skipped(path, "cannot be deleted");
-}
-
-bool TraceCleaner::writePass(RawFile& file, const std::string& path, int pass, std::int64_t blocks) {
-    // Blocks 0 to `blocks` of 1024 bytes each, at offset block x 1024: one run of bytes from the
-    // start, written a group of blocks at a time.
-    const auto total = static_cast<std::uint64_t>((blocks + 1) * BlockBytes);
-    if (m_pattern.empty())
-        m_pattern.assign(static_cast<std::size_t>(GroupBlocks * BlockBytes), Pattern);
-    if (file.seek(0, RawFile::From::Begin) != 0)
-        return false;
-    std::uint64_t written = 0;
-    while (written < total) {
-        const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(total - written, m_pattern.size()));
-        if (file.write(m_pattern.data(), n) != n)
-            return false;
-        // These bytes are final for this pass: the device takes them while the rest is written.
-        file.startFlush(static_cast<std::int64_t>(written), static_cast<std::int64_t>(n));
-        written += n;
-        m_view.wiping(path, pass, written, total);
-        m_view.pumpEvents();
-        if (m_view.interrupted())
-            return true;
-    }
-    return true;
+bool TraceCleaner::wipeEntry(Folder& folder, const std::string& name) {
+    Scheme scheme(*this);
+    wipe::OverwriteOptions options;
+    options.missingIsProblem = false; // already gone: the full clean deletes first on purpose
+    return m_engine.overwrite(folder, name, scheme, options).removed;
 }
 
 } // namespace cleaning

@@ -2,7 +2,7 @@
 
 #include "cleaning/CleanIT.h"
 #include "memory/MemoryBlock.h"
-#include "wipe/Removal.h"
+#include "wipe/Engine.h"
 
 #include <cstddef>
 
@@ -23,8 +23,9 @@ std::uintptr_t address(const void* pointer) {
 
 } // namespace
 
-TraceCleaner::TraceCleaner(platform::Platform& platform, TraceView& view, core::ProblemSink* problems)
-    : m_platform(platform), m_view(view), m_problems(problems) {}
+TraceCleaner::TraceCleaner(platform::Platform& platform, TraceView& view, core::ProblemSink* problems,
+                           core::VerdictSink* verdicts)
+    : m_platform(platform), m_view(view), m_problems(problems), m_engine(platform, verdicts, problems) {}
 
 void TraceCleaner::ReadFolderPaths() {
     m_paths = cleaning::ReadFolderPaths(m_platform);
@@ -140,9 +141,8 @@ void TraceCleaner::cleanCookieRecords() {
         if (verdict != Kept::No)
             continue;
         // Deleted first on purpose: the wipe then finds nothing, unless the deletion failed.
-        folder->removeFile(name);
-        wipeEntry(*folder, name);
-        m_view.itemDone(TraceStep::CookieFiles, line);
+        if (m_engine.remove(*folder, name).removed || wipeEntry(*folder, name))
+            m_view.itemDone(TraceStep::CookieFiles, line);
     }
     m_view.clearList();
 }

@@ -18,6 +18,7 @@
 #include "core/ProblemSink.h"
 #include "platform/Folder.h"
 #include "platform/Platform.h"
+#include "wipe/Engine.h"
 
 #include <cstdint>
 #include <string>
@@ -35,7 +36,8 @@ public:
     /// `problems` may be null. The folder paths start empty (nothing to clean) until
     /// ReadFolderPaths or SetPaths, and the history step waits for SetHistory: start-up lists the
     /// cache before the history collection exists.
-    TraceCleaner(platform::Platform& platform, TraceView& view, core::ProblemSink* problems = nullptr);
+    TraceCleaner(platform::Platform& platform, TraceView& view, core::ProblemSink* problems = nullptr,
+                 core::VerdictSink* verdicts = nullptr);
 
     /// The URL history collection the full clean clears; it must outlive the cleaner.
     void SetHistory(CURLHistory& history) { m_history = &history; }
@@ -70,15 +72,15 @@ private:
     /// Why automatic cleaning leaves an entry alone.
     enum class Kept { No, NotAFile, OtherOwner, InUse };
     Kept kept(platform::Folder& folder, const platform::FileInfo& entry);
-    /// The overwrite of WipeFile, for the entry `name` of an open folder.
-    void wipeEntry(platform::Folder& folder, const std::string& name);
+    class Scheme;
+    /// The overwrite of WipeFile, for the entry `name` of an open folder. True when it is gone.
+    bool wipeEntry(platform::Folder& folder, const std::string& name);
     /// wipeEntry for an entry of the temporary or cookie folder, when the rules allow.
     void wipeIfAllowed(platform::Folder& folder, const platform::FileInfo& entry, TraceStep step);
     void cleanSubfolder(platform::Folder& parent, const platform::FileInfo& entry);
     /// Walks everything below `dir`. With `remove` false, tells whether all of it may go; with it
     /// true, removes what may and tells whether all of it went.
     bool clearBelow(platform::Folder& dir, bool remove);
-    bool writePass(platform::RawFile& file, const std::string& path, int pass, std::int64_t blocks);
     void deleteListed();
     void cleanCookieRecords();
     void skipped(const std::string& item, const std::string& reason);
@@ -88,6 +90,7 @@ private:
     TraceView& m_view;
     CURLHistory* m_history = nullptr;
     core::ProblemSink* m_problems;
+    wipe::Engine m_engine;
     FolderPaths m_paths;
     std::vector<std::uint8_t> m_pattern;
 };

@@ -5,6 +5,7 @@
 #include "cli/StderrSink.h"
 #include "cli/Summary.h"
 #include "cli/TerminalPrompts.h"
+#include "cli/VerdictLedger.h"
 #include "platform/Platform.h"
 
 #include <stdexcept>
@@ -22,6 +23,7 @@ struct Context {
     StderrSink problems;
     int exitCode = 0;
     Summary summary;
+    VerdictLedger verdicts;
 };
 
 } // namespace cli

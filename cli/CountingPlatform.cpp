@@ -9,16 +9,13 @@ using Ledger = CountingPlatform::Ledger;
 
 class CountingRawFile final : public platform::RawFile {
 public:
-    CountingRawFile(std::unique_ptr<platform::RawFile> real, Ledger& ledger, std::string path)
-        : m_real(std::move(real)), m_ledger(ledger), m_path(std::move(path)) {}
+    CountingRawFile(std::unique_ptr<platform::RawFile> real, Ledger& ledger)
+        : m_real(std::move(real)), m_ledger(ledger) {}
 
     std::size_t read(void* buffer, std::size_t count) override { return m_real->read(buffer, count); }
     std::size_t write(const void* data, std::size_t count) override {
         const std::size_t written = m_real->write(data, count);
-        if (written > 0) {
-            m_ledger.counts.bytesWritten += written;
-            m_ledger.files[m_path].written = true;
-        }
+        m_ledger.counts.bytesWritten += written;
         return written;
     }
     std::int64_t seek(std::int64_t distance, From from) override { return m_real->seek(distance, from); }
@@ -28,41 +25,25 @@ public:
     std::intptr_t nativeHandle() const override { return m_real->nativeHandle(); }
     std::optional<platform::FileInfo> info() const override { return m_real->info(); }
     bool openElsewhere() const override { return m_real->openElsewhere(); }
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> dataRanges() const override { return m_real->dataRanges(); }
+    std::unique_ptr<platform::RawFile> openUncached() const override { return m_real->openUncached(); }
+    std::size_t readAlignment() const override { return m_real->readAlignment(); }
 
 private:
     std::unique_ptr<platform::RawFile> m_real;
     Ledger& m_ledger;
-    std::string m_path;
 };
 
-/// A file at `path` was opened for writing; `existedBefore` tells whether it was there already.
-std::unique_ptr<platform::RawFile> opened(std::unique_ptr<platform::RawFile> file, Ledger& ledger,
-                                          const std::string& path, bool existedBefore) {
-    if (!file)
-        return nullptr;
-    // Whether the file was the user's is settled by its first opening in this command.
-    const auto [state, first] = ledger.files.try_emplace(path);
-    if (first)
-        state->second.existed = existedBefore;
-    return std::make_unique<CountingRawFile>(std::move(file), ledger, path);
+std::unique_ptr<platform::RawFile> counted(std::unique_ptr<platform::RawFile> file, Ledger& ledger) {
+    return file ? std::make_unique<CountingRawFile>(std::move(file), ledger) : nullptr;
 }
 
-/// The file or link at `path` has just been removed.
-void removed(Ledger& ledger, const std::string& path) {
-    const auto it = ledger.files.find(path);
-    if (it == ledger.files.end() || !it->second.written)
-        ++ledger.counts.filesDeleted;
-    else if (it->second.existed)
-        ++ledger.counts.filesOverwrittenAndDeleted;
-    if (it != ledger.files.end())
-        ledger.files.erase(it);
-}
-
-/// An open folder whose changes are counted like those made by path.
+/// An open folder whose writes are counted; what became of its entries is told by the
+/// destruction engine's verdicts.
 class CountingFolder final : public platform::Folder {
 public:
-    CountingFolder(std::unique_ptr<platform::Folder> real, Ledger& ledger, char separator)
-        : m_real(std::move(real)), m_ledger(ledger), m_separator(separator) {}
+    CountingFolder(std::unique_ptr<platform::Folder> real, Ledger& ledger)
+        : m_real(std::move(real)), m_ledger(ledger) {}
 
     const std::string& path() const override { return m_real->path(); }
     platform::FileInfo self() const override { return m_real->self(); }
@@ -70,48 +51,30 @@ public:
     std::optional<platform::FileInfo> entry(const std::string& name) override { return m_real->entry(name); }
     std::unique_ptr<platform::Folder> openFolder(const std::string& name) override {
         auto folder = m_real->openFolder(name);
-        return folder ? std::make_unique<CountingFolder>(std::move(folder), m_ledger, m_separator) : nullptr;
+        return folder ? std::make_unique<CountingFolder>(std::move(folder), m_ledger) : nullptr;
     }
     std::unique_ptr<platform::RawFile> openFile(const std::string& name, bool create) override {
-        const bool existed = m_real->entry(name).has_value();
-        return opened(m_real->openFile(name, create), m_ledger, pathOf(name), existed);
+        return counted(m_real->openFile(name, create), m_ledger);
     }
-    bool removeFile(const std::string& name) override {
-        const bool there = m_real->entry(name).has_value();
-        const bool gone = m_real->removeFile(name);
-        if (gone && there)
-            removed(m_ledger, pathOf(name));
-        return gone;
+    std::unique_ptr<platform::RawFile> openForOverwrite(const std::string& name) override {
+        return counted(m_real->openForOverwrite(name), m_ledger);
     }
-    bool removeFolder(const std::string& name) override {
-        const bool there = m_real->entry(name).has_value();
-        const bool gone = m_real->removeFolder(name);
-        if (gone && there)
-            ++m_ledger.counts.foldersDeleted;
-        return gone;
-    }
+    bool removeFile(const std::string& name) override { return m_real->removeFile(name); }
+    bool removeFolder(const std::string& name) override { return m_real->removeFolder(name); }
     bool makeNormal(const std::string& name) override { return m_real->makeNormal(name); }
     std::intptr_t nativeHandle() const override { return m_real->nativeHandle(); }
 
 private:
-    std::string pathOf(const std::string& name) const {
-        const std::string& folder = m_real->path();
-        return !folder.empty() && folder.back() == m_separator ? folder + name : folder + m_separator + name;
-    }
-
     std::unique_ptr<platform::Folder> m_real;
     Ledger& m_ledger;
-    char m_separator;
 };
 
 class CountingRawFiles final : public platform::RawFiles {
 public:
-    CountingRawFiles(platform::RawFiles& real, platform::FileSystem& files, Ledger& ledger)
-        : m_real(real), m_files(files), m_ledger(ledger) {}
+    CountingRawFiles(platform::RawFiles& real, Ledger& ledger) : m_real(real), m_ledger(ledger) {}
 
     std::unique_ptr<platform::RawFile> open(const std::string& path) override {
-        const bool existed = m_files.info(path).has_value();
-        return opened(m_real.open(path), m_ledger, path, existed);
+        return counted(m_real.open(path), m_ledger);
     }
     std::unique_ptr<platform::RawFile> openForReading(const std::string& path) override {
         return m_real.openForReading(path);
@@ -122,7 +85,6 @@ public:
 
 private:
     platform::RawFiles& m_real;
-    platform::FileSystem& m_files;
     Ledger& m_ledger;
 };
 
@@ -144,23 +106,10 @@ public:
     std::optional<platform::FileInfo> info(const std::string& path) override { return m_real.info(path); }
     std::unique_ptr<platform::Folder> openFolder(const std::string& path) override {
         auto folder = m_real.openFolder(path);
-        return folder ? std::make_unique<CountingFolder>(std::move(folder), m_ledger, m_real.separator()) : nullptr;
+        return folder ? std::make_unique<CountingFolder>(std::move(folder), m_ledger) : nullptr;
     }
-    bool removeFile(const std::string& path) override {
-        // "Already gone" is a success of the real call too; only a removal that happened counts.
-        const bool there = m_real.info(path).has_value();
-        const bool gone = m_real.removeFile(path);
-        if (gone && there)
-            removed(m_ledger, path);
-        return gone;
-    }
-    bool removeDirectory(const std::string& path) override {
-        const bool there = m_real.info(path).has_value();
-        const bool gone = m_real.removeDirectory(path);
-        if (gone && there)
-            ++m_ledger.counts.foldersDeleted;
-        return gone;
-    }
+    bool removeFile(const std::string& path) override { return m_real.removeFile(path); }
+    bool removeDirectory(const std::string& path) override { return m_real.removeDirectory(path); }
     bool createDirectory(const std::string& path) override { return m_real.createDirectory(path); }
     bool makeNormal(const std::string& path) override { return m_real.makeNormal(path); }
     bool isInUse(const std::string& path) override { return m_real.isInUse(path); }
@@ -303,7 +252,7 @@ private:
 
 struct CountingPlatform::Facilities {
     Facilities(platform::Platform& real, Ledger& ledger)
-        : files(real.fileSystem(), ledger), rawFiles(real.rawFiles(), real.fileSystem(), ledger),
+        : files(real.fileSystem(), ledger), rawFiles(real.rawFiles(), ledger),
           registry(real.registry(), ledger), urlCache(real.urlCache(), ledger), urlHistory(real.urlHistory(), ledger),
           recycleBin(real.recycleBin(), ledger) {}
 
@@ -321,11 +270,7 @@ CountingPlatform::CountingPlatform(platform::Platform& real)
 CountingPlatform::~CountingPlatform() = default;
 
 ChangeCounts CountingPlatform::counts() const {
-    ChangeCounts counts = m_ledger.counts;
-    for (const auto& [path, state] : m_ledger.files)
-        if (state.existed && state.written)
-            ++counts.filesOverwritten;
-    return counts;
+    return m_ledger.counts;
 }
 
 platform::RawFiles& CountingPlatform::rawFiles() {

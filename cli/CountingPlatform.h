@@ -1,17 +1,13 @@
 #pragma once
 // The platform every command of the command line runs on: the machine's own, with each change that
-// succeeds counted on its way through. The closing summary line is made from these counts, so every
-// command, present or future, reports exactly what it changed on the machine, measured where the
-// change happens rather than guessed from what it meant to do.
-//
-// A file counts as overwritten when bytes were written into it after it was opened as an existing
-// file; a file the command created itself (the free-space wipe's temporary file) adds its bytes to
-// the total but is no file of the user's, neither when written nor when removed.
+// succeeds counted on its way through (registry values, cache and history entries, trash items,
+// bytes written). The closing summary line is made from these counts and from the destruction
+// engine's verdicts on files and folders (VerdictLedger), so every command reports exactly what it
+// changed on the machine, measured where the change happens rather than guessed from its intent.
 
 #include "platform/Platform.h"
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 
@@ -19,10 +15,11 @@ namespace cli {
 
 /// What has changed so far.
 struct ChangeCounts {
-    std::uint64_t filesOverwrittenAndDeleted = 0;
-    std::uint64_t filesOverwritten = 0; ///< overwritten and still there
-    std::uint64_t filesDeleted = 0;     ///< deleted without being overwritten (links included)
+    std::uint64_t filesOverwrittenAndDeleted = 0; ///< these four from the engine's verdicts
+    std::uint64_t filesOverwritten = 0;           ///< overwritten and still there
+    std::uint64_t filesDeleted = 0;               ///< deleted without being overwritten (links included)
     std::uint64_t foldersDeleted = 0;
+    std::uint64_t filesVerified = 0;              ///< read back and found as the last pass wrote them
     std::uint64_t bytesWritten = 0;     ///< into any file, the command's own included
     std::uint64_t registryValuesRemoved = 0;
     std::uint64_t registryValuesWritten = 0;
@@ -43,7 +40,7 @@ public:
     CountingPlatform(const CountingPlatform&) = delete;
     CountingPlatform& operator=(const CountingPlatform&) = delete;
 
-    /// The changes so far; files written and not removed count as overwritten.
+    /// The changes so far.
     ChangeCounts counts() const;
 
     platform::RawFiles& rawFiles() override;
@@ -60,15 +57,9 @@ public:
     platform::UrlHistory& urlHistory() override;
     platform::RecycleBin& recycleBin() override;
 
-    /// What is known of one path the command opened for writing.
-    struct FileState {
-        bool existed = false; ///< it was there before the command first opened it
-        bool written = false;
-    };
-    /// The running counts and the files being written; shared by the facilities.
+    /// The running counts, shared by the facilities.
     struct Ledger {
         ChangeCounts counts;
-        std::map<std::string, FileState> files;
     };
 
 private:

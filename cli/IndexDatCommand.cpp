@@ -5,6 +5,7 @@
 
 #include "cli/Commands.h"
 #include "cli/Context.h"
+#include "cli/Interrupt.h"
 #include "cli/ProgressBar.h"
 #include "core/Prompts.h"
 #include "indexdat/ActivityScan.h"
@@ -84,10 +85,20 @@ void wipe(Context& ctx, const std::vector<std::string>& paths) {
         // Eleven rounds of three passes over every block behind the kept header.
         const auto info = ctx.platform.fileSystem().info(path);
         const double total = info ? static_cast<double>(indexdat::blockCount(info->size)) * 1024.0 * 33.0 : 0.0;
+        watchInterrupts(); // from the overwrite on; at the question Ctrl-C simply ends the program
         indexdat::WipeFileContents(
             ctx.platform, path,
-            [&](double done) { bar.update(done * total, total, ProgressBar::Unit::Bytes, path); }, &ctx.problems);
+            [&](double done) {
+                bar.update(done * total, total, ProgressBar::Unit::Bytes, path);
+                return !interrupted();
+            },
+            &ctx.problems, &ctx.verdicts);
         bar.finish();
+        if (interrupted()) {
+            std::cerr << "scourmill-cli: interrupted; " << path << " was left partly overwritten, files not reached untouched\n";
+            ctx.exitCode = 1;
+            return;
+        }
     }
 }
 

@@ -33,6 +33,7 @@ std::string describeChanges(const ChangeCounts& c, const std::vector<std::string
         {c.filesOverwritten, "file", "files", "overwritten"},
         {c.filesDeleted, "file", "files", "deleted"},
         {c.foldersDeleted, "folder", "folders", "deleted"},
+        {c.filesVerified, "file", "files", "verified"},
         {c.registryValuesRemoved, "registry value", "registry values", "removed"},
         {c.registryValuesWritten, "registry value", "registry values", "written"},
         {c.cacheEntriesDeleted, "cache entry", "cache entries", "deleted"},

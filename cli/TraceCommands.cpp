@@ -41,14 +41,14 @@ void printLines(const std::vector<std::string>& lines, const char* label = nullp
 
 void showCache(Context& ctx) {
     TerminalTraceView view;
-    cleaning::TraceCleaner cleaner(ctx.platform, view, &ctx.problems);
+    cleaning::TraceCleaner cleaner(ctx.platform, view, &ctx.problems, &ctx.verdicts);
     cleaner.ShowCache();
     printLines(view.lines());
 }
 
 void wipeCache(Context& ctx) {
     TerminalTraceView view;
-    cleaning::TraceCleaner cleaner(ctx.platform, view, &ctx.problems);
+    cleaning::TraceCleaner cleaner(ctx.platform, view, &ctx.problems, &ctx.verdicts);
     cleaner.ShowCache();
     printLines(view.lines());
     if (view.lineCount() == 0)
@@ -83,7 +83,7 @@ void cleanAll(Context& ctx) {
     watchInterrupts();
     TerminalTraceView view(found.tempFiles.size() + found.cacheEntries.size() + found.cookieFiles.size() + 1);
     cleaning::CURLHistory history(ctx.platform.urlHistory());
-    cleaning::TraceCleaner cleaner(ctx.platform, view, &ctx.problems);
+    cleaning::TraceCleaner cleaner(ctx.platform, view, &ctx.problems, &ctx.verdicts);
     cleaner.SetHistory(history);
     cleaner.ReadFolderPaths();
     cleaner.CleanTempFolder();
@@ -124,7 +124,7 @@ void watch(Context& ctx, int interval) {
                 std::cerr << now() << " the browser runs; cleaning when it closes\n";
         } else if (state.closedEnabled && autoclean::mustClean(running)) {
             TerminalTraceView view;
-            cleaning::TraceCleaner cleaner(ctx.platform, view, &ctx.problems);
+            cleaning::TraceCleaner cleaner(ctx.platform, view, &ctx.problems, &ctx.verdicts);
             cleaner.SetHistory(history);
             cleaner.ReadFolderPaths();
             cleaner.CleanAll();

@@ -24,6 +24,9 @@
 namespace cli {
 namespace {
 
+const char* const VerifyHelp = "After the last pass, read each file back from the device (past the system's cache) "
+                                "and compare it with what the pass wrote; a difference is named with its offset";
+
 std::string passLabel(int pass) {
     return "pass " + std::to_string(pass) + "/" + std::to_string(wipe::Gutmann::PassCount);
 }
@@ -136,7 +139,7 @@ void wipeFreeSpace(Context& ctx, const std::string& dir, bool removable) {
     }
 }
 
-void shredFiles(Context& ctx, const std::vector<std::string>& paths) {
+void shredFiles(Context& ctx, const std::vector<std::string>& paths, bool verify) {
     auto& files = ctx.platform.fileSystem();
     for (const auto& path : paths) {
         const auto info = files.info(path);
@@ -156,7 +159,8 @@ void shredFiles(Context& ctx, const std::vector<std::string>& paths) {
         }
     }
     TerminalSecureDeleteView view(ctx);
-    wipe::SecureDelete shred(ctx.platform, view, ctx.problems);
+    wipe::SecureDelete shred(ctx.platform, view, ctx.problems, &ctx.verdicts);
+    shred.setVerify(verify);
     const bool ran = shred.WipeSelectedFiles(paths.front(), paths);
     view.finish();
     if (!ran)
@@ -165,11 +169,12 @@ void shredFiles(Context& ctx, const std::vector<std::string>& paths) {
         reportInterrupted(ctx, "the file being shredded was deleted; files not reached were left untouched");
 }
 
-void shredFolder(Context& ctx, const std::string& dir) {
+void shredFolder(Context& ctx, const std::string& dir, bool verify) {
     requireFolder(ctx.platform.fileSystem(), dir);
     warnOfLimits(ctx, dir);
     TerminalSecureDeleteView view(ctx);
-    wipe::SecureDelete shred(ctx.platform, view, ctx.problems);
+    wipe::SecureDelete shred(ctx.platform, view, ctx.problems, &ctx.verdicts);
+    shred.setVerify(verify);
     const bool ran = shred.WipeFolder(dir);
     view.finish();
     if (!ran)
@@ -206,13 +211,15 @@ void addWipeCommands(CLI::App& app, Context& ctx) {
         auto* cmd = app.add_subcommand("shred", "Overwrite FILEs in place in 35 passes (Gutmann), then cut and delete them");
         auto paths = std::make_shared<std::vector<std::string>>();
         auto yes = std::make_shared<bool>(false);
+        auto verify = std::make_shared<bool>(false);
         cmd->add_option("FILE", *paths, "Plain files to destroy (links and folders are refused)")->required();
         cmd->add_flag("--yes,-y", *yes, "Do not ask for confirmation");
+        cmd->add_flag("--verify", *verify, VerifyHelp);
         cmd->footer("Ctrl-C stops: the file being shredded is deleted, files not reached are left untouched.");
         ctx.summary.changes(cmd);
-        cmd->callback([&ctx, paths, yes] {
+        cmd->callback([&ctx, paths, yes, verify] {
             ctx.prompts.setAssumeYes(*yes);
-            shredFiles(ctx, *paths);
+            shredFiles(ctx, *paths, *verify);
         });
     }
     {
@@ -220,14 +227,16 @@ void addWipeCommands(CLI::App& app, Context& ctx) {
             "shred-dir", "Shred every file directly inside DIR (35 passes), then delete DIR with everything below it");
         auto dir = std::make_shared<std::string>();
         auto yes = std::make_shared<bool>(false);
+        auto verify = std::make_shared<bool>(false);
         cmd->add_option("DIR", *dir, "The folder to destroy")->required();
         cmd->add_flag("--yes,-y", *yes, "Do not ask for confirmation");
+        cmd->add_flag("--verify", *verify, VerifyHelp);
         cmd->footer("Files in subfolders are deleted without being overwritten. Links are removed, never\n"
                     "followed, and nothing on another filesystem mounted below DIR is touched.");
         ctx.summary.changes(cmd);
-        cmd->callback([&ctx, dir, yes] {
+        cmd->callback([&ctx, dir, yes, verify] {
             ctx.prompts.setAssumeYes(*yes);
-            shredFolder(ctx, *dir);
+            shredFolder(ctx, *dir, *verify);
         });
     }
 }

@@ -42,7 +42,7 @@ int main(int argc, char** argv) {
     }
     // Every change a command makes is counted on its way to the machine, for the closing summary.
     cli::CountingPlatform platform(*native);
-    cli::Context ctx{platform, {}, {}, 0, {}};
+    cli::Context ctx{platform, {}, {}, 0, {}, {}};
     cli::addMemMonCommand(app, ctx);
     cli::addCleanItemCommands(app, ctx);
     cli::addIndexDatCommand(app, ctx);
@@ -69,7 +69,9 @@ int main(int argc, char** argv) {
     const CLI::App* ran = &app;
     while (!ran->get_subcommands().empty())
         ran = ran->get_subcommands().front();
-    ctx.summary.print(std::cerr, *ran, platform.counts());
+    cli::ChangeCounts counts = platform.counts();
+    ctx.verdicts.addTo(counts);
+    ctx.summary.print(std::cerr, *ran, counts);
     if (ctx.exitCode == 0 && ctx.problems.count() > 0)
         ctx.exitCode = 1;
     return ctx.exitCode;

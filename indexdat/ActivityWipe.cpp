@@ -3,6 +3,7 @@
 #include "core/ProblemSink.h"
 #include "core/Rounding.h"
 #include "platform/Platform.h"
+#include "wipe/Engine.h"
 
 #include <array>
 #include <vector>
@@ -27,15 +28,34 @@ std::vector<unsigned char> passBlock(unsigned char value, bool tagged) {
     return block;
 }
 
-void tell(core::ProblemSink* problems, const std::string& path, const std::string& reason) {
-    if (problems)
-        problems->skipped(path, reason);
-}
+/// Eleven rounds of the three passes, each pass one of the engine's, so that each reaches the
+/// device before the next.
+class ActivityScheme final : public wipe::OverwriteScheme {
+public:
+    ActivityScheme(std::int64_t blocks, const WipeProgress& progress)
+        : m_blocks(blocks), m_progress(progress),
+          m_passes{passBlock(0x55, true), passBlock(0x20, true), passBlock(0x20, false)} {}
 
-std::string lastErrorText(platform::RawFiles& raw) {
-    const std::string text = raw.errorText(raw.lastError());
-    return text.empty() ? "cannot be opened" : text;
-}
+    int passes() const override { return Rounds * PassesPerRound; }
+
+    Pass writePass(int pass, wipe::PassWriter& out) override {
+        const auto& block = m_passes[static_cast<std::size_t>((pass - 1) % PassesPerRound)];
+        const double steps = static_cast<double>(Rounds) * PassesPerRound * static_cast<double>(m_blocks);
+        for (std::int64_t k = 1; k <= m_blocks; ++k) {
+            if (!out.write(BlockSize * static_cast<std::uint64_t>(k), block.data(), block.size()))
+                return Pass::Failed;
+            if (!m_progress(++m_done / steps))
+                return Pass::Stopped;
+        }
+        return Pass::Written;
+    }
+
+private:
+    std::int64_t m_blocks;
+    const WipeProgress& m_progress;
+    std::array<std::vector<unsigned char>, PassesPerRound> m_passes;
+    double m_done = 0;
+};
 
 } // namespace
 
@@ -49,68 +69,25 @@ std::uint64_t lengthAfterWipe(std::uint64_t length) {
 }
 
 void WipeFileContents(platform::Platform& platform, const std::string& path, const WipeProgress& progress,
-                      core::ProblemSink* problems) {
-    platform::FileSystem& files = platform.fileSystem();
-    const auto info = files.info(path);
+                      core::ProblemSink* problems, core::VerdictSink* verdicts) {
+    wipe::Engine engine(platform, verdicts, problems);
+    std::string why;
+    auto target = engine.locate(path, why);
+    const auto info = target ? target->parent->entry(target->name) : std::nullopt;
     if (!info) {
-        tell(problems, path, "not found");
+        engine.report(core::Verdict::left(path, target ? "not found" : why));
         return;
     }
-    if (!info->isRegular) {
-        tell(problems, path, "not a regular file; left alone");
+    // Shorter than 513 bytes: nothing behind the kept header to overwrite.
+    const std::int64_t blocks = info->isRegular ? blockCount(info->size) : 1;
+    if (blocks == 0) {
+        engine.report(core::Verdict::left(path, "holds nothing behind its header to overwrite", false, false));
         return;
     }
-    // A file another program holds (the browser, running) keeps everything it has, as it always
-    // did where the browser's open locks the file: asked once before anything changes, and again
-    // each round, through this program's own handle.
-    if (const auto probe = platform.rawFiles().openForReading(path); probe && probe->openElsewhere()) {
-        tell(problems, path, "is open in another program; left unchanged");
-        return;
-    }
-    const std::int64_t blocks = blockCount(info->size);
-    if (!files.makeNormal(path))
-        tell(problems, path, "attributes could not be cleared");
-    if (blocks == 0)
-        return; // shorter than 513 bytes: nothing behind the kept header to overwrite
-
-    const std::array<std::vector<unsigned char>, PassesPerRound> passes = {
-        passBlock(0x55, true), passBlock(0x20, true), passBlock(0x20, false)};
-    const double steps = static_cast<double>(Rounds) * PassesPerRound * blocks;
-    double done = 0;
-    bool failed = false;
-    for (int round = 0; round < Rounds; ++round) {
-        auto file = platform.rawFiles().open(path);
-        if (!file) {
-            if (!failed)
-                tell(problems, path, lastErrorText(platform.rawFiles()));
-            failed = true;
-        } else if (const auto held = file->info(); !held || !held->sameFileAs(*info)) {
-            tell(problems, path, "was replaced by another file during the overwrite; left alone");
-            return;
-        } else if (file->openElsewhere()) {
-            tell(problems, path, "was opened by another program during the overwrite; stopped");
-            return;
-        }
-        for (const auto& block : passes) {
-            for (std::int64_t k = 1; file && k <= blocks; ++k) {
-                const auto at = static_cast<std::int64_t>(BlockSize) * k;
-                if ((file->seek(at, platform::RawFile::From::Begin) != at ||
-                     file->write(block.data(), block.size()) != block.size()) &&
-                    !failed) {
-                    tell(problems, path, "write failed: " + lastErrorText(platform.rawFiles()));
-                    failed = true;
-                }
-                progress(++done / steps);
-            }
-            if (file && !file->flush() && !failed) {
-                tell(problems, path, "could not be flushed to the device");
-                failed = true;
-            }
-        }
-        file.reset();
-        done = static_cast<double>(round + 1) * PassesPerRound * blocks;
-        progress(done / steps);
-    }
+    ActivityScheme scheme(blocks, progress);
+    wipe::OverwriteOptions options;
+    options.remove = false; // the browser looks for the file and its header: both stay
+    engine.overwrite(*target->parent, target->name, scheme, options);
 }
 
 } // namespace indexdat

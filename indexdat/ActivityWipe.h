@@ -13,6 +13,7 @@
 
 namespace core {
 class ProblemSink;
+class VerdictSink;
 }
 namespace platform {
 class Platform;
@@ -29,16 +30,17 @@ std::int64_t blockCount(std::uint64_t length);
 std::uint64_t lengthAfterWipe(std::uint64_t length);
 
 /// Called after every block and every round with the fraction of the work done (0..1); the window
-/// lets pending events run, the command line draws its progress bar.
-using WipeProgress = std::function<void(double fractionDone)>;
+/// lets pending events run, the command line draws its progress bar. False stops the overwrite
+/// (Ctrl-C): the file keeps what is written so far.
+using WipeProgress = std::function<bool(double fractionDone)>;
 
-/// Overwrites the recorded activity of the file at `path`: makes it a normal file (read-only,
-/// hidden and system cleared, not restored), then writes the three passes eleven times over every
-/// block after the first 1024 bytes. A missing file, a link or anything but a regular file is left
-/// alone; a file that another program has open (the running browser) is not changed at all, and a
-/// file that cannot be opened exclusively keeps its content. Each round checks that the name still
-/// means the same file. Each failure is told to `problems` when given, never to the user.
+/// Overwrites the recorded activity of the file at `path` through the destruction engine: the
+/// three passes eleven times over every block after the first 1024 bytes, each pass on the device
+/// before the next. A missing file, a link, a file with other names or anything but a plain file is
+/// left alone, and so is a file that a running program has open or mapped (the browser); the file
+/// is made writable (read-only cleared, not restored) only once it is known to be the only name.
+/// Each failure is told to `problems` when given, never to the user; `verdicts` hears the outcome.
 void WipeFileContents(platform::Platform& platform, const std::string& path, const WipeProgress& progress,
-                      core::ProblemSink* problems = nullptr);
+                      core::ProblemSink* problems = nullptr, core::VerdictSink* verdicts = nullptr);
 
 } // namespace indexdat

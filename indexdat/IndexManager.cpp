@@ -108,7 +108,13 @@ void IndexManager::confirmWipe() {
     m_lastAnswer = m_view.prompts().askYesNo(confirmWipeText(path), WindowCaption,
                                              core::MsgStyle::YesNo | core::MsgStyle::Question);
     if (m_lastAnswer)
-        WipeFileContents(m_platform, path, [this](double) { m_view.pumpEvents(); }, m_problems);
+        WipeFileContents(
+            m_platform, path,
+            [this](double) {
+                m_view.pumpEvents();
+                return true;
+            },
+            m_problems);
     m_view.setBusy(false);
 }
 

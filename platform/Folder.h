@@ -40,6 +40,14 @@ public:
     /// link, never a file with other hard links), created when missing only if `create`. Null on
     /// failure, with RawFiles::lastError() set.
     virtual std::unique_ptr<RawFile> openFile(const std::string& name, bool create) = 0;
+    /// Opens the existing plain file `name` to be written over: never through a link, never a file
+    /// with other hard links, a mount point or anything but a plain file, and never one that some
+    /// process has open or mapped (a loop device's backing file included). The checks are made on
+    /// the opened file itself, and only then is a read-only file made writable, so that no other
+    /// name of it ever has its permissions changed. Null on failure, with RawFiles::lastError() set:
+    /// EMLINK other names, EBUSY in use, EXDEV a mount point, EINVAL not a plain file (the Windows
+    /// codes of the same meaning there).
+    virtual std::unique_ptr<RawFile> openForOverwrite(const std::string& name);
     /// Deletes the file or link `name` (never a link's target). True when it is gone, also when it
     /// already was.
     virtual bool removeFile(const std::string& name) = 0;
@@ -52,5 +60,16 @@ public:
     /// questions about the folder itself; -1 where no folder is really held open.
     virtual std::intptr_t nativeHandle() const { return -1; }
 };
+
+inline std::unique_ptr<RawFile> Folder::openForOverwrite(const std::string& name) {
+    // Systems whose exclusive open refuses a file in use: the entry's facts decide the rest.
+    const auto facts = entry(name);
+    if (!facts || !facts->isRegular || facts->links > 1 || facts->mount != self().mount)
+        return nullptr;
+    makeNormal(name);
+    auto file = openFile(name, false);
+    const auto held = file ? file->info() : std::nullopt;
+    return held && held->sameFileAs(*facts) ? std::move(file) : nullptr;
+}
 
 } // namespace platform

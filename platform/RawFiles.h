@@ -12,6 +12,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace platform {
 
@@ -40,11 +42,29 @@ public:
     /// Facts about the open file (which file it is, its links, size and mount), as they are now;
     /// empty on failure. The name is left empty.
     virtual std::optional<FileInfo> info() const = 0;
-    /// Whether another handle, in this process or another, has the file open too, the system's own
-    /// for a device among them (a loop device's backing file). Where the open is exclusive by
-    /// itself (Windows) this is always false.
+    /// Whether another handle, in this process or another, has the file open or mapped too, the
+    /// system's own for a device among them (a loop device's backing file). Where the open is
+    /// exclusive by itself (Windows) this is always false.
     virtual bool openElsewhere() const = 0;
+    /// The byte ranges of the file that hold data, in order, as {offset, length}: a sparse file's
+    /// holes are left out, so that writing over the data never allocates new blocks. Where the
+    /// system cannot tell, the whole file.
+    virtual std::vector<std::pair<std::uint64_t, std::uint64_t>> dataRanges() const;
+    /// A second handle to the same file for reading what the device holds, past the system's cache
+    /// (on Linux O_DIRECT, or the cache dropped first where the filesystem refuses it); null when
+    /// the system offers neither. Reads through it are whole multiples of `readAlignment()`.
+    virtual std::unique_ptr<RawFile> openUncached() const { return nullptr; }
+    /// The alignment in bytes that buffers, offsets and lengths of reads through openUncached()
+    /// need; 1 when there is none.
+    virtual std::size_t readAlignment() const { return 1; }
 };
+
+inline std::vector<std::pair<std::uint64_t, std::uint64_t>> RawFile::dataRanges() const {
+    const auto facts = info();
+    if (!facts || facts->size == 0)
+        return {};
+    return {{0, facts->size}};
+}
 
 class RawFiles {
 public:

@@ -4,7 +4,7 @@
 #include "core/Rounding.h"
 #include "wipe/Gutmann.h"
 #include "wipe/Random.h"
-#include "wipe/Removal.h"
+#include "wipe/Engine.h"
 #include "wipe/WipeTexts.h"
 
 #include <chrono>
@@ -111,11 +111,12 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(const std::string& dir, core::Currency
 FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::string& dir, core::Currency freeBytes,
                                           core::Currency increment) {
     const std::string path = tempPath(dir);
+    Engine engine(m_platform, nullptr, &m_problems);
     Random file(m_platform.rawFiles());
     std::optional<platform::FileInfo> made; // the temporary file of this pass, the only one to remove
     const auto removeTemp = [&] {
         if (folder && made)
-            truncateAndDelete(*folder, texts::TempFileName, m_problems, made);
+            engine.removeOwnFile(*folder, texts::TempFileName, *made);
         made.reset();
     };
     const auto flushPass = [&](int pass) {
@@ -250,7 +251,7 @@ bool FreeSpaceWipe::offerStaleRemoval(const std::string& dir) {
     if (!m_view.prompts().askYesNo(texts::staleTempFile(path, core::formatGrouped(static_cast<std::int64_t>(info->size))),
                                    core::MessageTitle, core::MsgStyle::YesNo | core::MsgStyle::Question))
         return false;
-    return truncateAndDelete(*folder, texts::TempFileName, m_problems, info);
+    return Engine(m_platform, nullptr, &m_problems).removeOwnFile(*folder, texts::TempFileName, *info);
 }
 
 } // namespace wipe

@@ -1,7 +1,6 @@
 #include "wipe/SecureDelete.h"
 
 #include "core/Rounding.h"
-#include "wipe/Removal.h"
 #include "wipe/WipeTexts.h"
 
 #include <algorithm>
@@ -22,12 +21,84 @@ std::string hex2(unsigned value) {
 
 } // namespace
 
-SecureDelete::SecureDelete(platform::Platform& platform, SecureDeleteView& view, core::ProblemSink& problems)
-    : SecureDelete(platform, view, problems, PatternRandom()) {}
+/// The 35 Gutmann passes: blocks of a fifth of the file's length, each written with the pass's three
+/// values in turn, the stop flag read before every block position.
+class SecureDelete::Scheme final : public OverwriteScheme {
+public:
+    Scheme(SecureDelete& owner) : m_owner(owner) {}
+
+    int passes() const override { return Gutmann::PassCount; }
+    void starting(const std::string& shown) override { m_shown = shown; }
+
+    Pass writePass(int pass, PassWriter& out) override {
+        auto& view = m_owner.m_view;
+        view.passStarted(m_shown, pass);
+        if (pass == 1)
+            m_block = core::roundHalfEven(static_cast<double>(out.length()) * 0.2);
+        const Gutmann::Values values = Gutmann::values(pass, m_owner.m_random);
+        if (m_block > 0)
+            view.passValues(passText(values));
+        // The length is read again each pass: a pass may have written a little past the old end.
+        // A block length of 0 (files of 1 or 2 bytes) leaves nothing to count: nothing is written.
+        const std::int64_t count =
+            m_block > 0 ? core::roundHalfEven(static_cast<double>(out.length()) / static_cast<double>(m_block)) : 0;
+        FileWipeProgress now{m_shown, pass, 0, static_cast<std::uint64_t>(count * m_block * 3)};
+        for (std::int64_t i = 0; i < count; ++i) {
+            if (view.stopRequested() || view.interrupted())
+                return Pass::Stopped;
+            const auto position = static_cast<std::uint64_t>(i * m_block);
+            for (std::size_t b = 0; b < values.size(); ++b) {
+                const bool last = b + 1 == values.size();
+                if (!writeBlock(out, position, values[b], now, last))
+                    return view.interrupted() ? Pass::Stopped : Pass::Failed;
+                view.pumpEvents();
+            }
+        }
+        return Pass::Written;
+    }
+
+private:
+    /// Writes `m_block` bytes of `value` from `position`; with `final`, these bytes are the pass's
+    /// last word on them, and their way to the device starts at once.
+    bool writeBlock(PassWriter& out, std::uint64_t position, std::uint8_t value, FileWipeProgress& now, bool final) {
+        auto& chunkBuffer = m_owner.m_chunk;
+        auto& view = m_owner.m_view;
+        const auto length = static_cast<std::uint64_t>(m_block);
+        const std::size_t chunk = static_cast<std::size_t>(std::min<std::uint64_t>(length, ChunkBytes));
+        if (chunkBuffer.size() < chunk)
+            chunkBuffer.resize(chunk);
+        std::fill(chunkBuffer.begin(), chunkBuffer.begin() + static_cast<std::ptrdiff_t>(chunk), value);
+        for (std::uint64_t done = 0; done < length;) {
+            const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(length - done, chunk));
+            if (!out.write(position + done, chunkBuffer.data(), n))
+                return false;
+            if (final)
+                out.startFlush(position + done, n);
+            done += n;
+            now.written += n;
+            view.progress(now);
+            if (done < length) {
+                view.pumpEvents();
+                if (view.interrupted())
+                    return false;
+            }
+        }
+        return true;
+    }
+
+    SecureDelete& m_owner;
+    std::string m_shown;
+    std::int64_t m_block = 0;
+};
 
 SecureDelete::SecureDelete(platform::Platform& platform, SecureDeleteView& view, core::ProblemSink& problems,
-                           PatternRandom random)
-    : m_platform(platform), m_view(view), m_problems(problems), m_random(random) {}
+                           core::VerdictSink* verdicts)
+    : SecureDelete(platform, view, problems, PatternRandom(), verdicts) {}
+
+SecureDelete::SecureDelete(platform::Platform& platform, SecureDeleteView& view, core::ProblemSink& problems,
+                           PatternRandom random, core::VerdictSink* verdicts)
+    : m_view(view), m_engine(platform, verdicts, &problems),
+      m_random(random) {}
 
 std::string SecureDelete::passText(const Gutmann::Values& values) {
     // The first value shows the code of its own first decimal digit: that is how the window has
@@ -53,13 +124,24 @@ bool SecureDelete::WipeSelectedFiles(const std::string& fileName, const std::vec
 }
 
 bool SecureDelete::WipeFolder(const std::string& folder) {
+    // Everything that makes the folder no target of a wipe is settled before the question, and so
+    // before anything in it is touched.
+    std::string why;
+    auto target = m_engine.locate(folder, why);
+    if (target)
+        why = m_engine.treeRefusal(*target->parent, target->name);
+    if (!why.empty()) {
+        m_engine.report(core::Verdict::left(folder, why, true));
+        return true;
+    }
     if (!m_view.prompts().askYesNo(texts::WipeFolderPrefix + folder + texts::WipeFolderSuffix, core::MessageTitle,
                                    core::MsgStyle::YesNo | core::MsgStyle::Exclamation))
         return false;
-    auto& files = m_platform.fileSystem();
-    auto dir = files.openFolder(folder);
-    if (!dir) {
-        m_problems.skipped(folder, "is not a folder");
+    auto& parent = *target->parent;
+    const auto entry = parent.entry(target->name);
+    auto dir = entry ? parent.openFolder(target->name) : nullptr;
+    if (!dir || !dir->self().sameFileAs(*entry)) {
+        m_engine.report(core::Verdict::left(folder, "is no longer where it was; left alone", true));
         return true;
     }
     std::vector<std::string> own;
@@ -75,130 +157,32 @@ bool SecureDelete::WipeFolder(const std::string& folder) {
     }
     // Subfolders go without being overwritten, and links are removed, never followed. The folder
     // itself is removed from its parent only while the name still means the folder wiped here.
-    const auto [parentPath, name] = splitPath(files, folder);
-    auto parent = files.openFolder(parentPath);
-    const auto entry = parent ? parent->entry(name) : std::nullopt;
-    if (!entry || !entry->sameFileAs(dir->self())) {
-        m_problems.skipped(folder, "cannot be deleted: it is no longer where it was");
+    const auto now = parent.entry(target->name);
+    if (!now || !now->sameFileAs(dir->self())) {
+        m_engine.report(core::Verdict::left(folder, "cannot be deleted: it is no longer where it was", true));
         return true;
     }
     dir.reset();
-    removeTree(*parent, name, m_problems);
+    m_engine.removeTree(parent, target->name);
     return true;
 }
 
 bool SecureDelete::WipeFile(const std::string& path) {
-    const auto [folderPath, name] = splitPath(m_platform.fileSystem(), path);
-    auto folder = m_platform.fileSystem().openFolder(folderPath);
-    if (!folder) {
-        m_problems.skipped(path, "does not exist");
-        return true;
+    std::string why;
+    auto target = m_engine.locate(path, why);
+    if (!target) {
+        m_engine.report(core::Verdict::left(path, why));
+        return false;
     }
-    return wipeEntry(*folder, name);
+    return wipeEntry(*target->parent, target->name);
 }
 
 bool SecureDelete::wipeEntry(platform::Folder& folder, const std::string& name) {
-    const std::string shown = joinPath(m_platform.fileSystem(), folder.path(), name);
-    const auto info = folder.entry(name);
-    if (!info) {
-        m_problems.skipped(shown, "does not exist");
-        return true;
-    }
-    if (info->isDirectory() && !info->isLink()) {
-        m_problems.skipped(shown, "is a folder");
-        return false;
-    }
-    if (isMountPoint(folder, *info)) {
-        m_problems.skipped(shown, "is a mount point; left in place");
-        return false;
-    }
-    if (info->isRegular && info->links > 1) {
-        m_problems.skipped(shown, "has other hard links: only this name is removed, the contents are not overwritten");
-        return truncateAndDelete(folder, name, m_problems);
-    }
-    if (info->isRegular) {
-        folder.makeNormal(name);
-        if (info->size > 0 && overwrite(folder, name, *info, shown) == Overwrite::Replaced)
-            return false;
-    }
-    return truncateAndDelete(folder, name, m_problems, *info);
-}
-
-SecureDelete::Overwrite SecureDelete::overwrite(platform::Folder& folder, const std::string& name,
-                                                const platform::FileInfo& original, const std::string& shown) {
-    auto& raw = m_platform.rawFiles();
-    const auto failed = [&](const std::string& what) {
-        const std::string text = raw.errorText(raw.lastError());
-        m_problems.skipped(shown, what + (text.empty() ? "" : ": " + text) + "; it is deleted all the same");
-        return Overwrite::Failed;
-    };
-    const std::int64_t blockLength = core::roundHalfEven(static_cast<double>(original.size) * 0.2);
-    for (int pass = 1; pass <= Gutmann::PassCount; ++pass) {
-        m_view.passStarted(shown, pass);
-        auto file = folder.openFile(name, false);
-        if (!file)
-            return failed("could not be opened for pass " + std::to_string(pass));
-        // The same file as at the start, or nothing more is done to what now bears the name.
-        const auto held = file->info();
-        if (!held || !held->sameFileAs(original)) {
-            m_problems.skipped(shown, "was replaced by another file during the wipe; left alone");
-            return Overwrite::Replaced;
-        }
-        const Gutmann::Values values = Gutmann::values(pass, m_random);
-        if (blockLength > 0)
-            m_view.passValues(passText(values));
-        // The length is read again each pass: a pass may have written a little past the old end.
-        const std::int64_t current = file->seek(0, platform::RawFile::From::End);
-        file->seek(0, platform::RawFile::From::Begin);
-        // A block length of 0 (files of 1 or 2 bytes) leaves nothing to count: nothing is written.
-        const std::int64_t count =
-            blockLength > 0 && current >= 0 ? core::roundHalfEven(static_cast<double>(current) / blockLength) : 0;
-        FileWipeProgress now{shown, pass, 0, static_cast<std::uint64_t>(count * blockLength * 3)};
-        for (std::int64_t i = 1; i <= count; ++i) {
-            if (m_view.stopRequested() || m_view.interrupted())
-                return Overwrite::Stopped;
-            const std::int64_t position = file->seek(0, platform::RawFile::From::Current);
-            for (std::size_t b = 0; b < values.size(); ++b) {
-                file->seek(position, platform::RawFile::From::Begin);
-                const bool last = b + 1 == values.size();
-                if (!writeBlock(*file, values[b], static_cast<std::uint64_t>(blockLength), now, last ? position : -1))
-                    return m_view.interrupted() ? Overwrite::Stopped : failed("pass " + std::to_string(pass) + " could not be written");
-                m_view.pumpEvents();
-            }
-        }
-        // This pass reaches the device before the next one overwrites it; if it cannot, the
-        // passes are not doing what they claim.
-        if (!file->flush())
-            return failed("pass " + std::to_string(pass) + " did not reach the device");
-    }
-    return Overwrite::Done;
-}
-
-bool SecureDelete::writeBlock(platform::RawFile& file, std::uint8_t value, std::uint64_t length, FileWipeProgress& now,
-                              std::int64_t finalAt) {
-    const std::size_t chunk = static_cast<std::size_t>(std::min<std::uint64_t>(length, ChunkBytes));
-    if (m_chunk.size() < chunk)
-        m_chunk.resize(chunk);
-    std::fill(m_chunk.begin(), m_chunk.begin() + static_cast<std::ptrdiff_t>(chunk), value);
-    for (std::uint64_t left = length; left > 0;) {
-        const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(left, chunk));
-        if (file.write(m_chunk.data(), n) != n)
-            return false;
-        if (finalAt >= 0) {
-            // These bytes are final for this pass: the device takes them while the rest is written.
-            file.startFlush(finalAt, static_cast<std::int64_t>(n));
-            finalAt += static_cast<std::int64_t>(n);
-        }
-        left -= n;
-        now.written += n;
-        m_view.progress(now);
-        if (left > 0) {
-            m_view.pumpEvents();
-            if (m_view.interrupted())
-                return false;
-        }
-    }
-    return true;
+    Scheme scheme(*this);
+    OverwriteOptions options;
+    options.verify = m_verify;
+    options.removeOthers = true; // a link in the list is an item of its own: it goes, its target stays
+    return m_engine.overwrite(folder, name, scheme, options).removed;
 }
 
 } // namespace wipe

@@ -1,5 +1,6 @@
 #include "platform/linux/Descriptors.h"
 
+#include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
 #include <fstream>
@@ -155,6 +156,33 @@ bool openInSomeProcess(std::uint64_t device, std::uint64_t inode, int ownFd) {
     return found;
 }
 
+bool mappedInSomeProcess(std::uint64_t device, std::uint64_t inode) {
+    DIR* proc = ::opendir("/proc");
+    if (!proc)
+        return false;
+    bool found = false;
+    std::string line;
+    while (!found) {
+        const dirent* p = ::readdir(proc);
+        if (!p)
+            break;
+        if (p->d_name[0] < '0' || p->d_name[0] > '9')
+            continue;
+        // Each line: address perms offset major:minor inode [path]; the numbers name the file
+        // whatever has become of its path.
+        std::ifstream maps(std::string("/proc/") + p->d_name + "/maps");
+        while (!found && std::getline(maps, line)) {
+            unsigned major = 0, minor = 0;
+            unsigned long long node = 0;
+            if (std::sscanf(line.c_str(), "%*s %*s %*s %x:%x %llu", &major, &minor, &node) == 3 && node == inode &&
+                ::makedev(major, minor) == device)
+                found = true;
+        }
+    }
+    ::closedir(proc);
+    return found;
+}
+
 bool backsLoopDevice(std::uint64_t device, std::uint64_t inode) {
     DIR* block = ::opendir("/sys/block");
     if (!block)
@@ -167,7 +195,8 @@ bool backsLoopDevice(std::uint64_t device, std::uint64_t inode) {
 }
 
 bool fileInUse(std::uint64_t device, std::uint64_t inode, int ownFd) {
-    return openInSomeProcess(device, inode, ownFd) || backsLoopDevice(device, inode);
+    return openInSomeProcess(device, inode, ownFd) || mappedInSomeProcess(device, inode) ||
+           backsLoopDevice(device, inode);
 }
 
 UniqueFd openFolderAt(int at, const std::string& name) {

@@ -56,12 +56,16 @@ FileInfo describe(const std::string& name, const Facts& facts);
 /// visible to an ordinary user.
 bool openInSomeProcess(std::uint64_t device, std::uint64_t inode, int ownFd = -1);
 
+/// Whether some process has the file `device`/`inode` mapped into memory (its descriptor may be
+/// closed long since: the mapping still reads and writes the file). Reads /proc/*/maps.
+bool mappedInSomeProcess(std::uint64_t device, std::uint64_t inode);
+
 /// Whether the file `device`/`inode` backs a loop device. The kernel holds such a file for the
 /// device, through no process's descriptors, and whatever is mounted from it reads and writes it.
 bool backsLoopDevice(std::uint64_t device, std::uint64_t inode);
 
-/// Whether the file `device`/`inode` is in use: open in some process (see openInSomeProcess) or
-/// backing a loop device.
+/// Whether the file `device`/`inode` is in use: open or mapped in some process (see
+/// openInSomeProcess, mappedInSomeProcess) or backing a loop device.
 bool fileInUse(std::uint64_t device, std::uint64_t inode, int ownFd = -1);
 
 /// Opens folder `name` in folder `at` without following a link in its last component; -1 when it

@@ -61,6 +61,36 @@ std::unique_ptr<RawFile> LinuxFolder::openFile(const std::string& name, bool cre
     return openRawAt(m_fd.get(), name, create);
 }
 
+std::unique_ptr<RawFile> LinuxFolder::openForOverwrite(const std::string& name) {
+    // The entry itself, pinned without opening it for reading or writing: a pipe is not waited on,
+    // a device is not started, and whatever takes the name from here on is not what gets written.
+    const UniqueFd entry(::openat(m_fd.get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (!entry)
+        return nullptr;
+    const auto facts = factsAt(entry.get(), "", false);
+    const auto folder = factsAt(m_fd.get(), "", false);
+    if (!facts || !folder)
+        return nullptr;
+    const auto refuse = [](int code) -> std::unique_ptr<RawFile> {
+        errno = code;
+        return nullptr;
+    };
+    if (!S_ISREG(facts->mode))
+        return refuse(EINVAL);
+    if (facts->mount != folder->mount)
+        return refuse(EXDEV);
+    if (facts->links > 1)
+        return refuse(EMLINK);
+    if (fileInUse(facts->device, facts->inode, entry.get()))
+        return refuse(EBUSY);
+    // Only now, with the file known to have this one name, may it be made writable.
+    const std::string self = "/proc/self/fd/" + std::to_string(entry.get());
+    if (!(facts->mode & S_IWUSR) && ::chmod(self.c_str(), (facts->mode & 07777) | S_IRUSR | S_IWUSR) != 0)
+        return nullptr;
+    // Reopened through the pinned descriptor: the very file checked above.
+    return adoptRaw(::open(self.c_str(), O_RDWR | O_CLOEXEC));
+}
+
 bool LinuxFolder::removeFile(const std::string& name) {
     const auto facts = factsAt(m_fd.get(), name, false);
     if (facts && S_ISDIR(facts->mode)) {

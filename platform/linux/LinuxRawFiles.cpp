@@ -14,7 +14,7 @@ namespace {
 
 class LinuxRawFile final : public RawFile {
 public:
-    explicit LinuxRawFile(int fd) : m_fd(fd) {}
+    explicit LinuxRawFile(int fd, bool direct = false) : m_fd(fd), m_direct(direct) {}
     ~LinuxRawFile() override { ::close(m_fd); }
     LinuxRawFile(const LinuxRawFile&) = delete;
     LinuxRawFile& operator=(const LinuxRawFile&) = delete;
@@ -77,14 +77,60 @@ public:
         return facts && fileInUse(facts->device, facts->inode, m_fd);
     }
 
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> dataRanges() const override {
+        struct stat st {};
+        if (::fstat(m_fd, &st) != 0 || st.st_size <= 0)
+            return {};
+        const off_t end = st.st_size;
+        std::vector<std::pair<std::uint64_t, std::uint64_t>> ranges;
+        for (off_t at = 0; at < end;) {
+            const off_t data = ::lseek(m_fd, at, SEEK_DATA);
+            if (data < 0) {
+                if (errno == ENXIO)
+                    break; // nothing but a hole from here to the end
+                return RawFile::dataRanges(); // the filesystem cannot tell: all of it
+            }
+            off_t hole = ::lseek(m_fd, data, SEEK_HOLE);
+            if (hole < 0 || hole > end)
+                hole = end;
+            ranges.emplace_back(static_cast<std::uint64_t>(data), static_cast<std::uint64_t>(hole - data));
+            at = hole;
+        }
+        ::lseek(m_fd, 0, SEEK_SET);
+        return ranges;
+    }
+
+    std::unique_ptr<RawFile> openUncached() const override {
+        const std::string self = "/proc/self/fd/" + std::to_string(m_fd);
+        // The same file, reached through this descriptor and not through any name.
+        const int direct = ::open(self.c_str(), O_RDONLY | O_DIRECT | O_CLOEXEC);
+        if (direct >= 0)
+            return std::make_unique<LinuxRawFile>(direct, true);
+        // tmpfs and some others refuse O_DIRECT: what is on the device is then read after the
+        // cache has been written out and dropped.
+        if (::fdatasync(m_fd) != 0)
+            return nullptr;
+        ::posix_fadvise(m_fd, 0, 0, POSIX_FADV_DONTNEED);
+        const int plain = ::open(self.c_str(), O_RDONLY | O_CLOEXEC);
+        return plain >= 0 ? std::make_unique<LinuxRawFile>(plain) : nullptr;
+    }
+
+    std::size_t readAlignment() const override {
+        if (!m_direct)
+            return 1;
+        struct stat st {};
+        // The filesystem's block size is a multiple of the device's logical block size.
+        return ::fstat(m_fd, &st) == 0 && st.st_blksize >= 512 ? static_cast<std::size_t>(st.st_blksize) : 4096;
+    }
+
 private:
     int m_fd;
+    bool m_direct;
 };
 
 } // namespace
 
-std::unique_ptr<RawFile> openRawAt(int at, const std::string& name, bool create) {
-    const int fd = ::openat(at, name.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | (create ? O_CREAT : 0), 0600);
+std::unique_ptr<RawFile> adoptRaw(int fd) {
     if (fd < 0)
         return nullptr;
     // Only plain files: writing through a device node or a pipe that took a file's place would
@@ -103,6 +149,15 @@ std::unique_ptr<RawFile> openRawAt(int at, const std::string& name, bool create)
         return nullptr;
     }
     return std::make_unique<LinuxRawFile>(fd);
+}
+
+std::unique_ptr<RawFile> openRawAt(int at, const std::string& name, bool create) {
+    // Non-blocking: a pipe in a file's place must not hold the program up (the checks refuse it).
+    const int fd =
+        ::openat(at, name.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | (create ? O_CREAT : 0), 0600);
+    if (fd >= 0)
+        ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+    return adoptRaw(fd);
 }
 
 std::unique_ptr<RawFile> LinuxRawFiles::open(const std::string& path) {

@@ -20,4 +20,8 @@ public:
 /// exclusively, never through a link), creating it when missing only if `create`.
 std::unique_ptr<RawFile> openRawAt(int at, const std::string& name, bool create);
 
+/// Takes the descriptor `fd` (opened read-write) as a raw file under the same rules: null, with
+/// the descriptor closed and errno set, when it is no plain file of one name or another holds it.
+std::unique_ptr<RawFile> adoptRaw(int fd);
+
 } // namespace platform::linux

@@ -81,7 +81,8 @@ std::string entry(const std::map<std::string, std::string>& seen, const std::str
 
 TEST_F(TraceCleanerTest, WipeFileWritesBlocksZeroToTheRoundedCountElevenTimesThenDeletes) {
     // length -> bytes a pass writes: 512/1024 = 0.5 rounds to 0, 1536/1024 = 1.5 to 2, 2560 to 2.
-    const std::pair<std::size_t, std::uint64_t> cases[] = {{512, 1024}, {1536, 3072}, {0, 1024}, {2560, 3072}, {3000, 4096}};
+    // An empty file holds nothing to overwrite: it is only deleted (checked elsewhere).
+    const std::pair<std::size_t, std::uint64_t> cases[] = {{512, 1024}, {1536, 3072}, {2560, 3072}, {3000, 4096}};
     for (const auto& [length, perPass] : cases) {
         const fs::path file = temp.write("f" + std::to_string(length), std::string(length, 'S'));
         std::map<int, std::string> afterPass; // what each pass left, read when the window gets its turn

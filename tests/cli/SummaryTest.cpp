@@ -5,6 +5,7 @@
 #include "cli/CountingPlatform.h"
 #include "cli/ProgressBar.h"
 #include "cli/Summary.h"
+#include "cli/VerdictLedger.h"
 #include "platform/Folder.h"
 #include "tests/support/CliProcess.h"
 #include "tests/support/Hive.h"
@@ -25,55 +26,29 @@ using testsupport::runCli;
 using testsupport::ScratchDir;
 using testsupport::shellQuoted;
 
-namespace {
+TEST(VerdictLedger, CountsOnlyWhatTheVerdictsSayHappened) {
+    cli::VerdictLedger ledger;
+    auto overwritten = core::Verdict::about("a");
+    overwritten.overwritten = overwritten.removed = overwritten.verified = true;
+    ledger.record(overwritten);
+    auto kept = core::Verdict::about("b");
+    kept.overwritten = true;
+    ledger.record(kept);
+    // A failed pass: bytes were written, yet the file counts as deleted, never as overwritten.
+    auto failed = core::Verdict::left("c", "pass 1 could not be written: No space left on device");
+    failed.removed = true;
+    failed.bytes = 4096;
+    ledger.record(failed);
+    ledger.record(core::Verdict::left("d", "is open or mapped in a running program; left alone"));
+    auto folder = core::Verdict::about("e", true);
+    folder.removed = true;
+    ledger.record(folder);
 
-void write(platform::RawFiles& files, const std::string& path, std::size_t bytes) {
-    auto file = files.open(path);
-    ASSERT_TRUE(file);
-    const std::string data(bytes, 'x');
-    ASSERT_EQ(file->write(data.data(), data.size()), bytes);
-}
-
-} // namespace
-
-TEST(CountingPlatform, TellsOverwrittenDeletedAndOwnFilesApart) {
-    ScratchDir dir;
-    auto native = platform::createNative();
-    cli::CountingPlatform counted(*native);
-    auto& files = counted.fileSystem();
-    const std::string shredded = dir.write("shredded", "secret").string();
-    const std::string kept = dir.write("kept", "record").string();
-    const std::string plain = dir.write("plain", "x").string();
-    const std::string own = (dir.path() / "WNXTEMP.000").string();
-    fs::create_directories(dir.path() / "sub");
-
-    write(counted.rawFiles(), shredded, 6);
-    EXPECT_TRUE(files.removeFile(shredded));
-    write(counted.rawFiles(), kept, 6);
-    EXPECT_TRUE(files.removeFile(plain));
-    EXPECT_TRUE(files.removeFile(plain)); // already gone: the call succeeds, nothing more is removed
-    write(counted.rawFiles(), own, 100); // made by the command itself
-    write(counted.rawFiles(), own, 100);
-    EXPECT_TRUE(files.removeFile(own));
-    // The same through an open folder, as the wipes walk: made, written, removed.
-    const auto folder = files.openFolder(dir.str());
-    ASSERT_TRUE(folder);
-    auto made = folder->openFile("WNXTEMP.000", true);
-    ASSERT_TRUE(made);
-    EXPECT_EQ(made->write("12345678", 8), 8u);
-    made.reset();
-    EXPECT_TRUE(folder->removeFile("WNXTEMP.000"));
-    EXPECT_TRUE(files.removeDirectory((dir.path() / "sub").string()));
-
-    cli::ChangeCounts expected;
-    expected.filesOverwrittenAndDeleted = 1;
-    expected.filesOverwritten = 1;
-    expected.filesDeleted = 1;
-    expected.foldersDeleted = 1;
-    expected.bytesWritten = 220;
-    EXPECT_EQ(counted.counts(), expected);
-    EXPECT_EQ(cli::describeChanges(counted.counts()),
-              "1 file overwritten and deleted, 1 file overwritten, 1 file deleted, 1 folder deleted, 220 B written");
+    cli::ChangeCounts counts;
+    counts.bytesWritten = 220;
+    ledger.addTo(counts);
+    EXPECT_EQ(cli::describeChanges(counts), "1 file overwritten and deleted, 1 file overwritten, 1 file deleted, "
+                                            "1 folder deleted, 1 file verified, 220 B written");
     EXPECT_EQ(cli::describeChanges({}), "nothing changed");
     EXPECT_EQ(cli::describeChanges({}, {"1.0 GiB of memory filled"}), "1.0 GiB of memory filled");
 }

@@ -44,7 +44,7 @@ protected:
     int progressCalls = 0;
 
     void wipe(const fs::path& path) {
-        indexdat::WipeFileContents(*p, path.string(), [&](double) { ++progressCalls; }, &problems);
+        indexdat::WipeFileContents(*p, path.string(), [&](double) { return ++progressCalls > 0; }, &problems);
     }
 };
 

@@ -1,0 +1,488 @@
+#include "wipe/Engine.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+#include <filesystem>
+#include <map>
+
+namespace wipe {
+namespace {
+
+using platform::FileInfo;
+using platform::Folder;
+using platform::RawFile;
+using Ranges = std::vector<std::pair<std::uint64_t, std::uint64_t>>;
+
+std::uint64_t fnv1a(std::uint64_t hash, const unsigned char* bytes, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        hash = (hash ^ bytes[i]) * 0x100000001b3ULL;
+    return hash;
+}
+constexpr std::uint64_t FnvStart = 0xcbf29ce484222325ULL;
+
+/// The pass writer over one open file: writes land only where the file holds data (or past its
+/// first length, where a scheme lets the file grow), and the last pass's writes are remembered for
+/// the read-back.
+class FileWriter final : public PassWriter {
+public:
+    FileWriter(RawFile& file, std::uint64_t length, Ranges data)
+        : m_file(file), m_length(length), m_end(length), m_data(std::move(data)) {}
+
+    std::uint64_t length() const override { return m_end; }
+
+    bool write(std::uint64_t offset, const void* data, std::size_t count) override {
+        const auto* bytes = static_cast<const unsigned char*>(data);
+        const std::uint64_t end = offset + count;
+        // The pieces of [offset, end) that hold data, then whatever lies past the first length.
+        for (const auto& [start, size] : m_data) {
+            const std::uint64_t from = std::max(offset, start), to = std::min(end, start + size);
+            if (from < to && !put(from, bytes + (from - offset), to - from))
+                return false;
+        }
+        if (end > m_length) {
+            const std::uint64_t from = std::max(offset, m_length);
+            return put(from, bytes + (from - offset), end - from);
+        }
+        return true;
+    }
+
+    void startFlush(std::uint64_t offset, std::uint64_t length) override {
+        m_file.startFlush(static_cast<std::int64_t>(offset), static_cast<std::int64_t>(length));
+    }
+
+    void remember(bool on) {
+        m_remember = on;
+        m_last.clear();
+    }
+    std::uint64_t bytes() const { return m_bytes; }
+    int error() const { return m_error; }
+    /// The last pass's writes, each as {offset, length} with its digest; a later write at the same
+    /// offset replaced an earlier one.
+    void lastPass(Ranges& ranges, std::vector<std::uint64_t>& digests) const {
+        for (const auto& [offset, written] : m_last) {
+            ranges.emplace_back(offset, written.first);
+            digests.push_back(written.second);
+        }
+    }
+
+private:
+    bool put(std::uint64_t at, const unsigned char* bytes, std::uint64_t count) {
+        if (m_file.seek(static_cast<std::int64_t>(at), RawFile::From::Begin) != static_cast<std::int64_t>(at) ||
+            m_file.write(bytes, count) != count) {
+            m_error = errno == 0 ? EIO : errno;
+            return false;
+        }
+        m_bytes += count;
+        m_end = std::max(m_end, at + count);
+        if (m_remember)
+            m_last[at] = {count, fnv1a(FnvStart, bytes, count)};
+        return true;
+    }
+
+    RawFile& m_file;
+    std::uint64_t m_length; ///< at the start: holes are looked for only below it
+    std::uint64_t m_end;    ///< now, the scheme's own writes past the start's end included
+    Ranges m_data;
+    std::uint64_t m_bytes = 0;
+    int m_error = 0;
+    bool m_remember = false;
+    std::map<std::uint64_t, std::pair<std::uint64_t, std::uint64_t>> m_last;
+};
+
+/// The data ranges of `file` inside its first `length` bytes.
+Ranges dataWithin(const RawFile& file, std::uint64_t length) {
+    Ranges inside;
+    for (auto [start, size] : file.dataRanges())
+        if (start < length)
+            inside.emplace_back(start, std::min(size, length - start));
+    return inside;
+}
+
+std::string errorText(platform::RawFiles& raw, int code) {
+    const std::string text = raw.errorText(code);
+    return text.empty() ? "error " + std::to_string(code) : text;
+}
+
+} // namespace
+
+Engine::Engine(platform::Platform& platform, core::VerdictSink* verdicts, core::ProblemSink* problems)
+    : m_platform(platform), m_verdicts(verdicts), m_problems(problems) {}
+
+std::string Engine::join(const std::string& folder, const std::string& name) const {
+    return joinPath(m_platform.fileSystem(), folder, name);
+}
+
+void Engine::report(const core::Verdict& verdict) {
+    if (m_verdicts)
+        m_verdicts->record(verdict);
+    if (verdict.problem && m_problems)
+        m_problems->skipped(verdict.item, verdict.why);
+}
+
+std::optional<Engine::Target> Engine::locate(const std::string& path, std::string& why) {
+    auto& files = m_platform.fileSystem();
+    const char sep = files.separator();
+    const auto isSep = [sep](char c) { return c == sep || c == '/'; };
+    std::string text = path;
+    while (text.size() > 1 && isSep(text.back()))
+        text.pop_back();
+    if (text.empty()) {
+        why = "is empty";
+        return std::nullopt;
+    }
+    // The root the walk starts from: "/", "C:\", "\\server\share\", or the working folder.
+    std::string root;
+    std::string rest = text;
+    if (sep == '/' && text[0] == '/') {
+        root = "/";
+    } else if (sep == '\\' && text.size() >= 2 && text[1] == ':') {
+        root = text.substr(0, 2) + "\\";
+    } else if (sep == '\\' && text.size() >= 2 && isSep(text[0]) && isSep(text[1])) {
+        std::size_t parts = 0, i = 2;
+        for (; i < text.size() && parts < 2; ++i)
+            if (isSep(text[i]))
+                ++parts;
+        root = text.substr(0, parts == 2 ? i : text.size());
+        if (!root.empty() && !isSep(root.back()))
+            root += '\\';
+    }
+    if (root.empty()) {
+        std::error_code ec;
+        root = std::filesystem::current_path(ec).string();
+        if (ec) {
+            why = "the working folder cannot be read";
+            return std::nullopt;
+        }
+        rest = root + sep + text;
+        root = sep == '/' ? "/" : rest.substr(0, 3);
+    }
+    // The names after the root, "." dropped and ".." taking its folder away, as written.
+    std::vector<std::string> names;
+    for (std::size_t i = root.size(); i <= rest.size();) {
+        std::size_t end = i;
+        while (end < rest.size() && !isSep(rest[end]))
+            ++end;
+        const std::string name = rest.substr(i, end - i);
+        if (name == "..") {
+            if (!names.empty())
+                names.pop_back();
+        } else if (!name.empty() && name != ".") {
+            names.push_back(name);
+        }
+        i = end + 1;
+    }
+    if (names.empty()) {
+        why = "is the root of a filesystem";
+        return std::nullopt;
+    }
+    auto folder = files.openFolder(root);
+    std::string walked = root;
+    for (std::size_t i = 0; folder && i + 1 < names.size(); ++i) {
+        const auto entry = folder->entry(names[i]);
+        walked = join(walked, names[i]);
+        if (entry && entry->isLink()) {
+            why = "leads through the link " + walked + "; name the folder it points to instead";
+            return std::nullopt;
+        }
+        folder = entry && entry->isDirectory() ? folder->openFolder(names[i]) : nullptr;
+    }
+    if (!folder) {
+        why = "no such file or folder";
+        return std::nullopt;
+    }
+    return Target{std::move(folder), names.back(), text};
+}
+
+core::Verdict Engine::remove(Folder& folder, const std::string& name, const std::string& whyNotOverwritten) {
+    auto v = core::Verdict::about(join(folder.path(), name));
+    const auto entry = folder.entry(name);
+    if (entry && isMountPoint(folder, *entry)) {
+        v.why = "is a mount point; left in place";
+        v.problem = true;
+    } else if (entry && entry->isDirectory() && !entry->isLink()) {
+        v.why = "is a folder; left in place";
+        v.problem = true;
+    } else {
+        v.removed = folder.removeFile(name);
+        if (!v.removed && entry && entry->links == 1) {
+            // Windows refuses to delete a read-only file; a file of one name may be made normal.
+            folder.makeNormal(name);
+            v.removed = folder.removeFile(name);
+        }
+        v.why = v.removed ? whyNotOverwritten : "cannot be deleted";
+        v.problem = !v.removed || !whyNotOverwritten.empty();
+    }
+    report(v);
+    return v;
+}
+
+core::Verdict Engine::overwrite(Folder& folder, const std::string& name, OverwriteScheme& scheme,
+                                const OverwriteOptions& options) {
+    auto& raw = m_platform.rawFiles();
+    auto v = core::Verdict::about(join(folder.path(), name));
+    const auto left = [&](const std::string& why, bool problem = true) {
+        v.why = why;
+        v.problem = problem;
+        report(v);
+        return v;
+    };
+    // Not written, and with `remove` the name goes all the same (the user asked for it gone).
+    const auto notWritten = [&](const std::string& why) {
+        if (!options.remove)
+            return left(why + "; not overwritten");
+        const auto gone = remove(folder, name, why + "; not overwritten, deleted all the same");
+        return gone;
+    };
+    const auto entry = folder.entry(name);
+    if (!entry)
+        return left("does not exist", options.missingIsProblem);
+    if (options.ownOnly && !entry->ownedByUser)
+        return left("belongs to another user; left alone", false);
+    if (entry->isDirectory() && !entry->isLink())
+        return left("is a folder");
+    if (isMountPoint(folder, *entry))
+        return left("is a mount point; left in place");
+    if (!entry->isRegular) {
+        if (options.remove && options.removeOthers)
+            return remove(folder, name);
+        return left(entry->isLink() ? "is a link; left alone" : "is not a plain file; left alone");
+    }
+    if (entry->links > 1)
+        return notWritten("has other hard links, which would lose their contents too");
+
+    auto file = folder.openForOverwrite(name);
+    if (!file) {
+        const int code = raw.lastError();
+        if (code == EBUSY)
+            return left("is open or mapped in a running program; left alone");
+        if (code == EMLINK)
+            return notWritten("has other hard links, which would lose their contents too");
+        if (code == EXDEV)
+            return left("is a mount point; left in place");
+        if (code == EINVAL || code == ENOENT)
+            return left("was replaced during the run; left alone");
+        return notWritten("cannot be opened for writing: " + errorText(raw, code));
+    }
+    const auto held = file->info();
+    if (!held || !held->sameFileAs(*entry))
+        return left("was replaced during the run; left alone");
+
+    scheme.starting(v.item);
+    FileWriter writer(*file, held->size, dataWithin(*file, held->size));
+    const int passes = held->size == 0 ? 0 : scheme.passes(); // nothing in it to overwrite
+    for (int pass = 1; pass <= passes; ++pass) {
+        writer.remember(options.verify && pass == passes);
+        const auto result = scheme.writePass(pass, writer);
+        v.bytes = writer.bytes();
+        if (result == OverwriteScheme::Pass::Stopped) {
+            if (!options.remove)
+                return left("stopped before pass " + std::to_string(pass) + " was complete; partly overwritten");
+            cutAndDelete(folder, name, *file, *held);
+            file.reset();
+            v.removed = !folder.entry(name);
+            return left("stopped before pass " + std::to_string(pass) + " was complete; not overwritten" +
+                        (v.removed ? ", deleted all the same" : ""));
+        }
+        if (result == OverwriteScheme::Pass::Failed) {
+            file.reset();
+            return notWritten("pass " + std::to_string(pass) + " could not be written: " + errorText(raw, writer.error()));
+        }
+        // Each pass reaches the device before the next one writes over it.
+        if (!file->flush()) {
+            const int code = raw.lastError();
+            file.reset();
+            return notWritten("pass " + std::to_string(pass) + " did not reach the device: " + errorText(raw, code));
+        }
+    }
+    v.overwritten = writer.bytes() > 0;
+    if (!v.overwritten)
+        v.why = held->size == 0 ? "is empty: nothing to overwrite" : "too short to be overwritten";
+    if (options.verify && v.overwritten) {
+        Ranges ranges;
+        std::vector<std::uint64_t> digests;
+        writer.lastPass(ranges, digests);
+        v = verify(*file, ranges, digests, v);
+    }
+    if (options.remove) {
+        v.removed = cutAndDelete(folder, name, *file, *held);
+        if (!v.removed) {
+            v.why = "was overwritten but cannot be deleted";
+            v.problem = true;
+        }
+    }
+    report(v);
+    return v;
+}
+
+core::Verdict Engine::verify(RawFile& file, const Ranges& ranges, const std::vector<std::uint64_t>& digests,
+                             core::Verdict v) {
+    auto reader = file.openUncached();
+    if (!reader) {
+        v.why = "could not be read back past the system's cache to verify";
+        v.problem = true;
+        return v;
+    }
+    const std::size_t align = std::max<std::size_t>(reader->readAlignment(), 1);
+    const std::size_t chunk = std::max<std::size_t>(align, std::size_t{1} << 20) / align * align;
+    const auto release = [align](unsigned char* p) { ::operator delete(p, std::align_val_t(align)); };
+    const std::unique_ptr<unsigned char, decltype(release)> buffer(
+        static_cast<unsigned char*>(::operator new(chunk, std::align_val_t(align))), release);
+    for (std::size_t i = 0; i < ranges.size(); ++i) {
+        const auto [offset, length] = ranges[i];
+        std::uint64_t hash = FnvStart;
+        std::uint64_t at = offset / align * align;
+        const std::uint64_t end = offset + length;
+        bool complete = true;
+        while (at < end) {
+            const std::size_t want = static_cast<std::size_t>(std::min<std::uint64_t>(chunk, (end - at + align - 1) / align * align));
+            if (reader->seek(static_cast<std::int64_t>(at), RawFile::From::Begin) != static_cast<std::int64_t>(at)) {
+                complete = false;
+                break;
+            }
+            const std::size_t got = reader->read(buffer.get(), want);
+            const std::uint64_t from = std::max(at, offset), to = std::min<std::uint64_t>(end, at + got);
+            if (to <= from) {
+                complete = false;
+                break;
+            }
+            hash = fnv1a(hash, buffer.get() + (from - at), static_cast<std::size_t>(to - from));
+            at += got;
+            if (got < want && at < end) {
+                complete = false;
+                break;
+            }
+        }
+        if (!complete || hash != digests[i]) {
+            v.why = "verify: the device holds other bytes than the last pass wrote in the block at offset " +
+                    std::to_string(offset);
+            v.problem = true;
+            return v;
+        }
+    }
+    v.verified = true;
+    return v;
+}
+
+bool Engine::cutAndDelete(Folder& folder, const std::string& name, RawFile& file, const FileInfo& held) {
+    // Removed only while the name still means the file written; cut first, so that whatever still
+    // holds the name's old blocks finds none.
+    const auto now = folder.entry(name);
+    if (!now || !now->sameFileAs(held))
+        return false;
+    file.seek(0, RawFile::From::Begin);
+    file.truncate();
+    return folder.removeFile(name);
+}
+
+bool Engine::removeOwnFile(Folder& folder, const std::string& name, const FileInfo& expected) {
+    const auto now = folder.entry(name);
+    if (!now)
+        return true;
+    bool gone = false;
+    if (now->sameFileAs(expected) && now->isRegular) {
+        if (auto file = folder.openFile(name, false)) {
+            if (const auto held = file->info(); held && held->sameFileAs(expected))
+                gone = cutAndDelete(folder, name, *file, *held);
+        } else {
+            gone = folder.removeFile(name); // held by nobody else, yet not to be opened: the name goes
+        }
+    }
+    if (!gone)
+        report(core::Verdict::left(join(folder.path(), name), now->sameFileAs(expected) ? "cannot be deleted" : "is no longer the file this run made; left alone"));
+    return gone;
+}
+
+std::string Engine::treeRefusal(Folder& parent, const std::string& name) {
+    const auto entry = parent.entry(name);
+    if (!entry)
+        return "does not exist";
+    if (entry->isLink())
+        return "is a symbolic link; links are never followed";
+    if (!entry->isDirectory())
+        return "is not a folder";
+    if (isMountPoint(parent, *entry))
+        return "is a mount point (a filesystem or a bind mount); refused";
+    if (parent.self().sameFileAs(*entry))
+        return "is the root of a filesystem; refused";
+    return {};
+}
+
+bool Engine::removeEmptyFolder(Folder& parent, const std::string& name) {
+    auto v = core::Verdict::about(join(parent.path(), name), true);
+    v.removed = parent.removeFolder(name);
+    if (!v.removed) {
+        v.why = "cannot be deleted";
+        v.problem = true;
+    }
+    report(v);
+    return v.removed;
+}
+
+bool Engine::removeTree(Folder& parent, const std::string& name) {
+    const std::string refusal = treeRefusal(parent, name);
+    if (!refusal.empty()) {
+        report(core::Verdict::left(join(parent.path(), name), refusal, true));
+        return false;
+    }
+    const auto entry = parent.entry(name);
+    parent.makeNormal(name); // a read-only folder would refuse the removal of its entries
+    auto dir = parent.openFolder(name);
+    if (!dir || !dir->self().sameFileAs(*entry)) {
+        report(core::Verdict::left(join(parent.path(), name), "cannot be opened", true));
+        return false;
+    }
+    const bool emptied = removeBelow(*dir);
+    dir.reset();
+    if (!emptied)
+        return false; // what stays was named; the folders holding it stay with it
+    return removeEmptyFolder(parent, name);
+}
+
+bool Engine::removeBelow(Folder& dir) {
+    std::vector<FileInfo> entries;
+    // Collected first: removing entries while the folder is being read may skip some.
+    if (!dir.list([&](const FileInfo& fi) {
+            entries.push_back(fi);
+            return true;
+        })) {
+        report(core::Verdict::left(dir.path(), "cannot be listed", true));
+        return false;
+    }
+    bool all = true;
+    for (const auto& entry : entries) {
+        if (isMountPoint(dir, entry)) {
+            report(core::Verdict::left(join(dir.path(), entry.name), "is a mount point; left in place", entry.isDirectory()));
+            all = false;
+        } else if (entry.isDirectory() && !entry.isLink()) {
+            all = removeTree(dir, entry.name) && all;
+        } else {
+            all = remove(dir, entry.name).removed && all;
+        }
+    }
+    return all;
+}
+
+std::string joinPath(const platform::FileSystem& files, const std::string& folder, const std::string& name) {
+    const char sep = files.separator();
+    if (folder.empty() || folder.back() == sep)
+        return folder + name;
+    return folder + sep + name;
+}
+
+std::pair<std::string, std::string> splitPath(const platform::FileSystem& files, const std::string& path) {
+    std::string p = path;
+    const char sep = files.separator();
+    while (p.size() > 1 && p.back() == sep)
+        p.pop_back();
+    const auto cut = p.rfind(sep);
+    if (cut == std::string::npos)
+        return {".", p};
+    return {cut == 0 ? p.substr(0, 1) : p.substr(0, cut), p.substr(cut + 1)};
+}
+
+bool isMountPoint(const Folder& folder, const FileInfo& entry) {
+    return entry.mount != folder.self().mount;
+}
+
+} // namespace wipe
