@@ -1,5 +1,7 @@
 #include "cleaning/CleanIT.h"
 
+#include "wipe/Engine.h"
+
 #include "cleaning/Registry.h"
 #include "core/NumberFormat.h"
 #include "platform/PreviewPlatform.h"
@@ -47,7 +49,8 @@ const std::string WinZipExtractKey = "Software\\Nico Mak Computing\\WinZip\\extr
 // The shell's dialogs for the recycle bin, asked through the program's prompts.
 class BinDialogs final : public platform::RecycleBinUi {
 public:
-    BinDialogs(core::Prompts& prompts, CleanView* view) : m_prompts(prompts), m_view(view) {}
+    BinDialogs(core::Prompts& prompts, CleanView* view, wipe::Engine& engine)
+        : m_prompts(prompts), m_view(view), m_engine(engine) {}
     bool confirmEmpty(std::size_t items, std::uint64_t bytes) override {
         return m_prompts.askYesNo(RecycleBinQuestion(items, bytes), RecycleBinTitle,
                                   core::MsgStyle::YesNo + core::MsgStyle::Exclamation);
@@ -56,10 +59,17 @@ public:
         if (m_view)
             m_view->recycleProgress(done, items);
     }
+    bool removeItem(platform::Folder& files, const std::string& name) override {
+        const auto entry = files.entry(name);
+        if (entry && entry->isDirectory() && !entry->isLink())
+            return m_engine.removeTree(files, name);
+        return m_engine.remove(files, name).removed;
+    }
 
 private:
     core::Prompts& m_prompts;
     CleanView* m_view;
+    wipe::Engine& m_engine;
 };
 
 } // namespace
@@ -163,7 +173,9 @@ void CleanIT::EmptyRecycleBin(std::string rootPath, bool noConfirmation, bool no
     const unsigned flags = (noConfirmation ? platform::EmptyFlags::NoConfirmation : 0u) |
                            (noProgress ? platform::EmptyFlags::NoProgressUi : 0u) |
                            (noSound ? platform::EmptyFlags::NoSound : 0u);
-    BinDialogs dialogs(m_prompts, m_view);
+    // Trashed items are counted as items by the bin; the engine only names what it leaves.
+    wipe::Engine engine(m_platform, nullptr, m_problems);
+    BinDialogs dialogs(m_prompts, m_view, engine);
     m_platform.recycleBin().empty(rootPath, flags, dialogs);
 }
 

@@ -3,6 +3,8 @@
 // shell's own confirmation and progress window are the caller's to show: the bin asks through
 // RecycleBinUi, so the question's text stays with the code that defines the program's messages.
 
+#include "platform/Folder.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -33,6 +35,11 @@ public:
     virtual bool confirmEmpty(std::size_t items, std::uint64_t bytes) = 0;
     /// After each removed item, unless NoProgressUi.
     virtual void progress(std::size_t done, std::size_t items) = 0;
+    /// Removes the item `name` of the bin's open folder `files`, with everything below it, never
+    /// following a link or entering another mount: the program's destruction engine does that
+    /// work, the bin only finds its items. True when it is gone; the bin's own records of the item
+    /// are the bin's to remove. A bin whose system empties it by itself (Windows) never calls this.
+    virtual bool removeItem(Folder& files, const std::string& name) = 0;
 };
 
 class RecycleBin {

@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxRecycleBin.h"
 
+#include "platform/linux/LinuxFolder.h"
 #include "platform/linux/LinuxShell.h"
 #include "platform/linux/MountTable.h"
 #include "platform/linux/RecentlyUsed.h"
@@ -67,30 +68,6 @@ std::uint64_t treeSize(int at, const std::string& name, dev_t device) {
         for (const std::string& child : entryNames(dir.get()))
             total += treeSize(dir.get(), child, device);
     return total;
-}
-
-/// Removes `name` in folder `at` and, for a folder, everything in it; links are removed, never
-/// followed, and nothing on another filesystem is touched. True when it is gone.
-bool removeTree(int at, const std::string& name, dev_t device) {
-    struct stat st {};
-    if (::fstatat(at, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0)
-        return errno == ENOENT;
-    if (!S_ISDIR(st.st_mode))
-        return ::unlinkat(at, name.c_str(), 0) == 0 || errno == ENOENT;
-    if (st.st_dev != device)
-        return false; // a filesystem mounted inside the trash is not the trash's to empty
-    bool ok = true;
-    {
-        const DirFd dir(at, name);
-        if (!dir)
-            return false;
-        // A folder trashed read-only still has to be emptied.
-        if ((st.st_mode & S_IRWXU) != S_IRWXU)
-            ::fchmod(dir.get(), (st.st_mode & 07777) | S_IRWXU);
-        for (const std::string& child : entryNames(dir.get()))
-            ok = removeTree(dir.get(), child, device) && ok;
-    }
-    return ::unlinkat(at, name.c_str(), AT_REMOVEDIR) == 0 && ok;
 }
 
 bool isRealFolder(const std::string& path, bool needSticky = false) {
@@ -265,15 +242,14 @@ bool LinuxRecycleBin::empty(const std::string& root, unsigned flags, RecycleBinU
     std::size_t done = 0;
     for (const Bin& bin : bins) {
         const DirFd trash(bin.folder);
-        const DirFd files(trash.get(), "files");
+        const auto files = trash ? LinuxFolder::open(trash.get(), "files", bin.folder + "/files") : nullptr;
         const DirFd info(trash.get(), "info");
-        struct stat st {};
-        if (!files || ::fstat(files.get(), &st) != 0) {
+        if (!files) {
             ok = ok && bin.items.empty();
             continue;
         }
         for (const std::string& name : bin.names) {
-            const bool removed = removeTree(files.get(), name, st.st_dev);
+            const bool removed = ui.removeItem(*files, name);
             if (removed && info)
                 ::unlinkat(info.get(), (name + ".trashinfo").c_str(), 0);
             ok = ok && removed;
