@@ -59,6 +59,7 @@ public:
     std::unique_ptr<platform::RawFile> openForOverwrite(const std::string& name) override {
         return counted(m_real->openForOverwrite(name), m_ledger);
     }
+    bool isInUse(const std::string& name) override { return m_real->isInUse(name); }
     bool removeFile(const std::string& name) override { return m_real->removeFile(name); }
     bool removeFolder(const std::string& name) override { return m_real->removeFolder(name); }
     bool makeNormal(const std::string& name) override { return m_real->makeNormal(name); }

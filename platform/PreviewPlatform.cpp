@@ -185,6 +185,7 @@ public:
         }
         return m_files.raw().open(full(name));
     }
+    bool isInUse(const std::string& name) override { return m_files.isInUse(full(name)); }
     bool removeFile(const std::string& name) override { return m_files.removeFile(full(name)); }
     bool removeFolder(const std::string& name) override { return m_files.removeDirectory(full(name)); }
     bool makeNormal(const std::string& name) override { return m_files.makeNormal(full(name)); }

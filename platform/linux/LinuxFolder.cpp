@@ -91,6 +91,11 @@ std::unique_ptr<RawFile> LinuxFolder::openForOverwrite(const std::string& name) 
     return adoptRaw(::open(self.c_str(), O_RDWR | O_CLOEXEC));
 }
 
+bool LinuxFolder::isInUse(const std::string& name) {
+    const auto facts = factsAt(m_fd.get(), name, false);
+    return facts && S_ISREG(facts->mode) && fileInUse(facts->device, facts->inode);
+}
+
 bool LinuxFolder::removeFile(const std::string& name) {
     const auto facts = factsAt(m_fd.get(), name, false);
     if (facts && S_ISDIR(facts->mode)) {

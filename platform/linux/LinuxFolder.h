@@ -20,6 +20,7 @@ public:
     std::unique_ptr<Folder> openFolder(const std::string& name) override;
     std::unique_ptr<RawFile> openFile(const std::string& name, bool create) override;
     std::unique_ptr<RawFile> openForOverwrite(const std::string& name) override;
+    bool isInUse(const std::string& name) override;
     bool removeFile(const std::string& name) override;
     bool removeFolder(const std::string& name) override;
     bool makeNormal(const std::string& name) override;

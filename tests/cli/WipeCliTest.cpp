@@ -60,33 +60,6 @@ TEST(WipeCli, ShredDirNamesAHardLinkedFileItOnlyUnlinkedAndEndsWithOne) {
     EXPECT_EQ(readFile(kept), "outside bytes");
 }
 
-TEST(WipeCli, ShredDirNeverEntersNorWritesMountsBelowItBindMountsIncluded) {
-    ScratchDir dir;
-    testsupport::LoopImage disk(dir.path(), 16);
-    if (!disk.mounted())
-        GTEST_SKIP() << disk.reason();
-    const fs::path top = disk.mountPoint();
-    const fs::path victim = top / "victim";
-    fs::create_directories(top / "keep");
-    std::ofstream(top / "keep" / "inner.txt") << "bound folder";
-    std::ofstream(top / "kept.txt") << "bound file";
-    fs::create_directories(victim / "sub" / "bound");
-    std::ofstream(victim / "own.txt") << "own";
-    std::ofstream(victim / "over.txt") << "covered";
-    // The same filesystem bound below the folder, as a folder and over one of its own files.
-    testsupport::ScratchMount folder("--bind " + shellQuoted(top / "keep"), victim / "sub" / "bound");
-    testsupport::ScratchMount file("--bind " + shellQuoted(top / "kept.txt"), victim / "over.txt");
-    ASSERT_TRUE(folder.mounted() && file.mounted()) << folder.reason();
-
-    const auto r = runCli("shred-dir --yes " + shellQuoted(victim));
-    EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(contains(r.err, (victim / "sub" / "bound").string() + ": is a mount point")) << r.err;
-    EXPECT_TRUE(contains(r.err, (victim / "over.txt").string() + ": is a mount point")) << r.err;
-    EXPECT_EQ(readFile(top / "keep" / "inner.txt"), "bound folder");
-    EXPECT_EQ(readFile(top / "kept.txt"), "bound file");
-    EXPECT_FALSE(fs::exists(victim / "own.txt"));
-}
-
 TEST(WipeCli, FreeSpaceWipeRefusesADriveOfTheWrongKindWithItsMessage) {
     ScratchDir dir;
     const auto r = runCli("wipe-free-space --yes --removable " + shellQuoted(dir.path()));
