@@ -117,8 +117,8 @@ void CleanMemory::buildControls() {
 }
 
 void CleanMemory::Form_Load() {
-    const auto figures = readMemoryStatus(m_platform.memoryStatus());
-    m_label2->setText(QString::fromStdString(suggestedSizeCaption(figures.ullTotalPageFile)));
+    const MemoryWipe wipe(m_platform, *this);
+    m_label2->setText(QString::fromStdString(suggestedSizeCaption(wipe.suggestedArraySize())));
 }
 
 void CleanMemory::Command1_Click() {
