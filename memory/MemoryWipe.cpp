@@ -1,6 +1,7 @@
 #include "memory/MemoryWipe.h"
 
 #include "core/NumberFormat.h"
+#include "memory/BlankString.h"
 #include "core/Rounding.h"
 #include "memory/MemoryFigures.h"
 #include "memory/MemoryTexts.h"
@@ -93,7 +94,7 @@ WipeResult MemoryWipe::WipeMemory(std::int32_t size) {
     WipeResult result;
     const FirstToGo guard(m_platform.virtualMemory());
     // Declared after the guard, so all 21 strings are freed before the score goes back.
-    std::array<std::u16string, Passes> strings;
+    std::array<BlankString, Passes> strings;
     const std::uint64_t bytes = size > 0 ? static_cast<std::uint64_t>(size) * BytesPerCharacter : 0;
 
     const int step = static_cast<int>(core::roundHalfEven(static_cast<double>(TrackEnd - TrackStart) / StepsOnTrack));
@@ -118,7 +119,8 @@ WipeResult MemoryWipe::WipeMemory(std::int32_t size) {
                 if (size < 0)
                     throw std::length_error("negative size");
                 // Every character is written, so every page is really taken from the system.
-                strings.at(static_cast<std::size_t>(pass)) = std::u16string(static_cast<std::size_t>(size), u' ');
+                strings.at(static_cast<std::size_t>(pass)) =
+                    BlankString(m_platform.virtualMemory(), static_cast<std::size_t>(size));
             } catch (const std::bad_alloc&) {
                 result.end = WipeEnd::OutOfMemory;
                 return result;
