@@ -13,12 +13,15 @@ echo "built $deb"
 dpkg-deb -f "$deb" Depends
 
 # The control fields a user reads with apt show: every one there, and the description as Debian
-# lays it out (a synopsis line, then lines that start with one space and hold no stray list ";").
+# lays it out (a synopsis line, then lines that start with one space and hold no stray list ";",
+# none of them repeating the synopsis).
 for field in Package Version Architecture Maintainer Section Depends Description; do
     [ -n "$(dpkg-deb -f "$deb" "$field")" ] || { echo "no $field in the control file of $deb" >&2; exit 1; }
 done
 description=$(dpkg-deb -f "$deb" Description)
-if [ "$(head -n 1 <<<"$description" | wc -c)" -gt 81 ] || tail -n +2 <<<"$description" | grep -qv '^ [^ ;]'; then
+synopsis=$(head -n 1 <<<"$description")
+if [ "${#synopsis}" -gt 80 ] || tail -n +2 <<<"$description" | grep -qv '^ [^ ;]' ||
+    tail -n +2 <<<"$description" | grep -qxF " $synopsis"; then
     echo "the description of $deb is not laid out as Debian's: $description" >&2
     exit 1
 fi
