@@ -1,6 +1,7 @@
 #include "cli/Help.h"
 
 #include <algorithm>
+#include <iterator>
 #include <sstream>
 
 namespace cli {
