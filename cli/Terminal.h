@@ -5,6 +5,8 @@
 // progress bars, drawn only on a terminal, and one closing line per command saying what it
 // changed. --quiet silences both.
 
+#include <cstddef>
+
 namespace cli {
 
 enum class Stream { In, Out, Err };
@@ -14,6 +16,8 @@ bool isTerminal(Stream stream);
 /// Whether cursor-moving escape sequences work on the terminal behind `stream`; on Windows this
 /// switches the console into processing them, where the console can.
 bool escapesWork(Stream stream);
+/// The width in columns of the terminal behind `stream`, 0 when it is no terminal.
+std::size_t terminalColumns(Stream stream);
 /// Whether stderr is a terminal (a bar redrawn in place would garble a file or a pipe).
 bool stderrIsTerminal();
 /// --quiet: no progress bars and no closing summary; questions, problems and errors still show.

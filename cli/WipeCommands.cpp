@@ -199,7 +199,7 @@ void addWipeCommands(CLI::App& app, Context& ctx) {
         cmd->add_flag("--removable", *removable,
                       "The drive is removable (USB stick, card): small increments; refused on fixed drives");
         cmd->footer("Ctrl-C stops after the current increment and removes the temporary file.\n"
-                    "Overwriting cannot reach copy-on-write or journaled copies, SSD spare blocks, or the\n"
+                    "Overwriting cannot reach copy-on-write or journaled copies, SSD spare blocks, or the "
                     "blocks reserved for root when run as a user: see the README.");
         ctx.summary.changes(cmd);
         cmd->callback([&ctx, dir, yes, removable] {
@@ -231,7 +231,7 @@ void addWipeCommands(CLI::App& app, Context& ctx) {
         cmd->add_option("DIR", *dir, "The folder to destroy")->required();
         cmd->add_flag("--yes,-y", *yes, "Do not ask for confirmation");
         cmd->add_flag("--verify", *verify, VerifyHelp);
-        cmd->footer("Files in subfolders are deleted without being overwritten. Links are removed, never\n"
+        cmd->footer("Files in subfolders are deleted without being overwritten. Links are removed, never "
                     "followed, and nothing on another filesystem mounted below DIR is touched.");
         ctx.summary.changes(cmd);
         cmd->callback([&ctx, dir, yes, verify] {
