@@ -53,7 +53,8 @@ public:
         auto folder = m_real->openFolder(name);
         return folder ? std::make_unique<CountingFolder>(std::move(folder), m_ledger) : nullptr;
     }
-    std::unique_ptr<platform::RawFile> openFile(const std::string& name, bool create) override {
+    using platform::Folder::openFile;
+    std::unique_ptr<platform::RawFile> openFile(const std::string& name, Create create) override {
         return counted(m_real->openFile(name, create), m_ledger);
     }
     std::unique_ptr<platform::RawFile> openForOverwrite(const std::string& name) override {

@@ -266,17 +266,23 @@ std::unique_ptr<Folder> WindowsFolder::openFolder(const std::string& name) {
     return std::unique_ptr<Folder>(new WindowsFolder(handle, shown + name, false));
 }
 
-std::unique_ptr<RawFile> WindowsFolder::openFile(const std::string& name, bool create) {
+std::unique_ptr<RawFile> WindowsFolder::openFile(const std::string& name, Create create) {
     const std::wstring wide = widen(name);
     const auto record = recordOf(m_handle, wide);
-    if (!record && (!create || ::GetLastError() != ERROR_FILE_NOT_FOUND))
+    if (record && create == Create::Exclusive) {
+        ::SetLastError(ERROR_FILE_EXISTS);
+        return nullptr;
+    }
+    if (!record && (create == Create::Never || ::GetLastError() != ERROR_FILE_NOT_FOUND))
         return nullptr;
     if (record && (record->isLink() || record->isFolder())) {
         ::SetLastError(record->isLink() ? ERROR_CANT_RESOLVE_FILENAME : ERROR_DIRECTORY);
         return nullptr;
     }
     const HANDLE handle = record ? openRecord(m_handle, *record, GENERIC_READ | GENERIC_WRITE, 0, FILE_NON_DIRECTORY_FILE)
-                                 : openBelow(m_handle, wide, GENERIC_READ | GENERIC_WRITE, 0, FILE_OPEN_IF,
+                                 : openBelow(m_handle, wide, GENERIC_READ | GENERIC_WRITE, 0,
+                                             // CREATE_NEW: a file put there since the look above is not taken over
+                                             create == Create::Exclusive ? FILE_CREATE : FILE_OPEN_IF,
                                              FILE_NON_DIRECTORY_FILE);
     if (!record && handle != INVALID_HANDLE_VALUE && !reachedAs(handle, wide)) {
         ::CloseHandle(handle); // a link put there in the meantime
