@@ -2,6 +2,7 @@
 
 #include "app/Icons.h"
 #include "app/Screenshots.h"
+#include "app/StopSignals.h"
 #include "app/TaviMain.h"
 #include "app/WindowSet.h"
 #include "platform/Platform.h"
@@ -100,6 +101,7 @@ int main(int argc, char** argv) {
     if (options.parser.isSet(options.screenshot))
         return app::saveScreenshots(main, windows, options.parser.value(options.screenshot)) == 0 ? 0 : 1;
 
+    app::exitOnStopSignals(main);
     FirstPaintProbe probe;
     if (std::getenv("SCOURMILL_STARTUP_PROBE"))
         main.installEventFilter(&probe);
