@@ -42,7 +42,7 @@ void find(Context& ctx, std::string folder, const std::string& pattern) {
     std::int16_t dirs = 0;
     const std::string start = folder;
     try {
-        indexdat::FileSearch search(ctx.platform.fileSystem(), putLine);
+        indexdat::FileSearch search(ctx.platform.fileSystem(), putLine, &ctx.problems);
         const core::Currency total = search.FindFilesAPI(folder, pattern, files, dirs);
         putLine(indexdat::countsText(files, dirs));
         putLine(indexdat::totalText(total));
