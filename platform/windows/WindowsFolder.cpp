@@ -242,6 +242,17 @@ bool WindowsFolder::list(const std::function<bool(const FileInfo&)>& visit) {
     return true;
 }
 
+bool WindowsFolder::names(const std::function<bool(const std::string& name, EntryKind kind)>& visit) {
+    // The records say what each entry is: no entry needs opening, as list() opens each one.
+    std::vector<Record> records;
+    if (!readRecords(m_handle, nullptr, records))
+        return false;
+    for (const Record& r : records)
+        if (!visit(narrow(r.name), r.isLink() ? EntryKind::Link : r.isFolder() ? EntryKind::Directory : EntryKind::File))
+            break;
+    return true;
+}
+
 std::optional<FileInfo> WindowsFolder::entry(const std::string& name) {
     const auto record = recordOf(m_handle, widen(name));
     if (!record)
