@@ -48,6 +48,9 @@ public:
     const std::string& path() const override { return m_real->path(); }
     platform::FileInfo self() const override { return m_real->self(); }
     bool list(const std::function<bool(const platform::FileInfo&)>& visit) override { return m_real->list(visit); }
+    bool names(const std::function<bool(const std::string&, platform::EntryKind)>& visit) override {
+        return m_real->names(visit);
+    }
     std::optional<platform::FileInfo> entry(const std::string& name) override { return m_real->entry(name); }
     std::unique_ptr<platform::Folder> openFolder(const std::string& name) override {
         auto folder = m_real->openFolder(name);
