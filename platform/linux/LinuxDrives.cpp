@@ -47,9 +47,8 @@ constexpr std::array<std::string_view, 9> RemoteTypes = {"nfs", "nfs4", "cifs", 
 // The filesystems a drive may hold: local block-device filesystems whose free space is space on
 // that device. Everything else (network and FUSE filesystems, RAM, virtual machine shares, types
 // this list has never heard of) is no drive to fill, whatever it calls itself.
-constexpr std::array<std::string_view, 13> FixedTypes = {"ext2",  "ext3",     "ext4",  "xfs",     "btrfs",
-                                                         "f2fs",  "jfs",      "reiserfs", "ntfs", "ntfs3",
-                                                         "hfsplus", "zfs",    "bcachefs"};
+constexpr std::array<std::string_view, 13> FixedTypes = {"ext2", "ext3", "ext4", "xfs", "btrfs", "f2fs", "jfs",
+                                                         "reiserfs", "ntfs", "ntfs3", "hfsplus", "zfs", "bcachefs"};
 // FAT and exFAT are what cards and sticks carry.
 constexpr std::array<std::string_view, 3> RemovableTypes = {"vfat", "msdos", "exfat"};
 
