@@ -132,7 +132,7 @@ core::Currency FileSearch::FindFilesAPI(std::string& path, const std::string& Se
         std::string below = top.path + name + m_separator;
         if (auto sub = top.folder->openFolder(name))
             enter(std::move(sub), std::move(below));
-        else if (top.folder->entry(name)) // a folder gone since the listing was not missed
+        else if (top.folder->entry(name)) // one gone since the listing held nothing to miss
             notEntered(below);
     }
     return total;
