@@ -151,7 +151,7 @@ TEST_F(FileSearchTest, NoDepthStopsTheSearchAndEveryFolderItCouldNotEnterIsNamed
     // rm walks any depth; the scratch folder's own clean-up works by path.
     EXPECT_EQ(std::system(("rm -rf '" + (dir.path() / level).string() + "'").c_str()), 0);
 
-    // A folder the user may not enter: named, counted as a folder as before, and the rest searched.
+    // A folder the user may not enter: named, still counted as a folder, and the rest searched.
     // Root enters every folder, so the search then runs as nobody.
     ScratchDir tree;
     for (const char* f : {"a/index.dat", "locked/index.dat", "z/index.dat"})

@@ -52,7 +52,7 @@ TEST(IndexDatCli, FindPrintsMatchesThenCountsAndTotal) {
     EXPECT_NE(r.err.find("nowhere"), std::string::npos);
 
     // A folder the user may not enter is named on stderr and ends the search with exit 1; the rest
-    // is searched and counted as before. Root enters every folder: the search then runs as nobody,
+    // is searched and counted all the same. Root enters every folder: the search then runs as nobody,
     // started inside the tree so that the folders above it need not be open to nobody.
     dir.write("tavi/Locked/index.dat", "l");
     for (const char* sub : {"", "tavi", "tavi/History", "tavi/Cookies"})
