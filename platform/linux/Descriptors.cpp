@@ -246,8 +246,15 @@ OpenedFile openRegularFile(int at, const std::string& name, bool followLink, int
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | (followLink ? 0 : O_NOFOLLOW) | extraFlags;
     opened.fd.reset(::openat(at, name.c_str(), flags));
     if (!opened.fd) {
-        opened.result = errno == ENOENT ? ReadResult::Missing : errno == ELOOP && !followLink ? ReadResult::Link
+        const int error = errno;
+        opened.result = error == ENOENT ? ReadResult::Missing : error == ELOOP && !followLink ? ReadResult::Link
                                                                                               : ReadResult::Failed;
+        // A socket cannot be opened at all (ENXIO): say what it is rather than that it failed.
+        if (opened.result == ReadResult::Failed &&
+            ::fstatat(at, name.c_str(), &opened.st, followLink ? 0 : AT_SYMLINK_NOFOLLOW) == 0 &&
+            !S_ISREG(opened.st.st_mode) && !S_ISLNK(opened.st.st_mode))
+            opened.result = ReadResult::NotRegular;
+        errno = error;
         return opened;
     }
     if (::fstat(opened.fd.get(), &opened.st) != 0) {
