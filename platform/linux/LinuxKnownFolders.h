@@ -16,6 +16,8 @@ public:
     std::string fromRegistryPath(const std::string& path) override;
     std::string homePath() override { return m_env.home; }
     std::string usersPath() override;
+    std::vector<std::string> systemFolders() override;
+    RunAs runAs() override;
 
 private:
     Environment m_env;
