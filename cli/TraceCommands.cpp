@@ -197,6 +197,11 @@ void addTraceCommands(CLI::App& app, Context& ctx) {
         cmd->add_flag("--yes,-y", *yes, "Do not ask first");
         cmd->footer("Only your own plain files that no program has open are touched; links, sockets, pipes and "
                     "devices stay, and a temporary subfolder that still holds any of them stays whole.\n"
+                    "A temporary folder that is /, your home or a folder above it, a system folder or another\n"
+                    "user's folder is refused, and nothing at all is done (exit code 1). X server locks and\n"
+                    "sockets and systemd's private folders always stay. Run as root through sudo, a shared\n"
+                    "folder such as /tmp loses only the files of the user who ran sudo; as root without sudo\n"
+                    "it is left alone.\n"
                     "A browser profile whose browser runs is left alone and named on stderr (exit code 1).\n"
                     "Ctrl-C stops: the file being overwritten is deleted, nothing further is touched.");
         ctx.summary.changes(cmd);
