@@ -52,9 +52,10 @@ std::string TempFolderRefusal(platform::Platform& platform, Folder& temp) {
     platform::KnownFolders& known = platform.knownFolders();
     const std::vector<FileInfo> tempChain = withAncestors(temp);
     const FileInfo& self = tempChain.front();
-    std::vector<FileInfo> homeChain;
-    if (const auto home = openWhereItLeads(fs, known.homePath()))
-        homeChain = withAncestors(*home);
+    std::vector<std::vector<FileInfo>> homeChains;
+    for (const std::string& path : known.homePaths())
+        if (const auto home = openWhereItLeads(fs, path))
+            homeChains.push_back(withAncestors(*home));
 
     // The system's folders first: "/" holds every home, but is refused as what it is.
     std::vector<std::pair<std::string, FileInfo>> systemFolders;
@@ -64,15 +65,18 @@ std::string TempFolderRefusal(platform::Platform& platform, Folder& temp) {
             if (self.sameFileAs(systemFolders.back().second))
                 return "is the system folder " + path + "; the temporary folder is never cleaned there";
         }
-    if (!homeChain.empty() && self.sameFileAs(homeChain.front()))
-        return "is your home folder; the temporary folder is never cleaned there";
-    if (sameAsAny(self, homeChain))
-        return "holds your home folder; the temporary folder is never cleaned there";
+    bool insideHome = false;
+    for (const std::vector<FileInfo>& homeChain : homeChains) {
+        if (self.sameFileAs(homeChain.front()))
+            return "is your home folder; the temporary folder is never cleaned there";
+        if (sameAsAny(self, homeChain))
+            return "holds your home folder; the temporary folder is never cleaned there";
+        insideHome = insideHome || sameAsAny(homeChain.front(), tempChain);
+    }
 
     // Inside the home folder it is the user's own; anywhere else the system's folders stay out of
     // reach, a shared temporary folder inside one (/var/tmp) excepted. Every folder lies inside
     // the root: only the folders below it count here.
-    const bool insideHome = !homeChain.empty() && sameAsAny(homeChain.front(), tempChain);
     for (const auto& [path, facts] : systemFolders) {
         const bool inside = !facts.sameFileAs(tempChain.back()) && sameAsAny(facts, tempChain);
         if (inside && !insideHome && !self.sharedFolder)

@@ -29,6 +29,10 @@ public:
     virtual std::string fromRegistryPath(const std::string& path) = 0;
     /// The user's home folder.
     virtual std::string homePath() = 0;
+    /// Every home folder the program works for: the user's, and, run as root through sudo, also
+    /// the home of the user who ran sudo. No clean may take one of them, or a folder above one, as
+    /// its temporary folder.
+    virtual std::vector<std::string> homePaths() { return {homePath()}; }
     /// The folder that holds the users' profiles ("C:\Documents and Settings" or the Wine
     /// prefix's drive_c/users); empty when there is none.
     virtual std::string usersPath() = 0;

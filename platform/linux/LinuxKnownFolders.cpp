@@ -3,6 +3,7 @@
 #include "platform/linux/Descriptors.h"
 
 #include <cctype>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,6 +43,15 @@ namespace platform::linux {
 std::vector<std::string> LinuxKnownFolders::systemFolders() {
     return {"/",    "/usr",   "/etc",    "/var",  "/boot", "/opt", "/srv",  "/bin", "/sbin",
             "/lib", "/lib32", "/lib64", "/libx32", "/root", "/dev", "/proc", "/sys", "/snap"};
+}
+
+std::vector<std::string> LinuxKnownFolders::homePaths() {
+    std::vector<std::string> homes{m_env.home};
+    // sudo gives root's home (or keeps the user's): the user it works for has theirs either way.
+    if (runAs() == RunAs::AdministratorForUser)
+        if (const passwd* pw = ::getpwuid(actingUser()); pw && pw->pw_dir && *pw->pw_dir && pw->pw_dir != m_env.home)
+            homes.emplace_back(pw->pw_dir);
+    return homes;
 }
 
 RunAs LinuxKnownFolders::runAs() {
