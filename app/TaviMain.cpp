@@ -10,6 +10,7 @@
 #include "app/tray/SysTray.h"
 #include "cleaning/CURLHistory.h"
 #include "cleaning/CleanIT.h"
+#include "cleaning/TempFolderGuard.h"
 #include "cleaning/TraceCleaner.h"
 #include "controls/ggcommand/GGCommand.h"
 #include "controls/hoverhelp/HoverHelp.h"
@@ -132,13 +133,22 @@ void TaviMain::buildControls() {
     label1->setObjectName("Label1");
     label1->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 
+    // Warnings the user must see in the window itself: running as root, a temporary folder that
+    // cannot be cleaned. Hidden while there is none.
+    m_lblWarning = new QLabel(this);
+    m_lblWarning->setObjectName("lblWarning");
+    m_lblWarning->setWordWrap(true);
+    m_lblWarning->setStyleSheet("color: #b00000;");
+    m_lblWarning->hide();
+
     auto* grid = new QGridLayout(this);
     grid->addWidget(frame4, 0, 0);
     grid->addWidget(frame3, 0, 1);
     grid->addWidget(m_combo1, 1, 0, 1, 2);
     grid->addWidget(m_list1, 2, 0, 1, 2);
-    grid->addWidget(m_lblConnected, 3, 0);
-    grid->addWidget(label1, 3, 1);
+    grid->addWidget(m_lblWarning, 3, 0, 1, 2);
+    grid->addWidget(m_lblConnected, 4, 0);
+    grid->addWidget(label1, 4, 1);
     grid->setRowStretch(2, 1);
 }
 
@@ -198,7 +208,13 @@ void TaviMain::Form_MouseMove(tray::TrayMessage message) {
         m_mnuFile->popup(QCursor::pos());
 }
 
+void TaviMain::showWarning(const std::string& text) {
+    m_lblWarning->setText(QString::fromStdString(text));
+    m_lblWarning->setVisible(!text.empty());
+}
+
 void TaviMain::Form_Load() {
+    showWarning(cleaning::RunAsWarning(m_platform.knownFolders().runAs()));
     adjustSize();
     widgets::centreOnScreen(*this);
     for (const std::string& item : cleaning::ChooserItems)
@@ -257,6 +273,14 @@ void TaviMain::GGCommand2_Click() {
 }
 
 void TaviMain::GGCommand3_Click() {
+    // A temporary folder that may not be cleaned stops the whole clean, as on the command line,
+    // and the window says why.
+    const std::string temp = m_cleaner->Paths().TempPath;
+    if (const std::string refusal = cleaning::TempFolderRefusal(m_platform, temp); !temp.empty() && !refusal.empty()) {
+        showWarning(cleaning::TempFolderRefusedLine(temp, refusal));
+        return;
+    }
+    showWarning(cleaning::RunAsWarning(m_platform.knownFolders().runAs()));
     wipe::ui::BusyCursor hourglass;
     quietly([this] {
         CleanTempFolder();

@@ -9,6 +9,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <string>
 
 class QComboBox;
 class QLabel;
@@ -108,6 +109,8 @@ private:
     void Mnu_Exit_Click();
 
     void showFromTray();
+    /// Shows `text` on the window's warning line; an empty text hides the line.
+    void showWarning(const std::string& text);
     bool browserRunning();
 
     platform::Platform& m_platform;
@@ -119,6 +122,7 @@ private:
     QTimer* m_tClosed = nullptr;
     QComboBox* m_combo1 = nullptr;
     QListWidget* m_list1 = nullptr;
+    QLabel* m_lblWarning = nullptr;
     QLabel* m_lblConnected = nullptr;
     QLabel* m_picture1 = nullptr;
     QMenuBar* m_menuBar = nullptr;

@@ -1,6 +1,7 @@
 #include "cleaning/CleanAllPreview.h"
 
 #include "cleaning/CURLHistory.h"
+#include "cleaning/TempFolderGuard.h"
 #include "cleaning/TraceCleaner.h"
 #include "platform/PreviewPlatform.h"
 
@@ -27,6 +28,9 @@ CleanAllPreview PreviewCleanAll(platform::Platform& platform, core::ProblemSink*
     cleaner.ReadFolderPaths();
 
     CleanAllPreview found;
+    found.tempFolder = cleaner.Paths().TempPath;
+    if (!found.tempFolder.empty())
+        found.tempRefusal = TempFolderRefusal(platform, found.tempFolder);
     cleaner.CleanTempFolder();
     const std::size_t tempChanges = dryRun.changes().size();
     std::vector<std::string> addresses;

@@ -247,6 +247,7 @@ public:
         m_ledger.counts.recentDocumentsRemoved += before - std::min(before, after);
         return cleared;
     }
+    std::vector<platform::RefusedRecord> takeRefused() override { return m_real.takeRefused(); }
 
 private:
     platform::RecycleBin& m_real;

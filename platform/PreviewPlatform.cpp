@@ -373,6 +373,7 @@ public:
         return true;
     }
     std::vector<std::string> recentDocuments() override { return m_real.recentDocuments(); }
+    std::vector<RefusedRecord> takeRefused() override { return m_real.takeRefused(); }
     bool clearRecentDocuments() override {
         m_journal.add(Kind::ClearRecentDocuments, {});
         return true;

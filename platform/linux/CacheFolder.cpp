@@ -32,12 +32,12 @@ bool isCache2EntryName(const char* name) {
     return n.size() == 40 && std::all_of(n.begin(), n.end(), [](char c) { return isHex(c, true); });
 }
 
-int openEntry(int dir, const char* name) {
+OpenedFile openEntry(int dir, const char* name) {
     // Reading the cache is no use of it: leave access times as the browser left them.
-    int fd = ::openat(dir, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NOATIME);
-    if (fd < 0 && errno == EPERM)
-        fd = ::openat(dir, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
-    return fd;
+    OpenedFile opened = openRegularFile(dir, name, false, O_NOATIME);
+    if (opened.result == ReadResult::Failed && errno == EPERM)
+        opened = openRegularFile(dir, name, false);
+    return opened;
 }
 
 bool readAt(int fd, std::string& buf, std::size_t length, std::uint64_t offset) {
@@ -162,10 +162,11 @@ bool CacheFolderReader::next(CacheEntryFile& entry) {
 }
 
 bool CacheFolderReader::readEntry(const char* name, CacheEntryFile& entry) {
-    const UniqueFd fd(openEntry(::dirfd(m_dir), name));
-    struct stat st {};
-    if (!fd || ::fstat(fd.get(), &st) != 0 || !S_ISREG(st.st_mode))
+    const OpenedFile opened = openEntry(::dirfd(m_dir), name);
+    if (opened.result != ReadResult::Read)
         return false;
+    const UniqueFd& fd = opened.fd;
+    const struct stat& st = opened.st;
     const auto size = static_cast<std::uint64_t>(st.st_size);
     const ReadAt fromFile = [&fd](std::string& buf, std::size_t length, std::uint64_t offset) {
         return readAt(fd.get(), buf, length, offset);

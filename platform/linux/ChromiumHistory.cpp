@@ -4,9 +4,11 @@
 // "Visited Links". Bookmarks live in the JSON file "Bookmarks", which is only read: a bookmarked
 // address keeps its row in History and its icon, as the browser itself keeps them when it clears.
 
+#include "platform/linux/Descriptors.h"
 #include "platform/linux/ProfileHistory.h"
 
 #include <chrono>
+#include <fcntl.h>
 #include <cstdio>
 
 namespace platform::linux {
@@ -83,16 +85,11 @@ std::optional<std::string> jsonString(const std::string& text, std::size_t& pos)
     return std::nullopt;
 }
 
+/// Bookmarks far larger than any browser writes are no bookmarks file.
+constexpr std::size_t BookmarksLimit = 256 * 1024 * 1024;
+
 std::string readWhole(const std::string& path) {
-    std::string text;
-    if (FILE* f = std::fopen(path.c_str(), "rb")) {
-        char buf[65536];
-        std::size_t n;
-        while ((n = std::fread(buf, 1, sizeof buf, f)) > 0)
-            text.append(buf, n);
-        std::fclose(f);
-    }
-    return text;
+    return readRegularFile(AT_FDCWD, path, BookmarksLimit, true).text;
 }
 
 bool fillKeptUrls(SqliteDb& db, const std::vector<std::string>& urls) {

@@ -10,8 +10,10 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Hive.h"
 #include "tests/support/QtTestMain.h"
+#include "tests/support/Scratch.h"
 
 #include <QAction>
+#include <QLabel>
 #include <QListWidget>
 #include <QSignalSpy>
 #include <QTest>
@@ -19,6 +21,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using ggcommand::GGCommand;
@@ -81,6 +84,28 @@ private slots:
         write(tmp / "again.txt", "again");
         m_app->main.findChild<QAction*>("Mnu_All")->trigger();
         QVERIFY(fs::is_empty(tmp));
+    }
+
+    void aTemporaryFolderThatIsTheHomeStopsTheWholeCleanAndTheWindowSaysWhy() {
+        auto* warning = m_app->main.findChild<QLabel*>("lblWarning");
+        // Run as root, the window says so from the start; as a user it has nothing to say.
+        QCOMPARE(!warning->isHidden(), ::geteuid() == 0);
+        QCOMPARE(warning->text().contains("root"), ::geteuid() == 0);
+
+        const QByteArray savedTemp = qgetenv("TMPDIR");
+        const fs::path home = qgetenv("HOME").toStdString();
+        write(home / "Documents/plan.txt", "plan");
+        qputenv("TMPDIR", home.string().c_str());
+        m_app = std::make_unique<testsupport::MainWindowUnderTest>();
+        qputenv("TMPDIR", savedTemp);
+        warning = m_app->main.findChild<QLabel*>("lblWarning");
+        QTest::mouseClick(button(3), Qt::LeftButton);
+        QVERIFY(!warning->isHidden());
+        QVERIFY2(warning->text().contains(QString::fromStdString(home.string() + " is your home folder")),
+                 qPrintable(warning->text()));
+        QCOMPARE(testsupport::readFile(home / "Documents/plan.txt"), std::string("plan"));
+        QVERIFY(fs::exists(cookies / "index.dat")); // nothing of the clean was done
+        fs::remove_all(home / "Documents");
     }
 
     void theWindowStaysLiveWhileALargeFileIsOverwritten() {

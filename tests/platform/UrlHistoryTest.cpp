@@ -15,7 +15,9 @@
 #include <cstdio>
 #include <sqlite3.h>
 #include <set>
+#include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using namespace testsupport;
@@ -103,6 +105,15 @@ TEST(UrlHistory, ReadingChangesNoFileWhateverStateTheLogIsIn) {
     fs::remove(wal);
     EXPECT_EQ(readLeavesAll("no log").size(), 2 * visitedPages().size());
     EXPECT_FALSE(fs::exists(wal));
+
+    // A FIFO planted as the log is never opened to wait on: reading ends (an alarm ends the
+    // program should it not) and leaves the FIFO where it was.
+    ASSERT_EQ(::mkfifo(wal.c_str(), 0600), 0);
+    ::alarm(60);
+    listHistory(home.freshPlatform()->urlHistory());
+    ::alarm(0);
+    EXPECT_TRUE(fs::is_fifo(fs::symlink_status(wal)));
+    fs::remove(wal);
 
     // Rows that reached only the log are read from it, without the -shm SQLite would make.
     const std::string logged = kSite + "scourmill-logged-0e71.html";
