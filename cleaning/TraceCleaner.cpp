@@ -134,9 +134,21 @@ void TraceCleaner::CleanAll() {
         return;
     if (!m_history)
         return;
-    m_history->Clear();
+    // Counted by address, before and after: an address that two browsers held is one entry, and
+    // one a store kept (its browser runs, its database is damaged) is not counted.
+    const auto addresses = [this] {
+        std::unordered_set<std::string> urls;
+        for (const auto& item : m_history->NewEnum())
+            urls.insert(item->URL());
+        return urls;
+    };
     m_history->Refresh("", 0);
-    m_view.itemDone(TraceStep::History, {});
+    const std::unordered_set<std::string> before = addresses();
+    m_history->Clear(); // reads the store afresh
+    const std::unordered_set<std::string> after = addresses();
+    for (const std::string& url : before)
+        if (!after.count(url))
+            m_view.itemDone(TraceStep::History, url);
     ReportStoresInUse(m_problems, m_platform.urlHistory().storesInUse(), "history");
     ReportStoreProblems(m_problems, m_platform.urlHistory().storeProblems());
 }
