@@ -101,11 +101,12 @@ void clear(Context& ctx) {
 }
 
 const char* const kSessionNote =
-    "Removing an address also deletes the session files of each profile whose history held it\n"
-    "(Chromium's Sessions/, Current and Last Session and Tabs; Firefox's sessionstore.jsonlz4 and\n"
-    "sessionstore-backups/), since they keep the addresses of open tabs: the browser then starts with\n"
-    "no tabs to restore. A profile whose browser runs is left alone; a database that cannot be read or\n"
-    "cleaned is named and left as it is. Either makes the exit code 1.";
+    "Clearing the history deletes the session files of every profile, and removing an address those\n"
+    "of each profile whose history held it (Chromium's Sessions/, Current and Last Session and Tabs;\n"
+    "Firefox's sessionstore.jsonlz4 and sessionstore-backups/), since they keep the addresses of open\n"
+    "tabs: the browser then starts with no tabs to restore. A profile whose browser runs is left\n"
+    "alone; a database that cannot be read or cleaned is named and left as it is. Either makes the\n"
+    "exit code 1.";
 
 } // namespace
 
