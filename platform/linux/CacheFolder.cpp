@@ -135,6 +135,8 @@ std::size_t removeFilesBelow(int at, const std::string& path, bool deep, std::ve
 std::size_t removeFilesIn(int at, const std::string& path, const std::string& name, bool deep,
                           std::vector<StoreProblem>& problems) {
     const UniqueFd sub = openFolderAt(at, name);
+    if (!sub && errno != ENOENT && errno != ENOTDIR)
+        problems.push_back({path + "/" + name, std::string("could not be opened: ") + std::strerror(errno)});
     return sub ? removeFilesBelow(sub.get(), path + "/" + name, deep, problems) : 0;
 }
 
@@ -142,8 +144,11 @@ std::size_t removeFilesIn(int at, const std::string& path, const std::string& na
 std::size_t removeUnlistedEntries(BrowserFamily family, int at, const std::string& path, const std::string& name,
                                   std::vector<StoreProblem>& problems) {
     const UniqueFd sub = name.empty() ? UniqueFd(::dup(at)) : openFolderAt(at, name);
-    if (!sub)
+    if (!sub) {
+        if (errno != ENOENT && errno != ENOTDIR)
+            problems.push_back({path + "/" + name, std::string("could not be opened: ") + std::strerror(errno)});
         return 0;
+    }
     const int dir = sub.get();
     return removeFilesBelow(dir, name.empty() ? path : path + "/" + name, false, problems, [family, dir](const char* file) {
         // "index" only marks a folder as a simple cache.
@@ -284,8 +289,11 @@ bool removeCacheEntry(BrowserFamily family, const std::string& folder, const std
 
 std::size_t removeCacheRest(BrowserFamily family, const std::string& folder, std::vector<StoreProblem>& problems) {
     const UniqueFd cache(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!cache)
+    if (!cache) {
+        if (errno != ENOENT)
+            problems.push_back({folder, std::string("could not be opened: ") + std::strerror(errno)});
         return 0;
+    }
     std::size_t removed = 0;
     if (family == BrowserFamily::Chromium) {
         if (const UniqueFd indexDir = openFolderAt(cache.get(), "index-dir"))
