@@ -351,6 +351,7 @@ public:
         return true;
     }
     std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
+    std::vector<StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
 
 private:
     UrlHistory& m_real;
