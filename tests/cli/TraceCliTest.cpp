@@ -181,10 +181,12 @@ TEST(BrowserCli, EveryStoreLeftAloneOrDamagedIsNamedTheRestIsCleanedAndTheExitCo
     fs::remove(places.string() + "-wal");
     std::ofstream(places, std::ios::binary | std::ios::trunc) << std::string(8192, '\x5a') << "random";
     const std::string damaged = readFile(history);
-    auto r = runCli("history list");
-    EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(contains(r.err, places.string() + ": ")) << r.err;
-    r = runCli("clean-all --yes");
+    for (const char* command : {"history list", "preview"}) {
+        const auto r = runCli(command);
+        EXPECT_EQ(r.code, 1) << command;
+        EXPECT_TRUE(contains(r.err, places.string() + ": ")) << command << ": " << r.err;
+    }
+    auto r = runCli("clean-all --yes");
     EXPECT_EQ(r.code, 1) << r.seen();
     EXPECT_TRUE(contains(r.err, history.string() + ": is damaged")) << r.err;
     EXPECT_TRUE(contains(r.err, places.string() + ": is damaged")) << r.err;
