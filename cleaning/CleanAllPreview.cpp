@@ -6,6 +6,7 @@
 #include "platform/PreviewPlatform.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace cleaning {
 namespace {
@@ -33,9 +34,12 @@ CleanAllPreview PreviewCleanAll(platform::Platform& platform, core::ProblemSink*
         found.tempRefusal = TempFolderRefusal(platform, found.tempFolder);
     cleaner.CleanTempFolder();
     const std::size_t tempChanges = dryRun.changes().size();
+    // An address two browsers hold is one entry, as the clean counts it.
     std::vector<std::string> addresses;
+    std::unordered_set<std::string> seen;
     for (const auto& item : history.NewEnum())
-        addresses.push_back(item->URL());
+        if (seen.insert(item->URL()).second)
+            addresses.push_back(item->URL());
     cleaner.CleanAll();
 
     const auto& changes = dryRun.changes();

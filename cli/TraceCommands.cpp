@@ -91,7 +91,8 @@ void cleanAll(Context& ctx) {
         return;
     }
     watchInterrupts();
-    TerminalTraceView view(found.tempFiles.size() + found.cacheEntries.size() + found.cookieFiles.size() + 1);
+    TerminalTraceView view(found.tempFiles.size() + found.cacheEntries.size() + found.cookieFiles.size() +
+                           found.historyEntries.size());
     cleaning::CURLHistory history(ctx.platform.urlHistory());
     cleaning::TraceCleaner cleaner(ctx.platform, view, &ctx.problems, &ctx.verdicts);
     cleaner.SetHistory(history);
@@ -138,10 +139,12 @@ void watch(Context& ctx, int interval) {
             cleaner.SetHistory(history);
             cleaner.ReadFolderPaths();
             cleaner.CleanAll();
-            std::cout << now() << " the browser closed; cleaned "
-                      << view.done(TraceStep::CacheEntries) << (view.done(TraceStep::CacheEntries) == 1 ? " cache entry, " : " cache entries, ")
-                      << counted(view.done(TraceStep::CookieFiles), "cookie record file") << " and the history"
-                      << std::endl;
+            // What was left is named on stderr as it happens; the line counts what went.
+            const std::size_t entries = view.done(TraceStep::CacheEntries), visits = view.done(TraceStep::History);
+            std::cout << now() << " the browser closed; cleaned " << entries
+                      << (entries == 1 ? " cache entry, " : " cache entries, ")
+                      << counted(view.done(TraceStep::CookieFiles), "cookie record file") << " and " << visits
+                      << (visits == 1 ? " history entry" : " history entries") << std::endl;
             state = autoclean::afterClean(state);
         }
     }

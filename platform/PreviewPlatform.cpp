@@ -335,6 +335,7 @@ public:
         return true;
     }
     std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
+    std::vector<StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
 
 private:
     UrlCache& m_real;
@@ -358,6 +359,7 @@ public:
         return true;
     }
     std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
+    std::vector<StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
 
 private:
     UrlHistory& m_real;

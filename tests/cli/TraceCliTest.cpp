@@ -117,20 +117,33 @@ TEST_F(TraceCli, AutocleanCleansOnceEachTimeTheBrowserClosesUntilCtrlC) {
     EXPECT_TRUE(fs::exists(tmp / "one.txt")); // AutoClean leaves the temporary folder alone
     EXPECT_EQ(cli.stop(SIGINT), 0);
     const std::string printed = readFile(out);
-    EXPECT_TRUE(contains(printed, "the browser closed; cleaned 0 cache entries, 1 cookie record file and the history"))
+    EXPECT_TRUE(contains(printed, "the browser closed; cleaned 0 cache entries, 1 cookie record file and 0 history entries"))
         << printed;
     EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 1);
     fs::remove(out);
 }
 
-TEST(BrowserCli, CacheAndHistoryCommandsPrintALineAnEntryAndPreviewNamesEachCacheLine) {
+/// The number written just before `what` in `text`; -1 when `what` is not there.
+long countBefore(const std::string& text, const std::string& what) {
+    const auto at = text.find(" " + what);
+    if (at == std::string::npos)
+        return -1;
+    auto start = text.find_last_not_of("0123456789", at - 1);
+    return std::stol(text.substr(start + 1, at - start - 1));
+}
+
+TEST(BrowserCli, CacheAndHistoryCommandsPrintALineAnEntryAndEveryCountAgrees) {
     testsupport::BrowserHome home;
     const auto before = home.snapshot();
-    const std::vector<std::string> cached = platform::cachedAddresses(home.platform().urlCache());
+    // An address both browsers cached is one line, one entry to delete: deleting it reaches both.
+    std::vector<std::string> cached;
+    for (const std::string& address : platform::cachedAddresses(home.platform().urlCache()))
+        if (std::find(cached.begin(), cached.end(), address) == cached.end())
+            cached.push_back(address);
     EXPECT_EQ(linesOf(runCli("show-cache").out), cached);
-    // The same address cached by two profiles is two lines of the preview, as it is two deletions.
     std::vector<std::string> previewed;
-    for (const auto& line : linesOf(runCli("preview").out))
+    const std::string preview = runCli("preview").out;
+    for (const auto& line : linesOf(preview))
         if (line.rfind("cache entry: ", 0) == 0)
             previewed.push_back(line.substr(13));
     EXPECT_EQ(previewed, cached);
@@ -149,17 +162,51 @@ TEST(BrowserCli, CacheAndHistoryCommandsPrintALineAnEntryAndPreviewNamesEachCach
     EXPECT_EQ(r.code, 1);
     EXPECT_TRUE(contains(r.err, added + ": is not in the history")) << r.err;
 
-    EXPECT_EQ(runCli("wipe-cache --yes").code, 0);
-    EXPECT_EQ(runCli("history clear --yes").code, 0);
+    // The question, the preview and the summary count the same entries.
+    const long addresses = static_cast<long>(testsupport::visitedPages().size());
+    r = runCli("clean-all");
+    EXPECT_EQ(countBefore(r.err, "cache entries,"), static_cast<long>(cached.size())) << r.err;
+    EXPECT_EQ(countBefore(r.err, "history entries and"), addresses) << r.err;
+    EXPECT_EQ(countBefore(preview, "cache entries,"), static_cast<long>(cached.size())) << preview;
+    EXPECT_EQ(countBefore(preview, "history entries\n"), addresses) << preview;
+    r = runCli("clean-all --yes");
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_EQ(countBefore(r.err, "cache entries deleted"), static_cast<long>(cached.size())) << r.err;
+    EXPECT_EQ(countBefore(r.err, "history entries deleted"), addresses) << r.err;
     EXPECT_EQ(runCli("show-cache").out + runCli("history list").out, "");
 }
 
-TEST(BrowserCli, AProfileInUseIsNamedOnStderrAndTheExitCodeIsOne) {
+TEST(BrowserCli, EveryStoreLeftAloneOrDamagedIsNamedTheRestIsCleanedAndTheExitCodeIsOne) {
     testsupport::BrowserHome home;
+    // Chromium's History cut short, Firefox's places of random bytes: both named and left as they
+    // are, while everything else of both profiles is cleaned.
+    const fs::path history = home.chromiumProfile() / "History";
+    const fs::path places = home.firefoxProfile() / "places.sqlite";
+    fs::resize_file(history, fs::file_size(history) / 2);
+    fs::remove(places.string() + "-wal");
+    std::ofstream(places, std::ios::binary | std::ios::trunc) << std::string(8192, '\x5a') << "random";
+    const std::string damaged = readFile(history);
+    for (const char* command : {"history list", "preview"}) {
+        const auto r = runCli(command);
+        EXPECT_EQ(r.code, 1) << command;
+        EXPECT_TRUE(contains(r.err, places.string() + ": ")) << command << ": " << r.err;
+    }
+    auto r = runCli("clean-all --yes");
+    EXPECT_EQ(r.code, 1) << r.seen();
+    EXPECT_TRUE(contains(r.err, history.string() + ": is damaged")) << r.err;
+    EXPECT_TRUE(contains(r.err, places.string() + ": is damaged")) << r.err;
+    EXPECT_EQ(readFile(history), damaged);
+    EXPECT_TRUE(fs::is_empty(home.chromiumProfile() / "Sessions"));
+    EXPECT_FALSE(fs::exists(home.firefoxProfile() / "sessionstore.jsonlz4"));
+    EXPECT_EQ(runCli("show-cache").out, "");
+    r = runCli("history remove " + testsupport::visitedPages()[1].url);
+    EXPECT_EQ(r.code, 1);
+    EXPECT_TRUE(contains(r.err, places.string() + ": ")) << r.err;
+
     testsupport::ChildProcess firefox("lock-holder-f"); // no browser watcher looks for it
     fs::create_symlink("127.0.0.1:+" + std::to_string(firefox.pid()), home.firefoxProfile() / "lock");
     for (const char* command : {"show-cache", "clean-all --yes"}) {
-        const auto r = runCli(command);
+        r = runCli(command);
         EXPECT_EQ(r.code, 1) << command << ": " << r.seen();
         EXPECT_TRUE(contains(r.err, home.firefoxProfile().string() + ": its browser is running")) << command << ": " << r.err;
     }
