@@ -106,10 +106,11 @@ void reportInterrupted(Context& ctx, const std::string& what) {
     ctx.exitCode = 1;
 }
 
-void wipeFreeSpace(Context& ctx, const std::string& dir, bool removable) {
+void wipeFreeSpace(Context& ctx, const std::string& dir, bool removable, bool verify) {
     requireFolder(ctx.platform.fileSystem(), dir);
     TerminalFreeSpaceView view(ctx);
     wipe::FreeSpaceWipe wipe(ctx.platform, view, ctx.problems);
+    wipe.setVerify(verify);
     wipe.offerStaleRemoval(dir);
     // Judged, measured and written in this one open folder, however long the question below waits.
     const auto folder = ctx.platform.fileSystem().openFolder(dir);
@@ -136,6 +137,8 @@ void wipeFreeSpace(Context& ctx, const std::string& dir, bool removable) {
         view.finish();
         if (outcome == wipe::FreeSpaceWipe::Outcome::Exited)
             reportInterrupted(ctx, "the temporary file was removed");
+        else if (outcome == wipe::FreeSpaceWipe::Outcome::Completed && wipe.verified())
+            ctx.summary.note("the last pass verified on the device");
         else if (outcome == wipe::FreeSpaceWipe::Outcome::Refused)
             ctx.exitCode = 1;
     } catch (const wipe::FileError& e) {
@@ -200,18 +203,22 @@ void addWipeCommands(CLI::App& app, Context& ctx) {
         auto dir = std::make_shared<std::string>();
         auto yes = std::make_shared<bool>(false);
         auto removable = std::make_shared<bool>(false);
+        auto verify = std::make_shared<bool>(false);
         cmd->add_option("DIR", *dir, "A folder on the drive to wipe (the drive's root or any folder on it)")->required();
         cmd->add_flag("--yes,-y", *yes, "Do not ask before starting (and remove a stale temporary file)");
         cmd->add_flag("--removable", *removable,
                       "The drive is removable (USB stick, card): small increments; refused on fixed drives");
+        cmd->add_flag("--verify", *verify,
+                      "After the last pass, read the temporary file back from the device (past the system's "
+                      "cache) and compare it with what the pass wrote; a difference is named with its offset");
         cmd->footer("Ctrl-C, SIGTERM, SIGHUP or SIGQUIT stops after the current increment and removes the "
                     "temporary file. A file of that name that is kept makes the wipe refuse.\n"
                     "Overwriting cannot reach copy-on-write or journaled copies, SSD spare blocks, or the "
                     "blocks reserved for root when run as a user: see the README.");
         ctx.summary.changes(cmd);
-        cmd->callback([&ctx, dir, yes, removable] {
+        cmd->callback([&ctx, dir, yes, removable, verify] {
             ctx.prompts.setAssumeYes(*yes);
-            wipeFreeSpace(ctx, *dir, *removable);
+            wipeFreeSpace(ctx, *dir, *removable, *verify);
         });
     }
     {

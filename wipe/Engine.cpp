@@ -285,8 +285,7 @@ core::Verdict Engine::overwrite(Folder& folder, const std::string& name, Overwri
         if (result == OverwriteScheme::Pass::Stopped) {
             if (!options.remove)
                 return left("stopped before pass " + std::to_string(pass) + " was complete; partly overwritten");
-            cutAndDelete(folder, name, *file, *held);
-            file.reset();
+            cutAndDelete(folder, name, std::move(file), *held);
             v.removed = !folder.entry(name);
             return left("stopped before pass " + std::to_string(pass) + " was complete; not overwritten" +
                         (v.removed ? ", deleted all the same" : ""));
@@ -312,7 +311,7 @@ core::Verdict Engine::overwrite(Folder& folder, const std::string& name, Overwri
         v = verify(*file, ranges, digests, v);
     }
     if (options.remove) {
-        v.removed = cutAndDelete(folder, name, *file, *held);
+        v.removed = cutAndDelete(folder, name, std::move(file), *held);
         if (!v.removed) {
             v.why = "was overwritten but cannot be deleted";
             v.problem = true;
@@ -371,14 +370,15 @@ core::Verdict Engine::verify(RawFile& file, const Ranges& ranges, const std::vec
     return v;
 }
 
-bool Engine::cutAndDelete(Folder& folder, const std::string& name, RawFile& file, const FileInfo& held) {
+bool Engine::cutAndDelete(Folder& folder, const std::string& name, std::unique_ptr<RawFile> file, const FileInfo& held) {
     // Removed only while the name still means the file written; cut first, so that whatever still
     // holds the name's old blocks finds none.
     const auto now = folder.entry(name);
     if (!now || !now->sameFileAs(held))
         return false;
-    file.seek(0, RawFile::From::Begin);
-    file.truncate();
+    file->seek(0, RawFile::From::Begin);
+    file->truncate();
+    file.reset(); // Windows deletes no file that is still open without delete sharing
     return folder.removeFile(name);
 }
 
@@ -390,7 +390,7 @@ bool Engine::removeOwnFile(Folder& folder, const std::string& name, const FileIn
     if (now->sameFileAs(expected) && now->isRegular) {
         if (auto file = folder.openFile(name, false)) {
             if (const auto held = file->info(); held && held->sameFileAs(expected))
-                gone = cutAndDelete(folder, name, *file, *held);
+                gone = cutAndDelete(folder, name, std::move(file), *held);
         } else {
             gone = folder.removeFile(name); // held by nobody else, yet not to be opened: the name goes
         }
@@ -470,6 +470,32 @@ bool Engine::removeBelow(Folder& dir, const std::function<bool(const FileInfo&)>
         }
     }
     return all;
+}
+
+std::int64_t readBackDifference(RawFile& file, std::uint64_t length, const Expected& expected) {
+    auto reader = file.openUncached();
+    if (!reader)
+        return -2;
+    const std::size_t align = std::max<std::size_t>(reader->readAlignment(), 1);
+    const std::size_t chunk = std::max<std::size_t>(align, std::size_t{1} << 20) / align * align;
+    const auto release = [align](unsigned char* p) { ::operator delete(p, std::align_val_t(align)); };
+    const std::unique_ptr<unsigned char, decltype(release)> buffer(
+        static_cast<unsigned char*>(::operator new(chunk, std::align_val_t(align))), release);
+    std::vector<unsigned char> want(chunk);
+    if (reader->seek(0, RawFile::From::Begin) != 0)
+        return -2;
+    for (std::uint64_t at = 0; at < length;) {
+        const std::size_t got = reader->read(buffer.get(), chunk);
+        const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(got, length - at));
+        if (n == 0)
+            return static_cast<std::int64_t>(at); // shorter on the device than it was written
+        expected(at, want.data(), n);
+        const auto diff = std::mismatch(buffer.get(), buffer.get() + n, want.begin());
+        if (diff.first != buffer.get() + n)
+            return static_cast<std::int64_t>(at + static_cast<std::uint64_t>(diff.first - buffer.get()));
+        at += n;
+    }
+    return -1;
 }
 
 std::string joinPath(const platform::FileSystem& files, const std::string& folder, const std::string& name) {

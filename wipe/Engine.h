@@ -124,7 +124,7 @@ public:
 
 private:
     bool removeBelow(platform::Folder& dir, const std::function<bool(const platform::FileInfo&)>& keep);
-    bool cutAndDelete(platform::Folder& folder, const std::string& name, platform::RawFile& file,
+    bool cutAndDelete(platform::Folder& folder, const std::string& name, std::unique_ptr<platform::RawFile> file,
                       const platform::FileInfo& held);
     core::Verdict verify(platform::RawFile& file, const std::vector<std::pair<std::uint64_t, std::uint64_t>>& ranges,
                          const std::vector<std::uint64_t>& digests, core::Verdict verdict);
@@ -133,6 +133,14 @@ private:
     core::VerdictSink* m_verdicts;
     core::ProblemSink* m_problems;
 };
+
+/// What should be at `offset` on: fills `count` bytes of `out`.
+using Expected = std::function<void(std::uint64_t offset, unsigned char* out, std::size_t count)>;
+
+/// Reads the first `length` bytes of `file` back from the device, past the system's cache, and
+/// compares them with `expected`. The offset of the first difference; -1 when all is as expected;
+/// -2 when the file cannot be read back that way.
+std::int64_t readBackDifference(platform::RawFile& file, std::uint64_t length, const Expected& expected);
 
 /// `folder` + the platform's separator + `name`, with no doubled separator.
 std::string joinPath(const platform::FileSystem& files, const std::string& folder, const std::string& name);

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdio>
 #include <thread>
+#include <algorithm>
 
 namespace wipe {
 namespace {
@@ -146,6 +147,7 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
         return Outcome::Refused;
     }
     m_running = true;
+    m_verified = false;
     m_view.setWipeEnabled(false);
     try {
         const double quotient = static_cast<double>(freeBytes.raw()) / static_cast<double>(increment.raw());
@@ -169,6 +171,8 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
 
             FreeSpaceProgress now{pass, increment, 0, count, {}, {}, 0};
             std::int64_t previous = 0;
+            std::vector<Write> writes; // the last pass's writes, in order, for its read-back
+            std::int64_t at = 0;       // where the next write lands: where the last seek left the file
             for (std::int64_t i = 1; i <= steps; ++i) {
                 // The seek halves come from the 64-bit position itself; for the fixed increment that
                 // is exactly what the offset and high-half bookkeeping below amounts to, and it stays
@@ -182,6 +186,9 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
                 file.SeekAbsolute(highPos, lowPos);
                 file.WriteBytes(block3);
                 file.SeekAbsolute(highPos, lowPos);
+                if (m_verify && pass == Gutmann::PassCount)
+                    writes.insert(writes.end(), {{at, &block1}, {position, &block2}, {position, &block3}});
+                at = position;
                 // Nothing later in the pass writes before this increment's start again: what lies
                 // before it can go to the device while the run goes on.
                 if (position > previous)
@@ -216,6 +223,8 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
                     pause();
             }
             flushPass(pass); // the pass must be on the device before its file is released
+            if (m_verify && pass == Gutmann::PassCount)
+                verifyLastPass(file.Raw(), path, writes);
             file.CloseFile();
             removeTemp();
         }
@@ -229,6 +238,50 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
     }
     m_running = false;
     return Outcome::Completed;
+}
+
+void FreeSpaceWipe::verifyLastPass(platform::RawFile& file, const std::string& path, const std::vector<Write>& writes) {
+    // What the file holds: each write covers what earlier ones left from its start on. The writes
+    // never start before an earlier one, so the pieces stay in order.
+    struct Piece {
+        std::int64_t start, end;
+        const std::vector<std::uint8_t>* block;
+    };
+    std::vector<Piece> pieces;
+    for (const auto& [start, block] : writes) {
+        while (!pieces.empty() && pieces.back().start >= start)
+            pieces.pop_back();
+        if (!pieces.empty())
+            pieces.back().end = std::min(pieces.back().end, start);
+        pieces.push_back({start, start + static_cast<std::int64_t>(block->size()), block});
+    }
+    // A full drive cuts the last writes short: what the pass wrote is what the file came to hold.
+    const auto held = file.info();
+    const auto length = std::min<std::uint64_t>(static_cast<std::uint64_t>(pieces.empty() ? 0 : pieces.back().end),
+                                                held ? held->size : 0);
+    const Expected expected = [&pieces](std::uint64_t offset, unsigned char* out, std::size_t count) {
+        auto piece = std::upper_bound(pieces.begin(), pieces.end(), static_cast<std::int64_t>(offset),
+                                      [](std::int64_t at, const Piece& p) { return at < p.start; });
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto at = static_cast<std::int64_t>(offset + i);
+            while (piece != pieces.end() && at >= piece->start)
+                ++piece;
+            const Piece& p = *(piece - 1);
+            out[i] = at < p.end ? (*p.block)[static_cast<std::size_t>(at - p.start)] : 0;
+        }
+    };
+    const std::int64_t differs = readBackDifference(file, length, expected);
+    m_verified = differs == -1;
+    if (m_verified) {
+        m_verifyOutcome = "The last pass was read back from the drive: all " + core::formatGrouped(static_cast<std::int64_t>(length)) +
+                          " bytes are as written.";
+        return;
+    }
+    m_verifyOutcome = differs == -2 ? "could not be read back past the system's cache to verify"
+                                    : "verify: the device holds other bytes than the last pass wrote at offset " +
+                                          std::to_string(differs);
+    m_problems.skipped(path, m_verifyOutcome);
+    m_verifyOutcome = path + ": " + m_verifyOutcome;
 }
 
 bool FreeSpaceWipe::exitConfirmed() {

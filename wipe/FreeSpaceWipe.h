@@ -18,6 +18,8 @@
 #include "wipe/PatternRandom.h"
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace wipe {
 
@@ -72,6 +74,13 @@ public:
     /// wipe confirms at its next increment; when no run is left to read it (the buttons stay
     /// disabled after a complete run), Yes closes at once.
     bool requestQuit(bool wipeEnabled);
+    /// After the last pass, read the temporary file back from the device past the system's cache
+    /// and compare it with what the pass wrote, before it is removed.
+    void setVerify(bool verify) { m_verify = verify; }
+    /// Whether the last complete run read its last pass back and found it as written.
+    bool verified() const { return m_verified; }
+    /// What the read-back of the last complete run found, in a sentence for a window.
+    const std::string& verifyOutcome() const { return m_verifyOutcome; }
     /// Whether a run is in progress.
     bool running() const { return m_running; }
 
@@ -82,6 +91,9 @@ public:
 private:
     Outcome start(const std::string& dir, bool removable);
     bool exitConfirmed();
+    /// One write of a pass: where it began and the block written.
+    using Write = std::pair<std::int64_t, const std::vector<std::uint8_t>*>;
+    void verifyLastPass(platform::RawFile& file, const std::string& path, const std::vector<Write>& writes);
     void pause();
 
     platform::Platform& m_platform;
@@ -89,6 +101,9 @@ private:
     core::ProblemSink& m_problems;
     PatternRandom m_random;
     bool m_running = false;
+    bool m_verify = false;
+    bool m_verified = false;
+    std::string m_verifyOutcome;
 };
 
 } // namespace wipe

@@ -91,6 +91,11 @@ void Random::OpenFile(const std::string& fileName, platform::Folder* folder, con
     m_fileName = fileName;
 }
 
+platform::RawFile& Random::Raw() {
+    requireOpen();
+    return *m_file;
+}
+
 platform::FileInfo Random::Info() const {
     requireOpen();
     return m_file->info().value_or(platform::FileInfo{});

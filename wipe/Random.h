@@ -41,6 +41,8 @@ public:
     /// `fileName`. Only a new file: when anything has that name already, or there is no folder (it
     /// could not be opened), raises 45602 as a failed open does.
     void OpenFile(const std::string& fileName, platform::Folder* folder, const std::string& name);
+    /// The open file itself, for reading it back past the system's cache. Raises 45603 when closed.
+    platform::RawFile& Raw();
     /// Facts about the open file (which file it is). Raises 45603 when closed.
     platform::FileInfo Info() const;
     /// Closes the handle; auto-flush goes back to off. Raises 45603 when closed.

@@ -6,6 +6,7 @@
 #include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
 #include "tests/wipe/Recorders.h"
+#include "wipe/Engine.h"
 #include "wipe/FreeSpaceWipe.h"
 #include "wipe/SecureDelete.h"
 
@@ -50,15 +51,40 @@ struct ErasureTest : ::testing::Test {
 
 } // namespace
 
-TEST_F(ErasureTest, ShreddedFileLeavesNoTraceOnTheDisk) {
+struct LastVerdict final : core::VerdictSink {
+    core::Verdict last;
+    void record(const core::Verdict& v) override { last = v; }
+};
+
+TEST_F(ErasureTest, ShreddedFileLeavesNoTraceOnTheDiskAndReadsBackAsTheLastPassWroteIt) {
     const fs::path file = image.mountPoint() / "secret.txt";
     plant(file, 340 * 1000);
     expectPlantedThenGone([&] {
         testsupport::SecureDeleteRecorder view;
-        wipe::SecureDelete shred(*platform, view, quiet);
+        LastVerdict verdict;
+        wipe::SecureDelete shred(*platform, view, quiet, &verdict);
+        shred.setVerify(true);
         EXPECT_TRUE(shred.WipeFile(file.string()));
         EXPECT_FALSE(fs::exists(file));
+        EXPECT_TRUE(verdict.last.overwritten && verdict.last.verified) << verdict.last.why;
     });
+}
+
+TEST_F(ErasureTest, TheReadBackNamesTheFirstByteThatDiffers) {
+    const fs::path file = image.mountPoint() / "written.bin";
+    std::ofstream(file, std::ios::binary) << std::string(300000, 'A');
+    auto folder = platform->fileSystem().openFolder(image.mountPoint().string());
+    auto raw = folder->openFile("written.bin", false);
+    ASSERT_TRUE(raw && raw->flush());
+    const auto expect = [](std::int64_t differentAt) {
+        return [differentAt](std::uint64_t offset, unsigned char* out, std::size_t count) {
+            for (std::size_t i = 0; i < count; ++i)
+                out[i] = static_cast<std::int64_t>(offset + i) == differentAt ? 'B' : 'A';
+        };
+    };
+    EXPECT_EQ(wipe::readBackDifference(*raw, 300000, expect(-1)), -1);
+    EXPECT_EQ(wipe::readBackDifference(*raw, 300000, expect(299999)), 299999);
+    EXPECT_EQ(wipe::readBackDifference(*raw, 300001, expect(-1)), 300000); // shorter than it should be
 }
 
 TEST_F(ErasureTest, WipedFolderLeavesNoTraceOfItsFiles) {
@@ -74,7 +100,7 @@ TEST_F(ErasureTest, WipedFolderLeavesNoTraceOfItsFiles) {
     });
 }
 
-TEST_F(ErasureTest, FreeSpaceWipeOverwritesWhatAnOrdinaryDeleteLeft) {
+TEST_F(ErasureTest, FreeSpaceWipeOverwritesWhatAnOrdinaryDeleteLeftAndReadsItsLastPassBack) {
     const fs::path file = image.mountPoint() / "deleted.txt";
     plant(file, 34 * 60000);
     image.sync();
@@ -82,8 +108,10 @@ TEST_F(ErasureTest, FreeSpaceWipeOverwritesWhatAnOrdinaryDeleteLeft) {
     expectPlantedThenGone([&] {
         testsupport::FreeSpaceRecorder view;
         wipe::FreeSpaceWipe wipe(*platform, view, quiet);
+        wipe.setVerify(true);
         EXPECT_EQ(wipe.wipeFixed(image.mountPoint().string()), wipe::FreeSpaceWipe::Outcome::Completed)
             << (view.ask.told.empty() ? "" : view.ask.told.front());
+        EXPECT_TRUE(wipe.verified()) << wipe.verifyOutcome();
         EXPECT_FALSE(fs::exists(image.mountPoint() / "WNXTEMP.000"));
     });
 }

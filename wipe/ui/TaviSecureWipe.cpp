@@ -76,6 +76,8 @@ void TaviSecureWipe::buildControls() {
 
     m_command4 = widgets::placed<QPushButton>(this, "Command4", {8, 214, 130, 32}, "Advanced Off");
     m_command1 = widgets::placed<QPushButton>(this, "Command1", {278, 214, 130, 32}, "Exit Program");
+    // Read the last pass back from the device and compare, before its file is removed.
+    m_chkVerify = widgets::placed<QCheckBox>(this, "chkVerify", {160, 219, 100, 22}, "Verify");
     m_gauge = new GaugeLines(this, 420, 12, 232, true);
 
     // The detail panel, below the collapsed height.
@@ -125,12 +127,12 @@ void TaviSecureWipe::wipe(bool removable) {
         return;
     BusyCursor busy;
     const std::string root = chosenRoot().toStdString();
+    m_engine.setVerify(m_chkVerify->isChecked());
     widgets::guarded([&] {
         try {
-            if (removable)
-                m_engine.wipeRemovable(root);
-            else
-                m_engine.wipeFixed(root);
+            const auto outcome = removable ? m_engine.wipeRemovable(root) : m_engine.wipeFixed(root);
+            if (outcome == wipe::FreeSpaceWipe::Outcome::Completed && m_chkVerify->isChecked())
+                m_prompts->tell(m_engine.verifyOutcome(), core::MessageTitle, core::MsgStyle::OkOnly);
         } catch (const wipe::FileError& e) {
             m_prompts->tell(e.description(), e.source(), core::MsgStyle::Critical);
         }

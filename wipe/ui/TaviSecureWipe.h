@@ -86,7 +86,7 @@ private:
 
     QComboBox* m_drive1 = nullptr;
     QPushButton *m_command1 = nullptr, *m_command2 = nullptr, *m_command3 = nullptr, *m_command4 = nullptr;
-    QCheckBox *m_check1 = nullptr, *m_check2 = nullptr;
+    QCheckBox *m_check1 = nullptr, *m_check2 = nullptr, *m_chkVerify = nullptr;
     QLineEdit *m_text1 = nullptr, *m_text2 = nullptr, *m_text3 = nullptr, *m_text4 = nullptr;
     QLineEdit *m_text5 = nullptr, *m_text6 = nullptr, *m_text8 = nullptr;
     GaugeLines* m_gauge = nullptr;
