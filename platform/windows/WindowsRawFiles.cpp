@@ -162,7 +162,12 @@ std::string WindowsRawFiles::errorText(int code) const {
     wchar_t text[256];
     const DWORD length = ::FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
                                           static_cast<DWORD>(code), 0, text, 256, nullptr);
-    return length < 1 ? std::string() : narrow(text, static_cast<int>(length));
+    // The system's texts end in a full stop and CR LF (some in CR CR LF); the message they go into
+    // carries on after them on the same line.
+    DWORD end = length;
+    while (end > 0 && (text[end - 1] == L'\r' || text[end - 1] == L'\n' || text[end - 1] == L' '))
+        --end;
+    return end < 1 ? std::string() : narrow(text, static_cast<int>(end));
 }
 
 } // namespace platform::windows
