@@ -6,6 +6,8 @@
 #include <objbase.h>
 #include <urlhist.h>
 
+#include <memory>
+
 namespace platform::windows {
 namespace {
 
@@ -16,13 +18,57 @@ FileTime fileTime(const FILETIME& t) {
     return FileTime{t.dwLowDateTime, t.dwHighDateTime};
 }
 
+/// COM on the calling thread for as long as this lives. The store is an apartment-threaded object:
+/// each call makes its own on the thread that calls, so no thread is left in an apartment that
+/// another one entered, and COM is left on the thread that started it.
+class ComScope {
+public:
+    // S_FALSE: this thread had COM already, and is left with it; a thread in the other apartment
+    // model (RPC_E_CHANGED_MODE) can still use the store.
+    ComScope() : m_started(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    ~ComScope() {
+        if (m_started)
+            ::CoUninitialize();
+    }
+    ComScope(const ComScope&) = delete;
+    ComScope& operator=(const ComScope&) = delete;
+
+private:
+    bool m_started;
+};
+
+/// The system's history store, made on the calling thread; null when the system has none.
+IUrlHistoryStg2* createStore() {
+    void* created = nullptr;
+    if (FAILED(::CoCreateInstance(UrlHistoryClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUrlHistoryStg2, &created)))
+        return nullptr;
+    return static_cast<IUrlHistoryStg2*>(created);
+}
+
+/// A store and COM for one call.
+class Store {
+public:
+    Store() : m_store(createStore()) {}
+    ~Store() {
+        if (m_store)
+            m_store->Release();
+    }
+    Store(const Store&) = delete;
+    Store& operator=(const Store&) = delete;
+    IUrlHistoryStg2* get() const { return m_store; }
+
+private:
+    ComScope m_com; // first made, last gone
+    IUrlHistoryStg2* m_store;
+};
+
 class WindowsUrlHistoryEnum final : public UrlHistoryEnum {
 public:
-    explicit WindowsUrlHistoryEnum(IEnumSTATURL* enumerator) : m_enum(enumerator) {}
+    WindowsUrlHistoryEnum(std::unique_ptr<Store> store, IEnumSTATURL* enumerator)
+        : m_store(std::move(store)), m_enum(enumerator) {}
     ~WindowsUrlHistoryEnum() override { m_enum->Release(); }
     WindowsUrlHistoryEnum(const WindowsUrlHistoryEnum&) = delete;
     WindowsUrlHistoryEnum& operator=(const WindowsUrlHistoryEnum&) = delete;
-
     bool setFilter(const std::string& urlStartsWith, std::uint32_t flags) override {
         const std::wstring prefix = widen(urlStartsWith);
         return SUCCEEDED(m_enum->SetFilter(prefix.empty() ? nullptr : prefix.c_str(), flags));
@@ -48,52 +94,33 @@ public:
     }
 
 private:
+    std::unique_ptr<Store> m_store; // outlives the enumerator: declared first
     IEnumSTATURL* m_enum;
 };
 
 } // namespace
 
-WindowsUrlHistory::~WindowsUrlHistory() {
-    if (m_store)
-        m_store->Release();
-    if (m_comStarted)
-        ::CoUninitialize();
-}
-
-IUrlHistoryStg2* WindowsUrlHistory::store() {
-    if (m_tried)
-        return m_store;
-    m_tried = true;
-    // S_FALSE: this thread had COM already; a thread in the other apartment model can still use it.
-    const HRESULT started = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    m_comStarted = SUCCEEDED(started);
-    void* created = nullptr;
-    if (SUCCEEDED(::CoCreateInstance(UrlHistoryClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUrlHistoryStg2, &created)))
-        m_store = static_cast<IUrlHistoryStg2*>(created);
-    return m_store;
-}
-
 bool WindowsUrlHistory::addUrl(const std::string& url, const std::string& title, std::uint32_t flags) {
-    IUrlHistoryStg2* s = store();
-    return s && SUCCEEDED(s->AddUrl(widen(url).c_str(), widen(title).c_str(), flags));
+    const Store s;
+    return s.get() && SUCCEEDED(s.get()->AddUrl(widen(url).c_str(), widen(title).c_str(), flags));
 }
 
 bool WindowsUrlHistory::deleteUrl(const std::string& url, std::uint32_t flags) {
-    IUrlHistoryStg2* s = store();
-    return s && SUCCEEDED(s->DeleteUrl(widen(url).c_str(), flags));
+    const Store s;
+    return s.get() && SUCCEEDED(s.get()->DeleteUrl(widen(url).c_str(), flags));
 }
 
 std::unique_ptr<UrlHistoryEnum> WindowsUrlHistory::enumUrls() {
-    IUrlHistoryStg2* s = store();
+    auto s = std::make_unique<Store>();
     IEnumSTATURL* enumerator = nullptr;
-    if (!s || FAILED(s->EnumUrls(&enumerator)) || !enumerator)
+    if (!s->get() || FAILED(s->get()->EnumUrls(&enumerator)) || !enumerator)
         return nullptr;
-    return std::make_unique<WindowsUrlHistoryEnum>(enumerator);
+    return std::make_unique<WindowsUrlHistoryEnum>(std::move(s), enumerator);
 }
 
 bool WindowsUrlHistory::clearHistory() {
-    IUrlHistoryStg2* s = store();
-    return s && SUCCEEDED(s->ClearHistory());
+    const Store s;
+    return s.get() && SUCCEEDED(s.get()->ClearHistory());
 }
 
 } // namespace platform::windows
