@@ -148,7 +148,26 @@ void CleanIT::mruListScheme(const std::string& key) {
     DeleteRegValue(CurrentUserRoot, key, "MRUList");
 }
 
+void CleanIT::allValuesScheme(const std::string& key) {
+    auto& registry = m_platform.registry();
+    RegKey handle = 0;
+    std::vector<std::string> names;
+    if (registry.openKey(CurrentUserRoot, key, handle) != RegResult::Success)
+        return;
+    const long listed = registry.valueNames(handle, names);
+    registry.closeKey(handle);
+    if (listed != RegResult::Success)
+        return;
+    for (const std::string& name : names)
+        DeleteRegValue(CurrentUserRoot, key, name);
+}
+
 void CleanIT::CleanRecentDocs() {
+#ifdef _WIN32
+    // The shell's call removes the RecentDocs key whole, every value whether MRUList names it or
+    // not: each is deleted here first, so that a preview lists it and the summary counts it.
+    allValuesScheme(RecentDocsKey);
+#endif
     if (!m_platform.recycleBin().clearRecentDocuments() && m_problems)
         m_problems->skipped("recent documents", "the list could not be cleared");
     mruListScheme(RecentDocsKey);

@@ -85,6 +85,8 @@ private:
     void countedScheme(const std::string& key, const std::string& stem, int first);
     void firstValueScheme(const std::string& key, const std::string& stem);
     void mruListScheme(const std::string& key);
+    /// Deletes every value of `key`.
+    void allValuesScheme(const std::string& key);
 
     platform::Platform& m_platform;
     core::Prompts& m_prompts;
