@@ -3,10 +3,11 @@
 #ifdef _WIN32
 #include "platform/windows/WinText.h"
 
+#include <windows.h>
+
 #include <fcntl.h>
 #include <io.h>
 #include <shellapi.h>
-#include <windows.h>
 
 #include <cstdio>
 #include <iostream>

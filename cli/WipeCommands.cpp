@@ -8,6 +8,7 @@
 #include "cli/Interrupt.h"
 #include "cli/ProgressBar.h"
 #include "core/NumberFormat.h"
+#include "wipe/Engine.h"
 #include "wipe/FileError.h"
 #include "wipe/FreeSpaceWipe.h"
 #include "wipe/Gutmann.h"
@@ -171,6 +172,10 @@ void shredFiles(Context& ctx, const std::vector<std::string>& paths, bool verify
 
 void shredFolder(Context& ctx, const std::string& dir, bool verify) {
     requireFolder(ctx.platform.fileSystem(), dir);
+    // A filesystem's root ("/", "C:\") is refused before anything is asked or written.
+    std::string why;
+    if (!wipe::Engine(ctx.platform, nullptr, nullptr).locate(dir, why))
+        throw UsageError(dir + ": " + why);
     warnOfLimits(ctx, dir);
     TerminalSecureDeleteView view(ctx);
     wipe::SecureDelete shred(ctx.platform, view, ctx.problems, &ctx.verdicts);
@@ -198,9 +203,15 @@ void addWipeCommands(CLI::App& app, Context& ctx) {
         cmd->add_flag("--yes,-y", *yes, "Do not ask before starting (and remove a stale temporary file)");
         cmd->add_flag("--removable", *removable,
                       "The drive is removable (USB stick, card): small increments; refused on fixed drives");
+#ifdef _WIN32
+        cmd->footer("Ctrl-C stops after the current increment and removes the temporary file.\n"
+                    "Overwriting cannot reach SSD spare blocks, Volume Shadow Copies and System Restore\n"
+                    "points, or the NTFS log: see the README.");
+#else
         cmd->footer("Ctrl-C stops after the current increment and removes the temporary file.\n"
                     "Overwriting cannot reach copy-on-write or journaled copies, SSD spare blocks, or the\n"
                     "blocks reserved for root when run as a user: see the README.");
+#endif
         ctx.summary.changes(cmd);
         cmd->callback([&ctx, dir, yes, removable] {
             ctx.prompts.setAssumeYes(*yes);

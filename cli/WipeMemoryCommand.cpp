@@ -101,9 +101,13 @@ void addWipeMemoryCommand(CLI::App& app, Context& ctx) {
     cmd->add_option("--keep-free", options->keepFreeMiB,
                     "MiB of memory (RAM and swap) to leave to the rest of the system: the run stops before "
                     "taking more (default: a 16th of the RAM; never less than 256)");
+#ifdef _WIN32
+    cmd->footer("Ctrl-C stops at the next pass; the memory is given back at once.");
+#else
     cmd->footer("While it runs, this process is the first the system ends should memory run out, so no\n"
                 "other program can pay for the wipe. Ctrl-C stops at the next pass; the memory is given\n"
                 "back at once.");
+#endif
     ctx.summary.changes(cmd);
     cmd->callback([&ctx, options, size] {
         options->sizeGiven = size->count() > 0;
