@@ -119,13 +119,11 @@ void setUpStandardStreams() {
     ::_setmode(::_fileno(stderr), _O_BINARY);
     const HANDLE out = ::GetStdHandle(STD_OUTPUT_HANDLE);
     const HANDLE err = ::GetStdHandle(STD_ERROR_HANDLE);
-    if (isConsole(out)) {
-        static ConsoleBuffer buffer(out);
-        std::cout.rdbuf(&buffer);
-    }
+    // Never destroyed: the standard streams flush into them until the very end of the program.
+    if (isConsole(out))
+        std::cout.rdbuf(new ConsoleBuffer(out));
     if (isConsole(err)) {
-        static ConsoleBuffer buffer(err);
-        std::cerr.rdbuf(&buffer);
+        std::cerr.rdbuf(new ConsoleBuffer(err));
         std::cerr.setf(std::ios::unitbuf);
     }
 }
