@@ -51,7 +51,7 @@ TraceCleaner::Kept TraceCleaner::kept(Folder& folder, const FileInfo& entry) {
         return Kept::NotAFile;
     if (!entry.ownedByUser)
         return Kept::OtherOwner;
-    if (m_platform.fileSystem().isInUse(join(folder.path(), entry.name)))
+    if (folder.isInUse(entry.name))
         return Kept::InUse;
     return Kept::No;
 }
@@ -150,7 +150,7 @@ bool TraceCleaner::clearBelow(Folder& dir, bool remove) {
         } else if (fi.isRegular) {
             // The scan asked about open files moments ago; the removal does not ask again.
             goes = remove ? m_engine.remove(dir, fi.name).removed
-                          : !m_platform.fileSystem().isInUse(join(dir.path(), fi.name));
+                          : !dir.isInUse(fi.name);
             if (remove && goes)
                 m_view.itemDone(TraceStep::TempFiles, join(dir.path(), fi.name));
         }

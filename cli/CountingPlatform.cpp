@@ -48,17 +48,22 @@ public:
     const std::string& path() const override { return m_real->path(); }
     platform::FileInfo self() const override { return m_real->self(); }
     bool list(const std::function<bool(const platform::FileInfo&)>& visit) override { return m_real->list(visit); }
+    bool names(const std::function<bool(const std::string&, platform::EntryKind)>& visit) override {
+        return m_real->names(visit);
+    }
     std::optional<platform::FileInfo> entry(const std::string& name) override { return m_real->entry(name); }
     std::unique_ptr<platform::Folder> openFolder(const std::string& name) override {
         auto folder = m_real->openFolder(name);
         return folder ? std::make_unique<CountingFolder>(std::move(folder), m_ledger) : nullptr;
     }
-    std::unique_ptr<platform::RawFile> openFile(const std::string& name, bool create) override {
+    using platform::Folder::openFile;
+    std::unique_ptr<platform::RawFile> openFile(const std::string& name, Create create) override {
         return counted(m_real->openFile(name, create), m_ledger);
     }
     std::unique_ptr<platform::RawFile> openForOverwrite(const std::string& name) override {
         return counted(m_real->openForOverwrite(name), m_ledger);
     }
+    bool isInUse(const std::string& name) override { return m_real->isInUse(name); }
     bool removeFile(const std::string& name) override { return m_real->removeFile(name); }
     bool removeFolder(const std::string& name) override { return m_real->removeFolder(name); }
     bool makeNormal(const std::string& name) override { return m_real->makeNormal(name); }

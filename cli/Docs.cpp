@@ -153,8 +153,16 @@ void commandSection(std::ostringstream& out, const CLI::App& command) {
 
 // ---- bash ---------------------------------------------------------------------------------------
 
+/// `text` as one bash word, in single quotes.
+std::string bashQuoted(const std::string& text) {
+    std::string out = "'";
+    for (char c : text)
+        out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return out + "'";
+}
+
 void completionCases(std::ostringstream& out, const CLI::App& command, const std::string& path,
-                     std::string& descents, std::string& valueOptions) {
+                     const ArgumentWords& words, std::string& descents, std::string& valueOptions) {
     std::string names;
     for (const CLI::App* sub : commandsOf(command)) {
         names += (names.empty() ? "" : " ") + sub->get_name();
@@ -167,9 +175,16 @@ void completionCases(std::ostringstream& out, const CLI::App& command, const std
             if (takesValue(option) && valueOptions.find(" " + name + " ") == std::string::npos)
                 valueOptions += name + " ";
         }
-    out << "    \"" << path << "\") commands=\"" << names << "\" options=\"" << options << "\" ;;\n";
+    out << "    \"" << path << "\") commands=\"" << names << "\" options=\"" << options << "\"";
+    if (const auto fixed = words.find(path); fixed != words.end()) {
+        out << " words=(";
+        for (const std::string& word : fixed->second)
+            out << (&word == &fixed->second.front() ? "" : " ") << bashQuoted(word);
+        out << ")";
+    }
+    out << " ;;\n";
     for (const CLI::App* sub : commandsOf(command))
-        completionCases(out, *sub, path.empty() ? sub->get_name() : path + " " + sub->get_name(), descents,
+        completionCases(out, *sub, path.empty() ? sub->get_name() : path + " " + sub->get_name(), words, descents,
                         valueOptions);
 }
 
@@ -254,11 +269,11 @@ std::string manPage(const CLI::App& app, const std::string& version, const std::
     return out.str();
 }
 
-std::string bashCompletion(const CLI::App& app) {
+std::string bashCompletion(const CLI::App& app, const ArgumentWords& words) {
     std::ostringstream cases;
     std::string descents;
     std::string valueOptions = " ";
-    completionCases(cases, app, "", descents, valueOptions);
+    completionCases(cases, app, "", words, descents, valueOptions);
     std::ostringstream out;
     out << "# bash completion for scourmill-cli; made from its own command definitions.\n"
         << "_scourmill_cli() {\n"
@@ -269,7 +284,7 @@ std::string bashCompletion(const CLI::App& app) {
         << "        " << descents << ") path=${path:+$path }$word ;;\n"
         << "        esac\n"
         << "    done\n"
-        << "    local commands= options=\n"
+        << "    local commands= options= words=()\n"
         << "    case \"$path\" in\n"
         << cases.str()
         << "    esac\n"
@@ -280,6 +295,15 @@ std::string bashCompletion(const CLI::App& app) {
         << "        COMPREPLY=($(compgen -W \"$options\" -- \"$cur\"))\n"
         << "    elif [[ -n $commands ]]; then\n"
         << "        COMPREPLY=($(compgen -W \"$commands\" -- \"$cur\"))\n"
+        // Fixed words hold blanks and quotes: matched against what was typed with its opening quote
+        // and backslashes taken off, and handed back as they are for readline to quote (-o filenames).
+        << "    elif ((${#words[@]})); then\n"
+        << "        local typed=${cur#[\\\"\\']} fixed\n"
+        << "        typed=${typed//\\\\/}\n"
+        << "        COMPREPLY=()\n"
+        << "        for fixed in \"${words[@]}\"; do\n"
+        << "            [[ $fixed == \"$typed\"* ]] && COMPREPLY+=(\"$fixed\")\n"
+        << "        done\n"
         << "    else\n"
         << "        COMPREPLY=($(compgen -f -- \"$cur\"))\n"
         << "    fi\n"
@@ -288,7 +312,8 @@ std::string bashCompletion(const CLI::App& app) {
     return out.str();
 }
 
-int generateDocs(const CLI::App& app, const std::string& version, int argc, char** argv) {
+int generateDocs(const CLI::App& app, const std::string& version, const ArgumentWords& words, int argc,
+                 char** argv) {
     const std::string_view request = argc > 1 ? argv[1] : "";
     std::string text;
     std::string out;
@@ -304,7 +329,7 @@ int generateDocs(const CLI::App& app, const std::string& version, int argc, char
         text = manPage(app, version, limits);
         out = argv[3];
     } else if (request == "--generate-bash-completion" && argc == 3) {
-        text = bashCompletion(app);
+        text = bashCompletion(app, words);
         out = argv[2];
     } else {
         return -1;

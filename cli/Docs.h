@@ -6,7 +6,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <map>
 #include <string>
+#include <vector>
 
 namespace cli {
 
@@ -22,14 +24,18 @@ std::string markdownToRoff(const std::string& markdown);
 /// overwriting cannot reach.
 std::string manPage(const CLI::App& app, const std::string& version, const std::string& limits);
 
-/// A bash completion script for `app`: commands at every level, their options, file names for
-/// arguments.
-std::string bashCompletion(const CLI::App& app);
+/// The fixed words a command's argument takes, by the command's path ("clean-item").
+using ArgumentWords = std::map<std::string, std::vector<std::string>>;
+
+/// A bash completion script for `app`: commands at every level, their options, the words of
+/// `words` for the arguments of the commands it names, file names for other arguments.
+std::string bashCompletion(const CLI::App& app, const ArgumentWords& words = {});
 
 /// The build's requests, answered before the command line is parsed:
 ///   --generate-manpage README OUT    writes the manual page (its limits section from README)
 ///   --generate-bash-completion OUT   writes the completion script
 /// Returns the exit code when `argv` is one of them (0 written, 2 not), else -1.
-int generateDocs(const CLI::App& app, const std::string& version, int argc, char** argv);
+int generateDocs(const CLI::App& app, const std::string& version, const ArgumentWords& words, int argc,
+                 char** argv);
 
 } // namespace cli

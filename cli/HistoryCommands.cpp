@@ -108,7 +108,7 @@ void addHistoryCommands(CLI::App& app, Context& ctx) {
         auto* cmd = history->add_subcommand("list", "Each entry as ADDRESS<TAB>TITLE<TAB>LAST VISITED (local time), in "
                                                     "the store's order");
         auto prefix = std::make_shared<std::string>();
-        cmd->add_option("--prefix", *prefix, "Only addresses that start with this text");
+        cmd->add_option("--prefix", *prefix, "Only addresses that start with TEXT")->type_name("TEXT");
         cmd->callback([&ctx, prefix] { list(ctx, *prefix); });
     }
     {

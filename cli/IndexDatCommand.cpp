@@ -45,7 +45,7 @@ void find(Context& ctx, std::string folder, const std::string& pattern) {
     std::int16_t dirs = 0;
     const std::string start = folder;
     try {
-        indexdat::FileSearch search(ctx.platform.fileSystem(), putLine);
+        indexdat::FileSearch search(ctx.platform.fileSystem(), putLine, &ctx.problems);
         const core::Currency total = search.FindFilesAPI(folder, pattern, files, dirs);
         putLine(indexdat::countsText(files, dirs));
         putLine(indexdat::totalText(total));
@@ -122,7 +122,7 @@ void addIndexDatCommand(CLI::App& app, Context& ctx) {
     auto opt = std::make_shared<Options>();
 
     auto* findCmd = group->add_subcommand(
-        "find", "List the files named like PATTERN in DIR and below, then the counts line (files/folders)\n"
+        "find", "List the files named like PATTERN in DIR and below, then the counts line (files/folders) "
                 "and the total size line");
     findCmd->add_option("DIR", opt->folder,
 #ifdef _WIN32
@@ -131,11 +131,12 @@ void addIndexDatCommand(CLI::App& app, Context& ctx) {
                         "Folder to search in (default: the Wine prefix's users folder, else the home folder)");
 #endif
     findCmd->add_option("--pattern", opt->pattern, "File name or wildcard pattern to find")
+        ->type_name("PATTERN")
         ->default_str(indexdat::DefaultPattern);
     findCmd->callback([&ctx, opt] { find(ctx, opt->folder, opt->pattern); });
 
     auto* reportCmd = group->add_subcommand(
-        "report", "Print the web addresses, file-transfer addresses and cookie entries recorded in FILEs,\n"
+        "report", "Print the web addresses, file-transfer addresses and cookie entries recorded in FILEs, "
                   "in file order, one a line");
     reportCmd->add_flag("-0,--null", opt->nul, "End each entry with a NUL byte instead of a newline");
     reportCmd->add_option("FILE", opt->files, "Record files to scan")->required();
@@ -146,7 +147,7 @@ void addIndexDatCommand(CLI::App& app, Context& ctx) {
     rawCmd->callback([&ctx, opt] { raw(ctx, opt->file); });
 
     auto* wipeCmd = group->add_subcommand(
-        "wipe", "Overwrite the activity recorded in FILEs: everything after the first 1024 bytes, 33 times;\n"
+        "wipe", "Overwrite the activity recorded in FILEs: everything after the first 1024 bytes, 33 times; "
                 "the file itself stays. Asks before each file");
     wipeCmd->add_flag("-y,--yes", opt->yes, "Do not ask; overwrite every FILE");
     wipeCmd->add_option("FILE", opt->files, "Record files to overwrite")->required();

@@ -53,8 +53,10 @@ void watchInterrupts() {
 #ifdef _WIN32
     ::SetConsoleCtrlHandler(onControl, TRUE);
 #else
-    std::signal(SIGINT, onSignal);
-    std::signal(SIGTERM, onSignal);
+    // A closed terminal or a logout (SIGHUP) and Ctrl-\ (SIGQUIT) end a command as surely as
+    // Ctrl-C does, and must leave nothing behind either.
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
+        std::signal(number, onSignal);
 #endif
 }
 

@@ -14,6 +14,7 @@
 #include <cstring>
 #include <streambuf>
 #else
+#include <sys/ioctl.h>
 #include <unistd.h>
 #endif
 
@@ -144,6 +145,14 @@ bool escapesWork(Stream stream) {
            ::SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
+std::size_t terminalColumns(Stream stream) {
+    CONSOLE_SCREEN_BUFFER_INFO info;
+    const HANDLE console = ::GetStdHandle(stream == Stream::Err ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE);
+    if (!isTerminal(stream) || !::GetConsoleScreenBufferInfo(console, &info))
+        return 0;
+    return static_cast<std::size_t>(info.srWindow.Right - info.srWindow.Left + 1);
+}
+
 #else
 
 std::vector<std::string> utf8Arguments(int argc, char** argv) {
@@ -159,6 +168,14 @@ bool isTerminal(Stream stream) {
 
 bool escapesWork(Stream stream) {
     return isTerminal(stream);
+}
+
+std::size_t terminalColumns(Stream stream) {
+    const int fd = stream == Stream::In ? STDIN_FILENO : stream == Stream::Out ? STDOUT_FILENO : STDERR_FILENO;
+    winsize size{};
+    if (!isTerminal(stream) || ::ioctl(fd, TIOCGWINSZ, &size) != 0)
+        return 0;
+    return size.ws_col;
 }
 
 #endif

@@ -5,6 +5,7 @@
 // progress bars, drawn only on a terminal, and one closing line per command saying what it
 // changed. --quiet silences both.
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,8 @@ bool isTerminal(Stream stream);
 /// Whether cursor-moving escape sequences work on the terminal behind `stream`; on Windows this
 /// switches the console into processing them, where the console can.
 bool escapesWork(Stream stream);
+/// The width in columns of the terminal behind `stream`, 0 when it is no terminal.
+std::size_t terminalColumns(Stream stream);
 /// Whether stderr is a terminal (a bar redrawn in place would garble a file or a pipe).
 bool stderrIsTerminal();
 /// The program's arguments as UTF-8, whatever the system's code page. On Windows they are read

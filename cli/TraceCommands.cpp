@@ -185,7 +185,7 @@ void addTraceCommands(CLI::App& app, Context& ctx) {
                          "typed URLs, the cookie folder's index.dat record files and the URL history");
         auto yes = std::make_shared<bool>(false);
         cmd->add_flag("--yes,-y", *yes, "Do not ask first");
-        cmd->footer("Only your own plain files that no program has open are touched; links, sockets, pipes and\n"
+        cmd->footer("Only your own plain files that no program has open are touched; links, sockets, pipes and "
                     "devices stay, and a temporary subfolder that still holds any of them stays whole.\n"
                     "A browser profile whose browser runs is left alone and named on stderr (exit code 1).\n"
                     "Ctrl-C stops: the file being overwritten is deleted, nothing further is touched.");
@@ -200,6 +200,7 @@ void addTraceCommands(CLI::App& app, Context& ctx) {
                                                     "typed URLs, the cookie folder's record files and the history");
         auto interval = std::make_shared<int>(2000);
         cmd->add_option("--interval", *interval, "Milliseconds between two looks at the process list")
+            ->type_name("MS")
             ->check(CLI::Range(10, 3'600'000))
             ->group(""); // the desktop program watches every 2000 ms; tests look more often
         cmd->footer("Runs until Ctrl-C; prints one line for each clean.");

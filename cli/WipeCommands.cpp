@@ -1,6 +1,6 @@
 // wipe-free-space, shred and shred-dir: the secure-deletion windows on the terminal. Questions are
 // asked on the terminal (or answered by --yes), a progress bar shows the pass, the bytes and the
-// rate, and Ctrl-C or SIGTERM stops the work at the next block: the free-space wipe's temporary file
+// rate, and Ctrl-C, SIGTERM, SIGHUP or SIGQUIT stops the work at the next block: the free-space wipe's temporary file
 // is removed, the file being shredded is cut and deleted, and files not reached are left alone.
 
 #include "cli/Commands.h"
@@ -118,6 +118,10 @@ void wipeFreeSpace(Context& ctx, const std::string& dir, bool removable) {
         ctx.exitCode = 2;
         return;
     }
+    if (!wipe.tempNameFree(folder.get(), dir)) {
+        ctx.exitCode = 1;
+        return;
+    }
     const core::Currency free = folder ? wipe.freeSpace(*folder) : core::Currency{};
     warnOfLimits(ctx, dir);
     if (!ctx.prompts.askYesNo(wipe::texts::confirmFreeSpace(dir, core::formatGrouped(free)), core::MessageTitle,
@@ -133,6 +137,8 @@ void wipeFreeSpace(Context& ctx, const std::string& dir, bool removable) {
         view.finish();
         if (outcome == wipe::FreeSpaceWipe::Outcome::Exited)
             reportInterrupted(ctx, "the temporary file was removed");
+        else if (outcome == wipe::FreeSpaceWipe::Outcome::Refused)
+            ctx.exitCode = 1;
     } catch (const wipe::FileError& e) {
         view.finish();
         std::cerr << "scourmill-cli: " << e.source() << " error " << e.number() << ": " << e.description() << "\n";
@@ -204,12 +210,14 @@ void addWipeCommands(CLI::App& app, Context& ctx) {
         cmd->add_flag("--removable", *removable,
                       "The drive is removable (USB stick, card): small increments; refused on fixed drives");
 #ifdef _WIN32
-        cmd->footer("Ctrl-C stops after the current increment and removes the temporary file.\n"
-                    "Overwriting cannot reach SSD spare blocks, Volume Shadow Copies and System Restore\n"
+        cmd->footer("Ctrl-C stops after the current increment and removes the temporary file. A file of "
+                    "that name that is kept makes the wipe refuse.\n"
+                    "Overwriting cannot reach SSD spare blocks, Volume Shadow Copies and System Restore "
                     "points, or the NTFS log: see the README.");
 #else
-        cmd->footer("Ctrl-C stops after the current increment and removes the temporary file.\n"
-                    "Overwriting cannot reach copy-on-write or journaled copies, SSD spare blocks, or the\n"
+        cmd->footer("Ctrl-C, SIGTERM, SIGHUP or SIGQUIT stops after the current increment and removes the "
+                    "temporary file. A file of that name that is kept makes the wipe refuse.\n"
+                    "Overwriting cannot reach copy-on-write or journaled copies, SSD spare blocks, or the "
                     "blocks reserved for root when run as a user: see the README.");
 #endif
         ctx.summary.changes(cmd);
@@ -242,7 +250,7 @@ void addWipeCommands(CLI::App& app, Context& ctx) {
         cmd->add_option("DIR", *dir, "The folder to destroy")->required();
         cmd->add_flag("--yes,-y", *yes, "Do not ask for confirmation");
         cmd->add_flag("--verify", *verify, VerifyHelp);
-        cmd->footer("Files in subfolders are deleted without being overwritten. Links are removed, never\n"
+        cmd->footer("Files in subfolders are deleted without being overwritten. Links are removed, never "
                     "followed, and nothing on another filesystem mounted below DIR is touched.");
         ctx.summary.changes(cmd);
         cmd->callback([&ctx, dir, yes, verify] {

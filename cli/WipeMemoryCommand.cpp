@@ -19,7 +19,7 @@ namespace {
 
 class TerminalMemoryWipeView final : public memory::MemoryWipeView {
 public:
-    explicit TerminalMemoryWipeView(std::int32_t size) : m_size(size) {}
+    void setSize(std::int32_t size) { m_size = size; }
 
     void passDone(int pass) override {
         const double perPass = static_cast<double>(memory::MemoryWipe::BytesPerCharacter) * (m_size > 0 ? m_size : 0);
@@ -33,7 +33,7 @@ public:
     void finish() { m_bar.finish(); }
 
 private:
-    std::int32_t m_size;
+    std::int32_t m_size = 0;
     double m_filled = 0;
     ProgressBar m_bar;
 };
@@ -46,9 +46,13 @@ struct Options {
 };
 
 void wipeMemory(Context& ctx, const Options& options) {
+    TerminalMemoryWipeView view;
+    memory::MemoryWipe wipe(ctx.platform, view);
+    if (options.keepFreeMiB > 0)
+        wipe.setFloor(options.keepFreeMiB << 20);
     std::int32_t size = 0;
     if (!options.sizeGiven) {
-        size = memory::suggestedSize(memory::readMemoryStatus(ctx.platform.memoryStatus()).ullTotalPageFile);
+        size = memory::suggestedSize(wipe.suggestedArraySize());
     } else {
         const auto parsed = memory::parseArraySize(options.size);
         if (!parsed || *parsed < 0)
@@ -64,10 +68,7 @@ void wipeMemory(Context& ctx, const Options& options) {
     }
     watchInterrupts(); // only now: at the question Ctrl-C simply ends the program
 
-    TerminalMemoryWipeView view(size);
-    memory::MemoryWipe wipe(ctx.platform, view);
-    if (options.keepFreeMiB > 0)
-        wipe.setFloor(options.keepFreeMiB << 20);
+    view.setSize(size);
     const memory::WipeResult result = wipe.WipeMemory(size);
     view.finish();
     ctx.summary.note(ProgressBar::humanBytes(view.filled()) + " of memory filled");
@@ -75,7 +76,7 @@ void wipeMemory(Context& ctx, const Options& options) {
     case memory::WipeEnd::Completed:
         return;
     case memory::WipeEnd::FloorReached:
-        std::cerr << "scourmill-cli: " << memory::texts::stoppedAtFloor(result.lastPass, result.floor) << "\n";
+        std::cerr << "scourmill-cli: " << memory::texts::stoppedAtFloor(result.lastPass, result.floor, result.groupLimit) << "\n";
         break;
     case memory::WipeEnd::OutOfMemory:
         std::cerr << "scourmill-cli: " << memory::texts::stoppedOutOfMemory(result.lastPass) << "\n";
@@ -96,16 +97,20 @@ void addWipeMemoryCommand(CLI::App& app, Context& ctx) {
     auto options = std::make_shared<Options>();
     auto* size = cmd->add_option("--size", options->size,
                     "Millions of characters a string (2 bytes each, 21 strings; a fraction is allowed). "
-                    "Default: the suggested size, the commit limit / 83.33333333 characters");
+                    "Default: the suggested size, the commit limit / 83.33333333 characters, or inside a "
+                    "memory-limited group (a container, a slice) what the group leaves above the floor")
+                     ->type_name("MILLIONS");
     cmd->add_flag("--yes,-y", options->yes, "Do not ask before starting");
     cmd->add_option("--keep-free", options->keepFreeMiB,
-                    "MiB of memory (RAM and swap) to leave to the rest of the system: the run stops before "
-                    "taking more (default: a 16th of the RAM; never less than 256)");
+                    "MiB of memory to keep: left to the rest of the system (RAM and swap), or inside a "
+                    "memory-limited group, below the group's limit; the run stops before taking more "
+                    "(default: a 16th of the RAM or of the group's limit; never less than 256)")
+        ->type_name("MIB");
 #ifdef _WIN32
     cmd->footer("Ctrl-C stops at the next pass; the memory is given back at once.");
 #else
-    cmd->footer("While it runs, this process is the first the system ends should memory run out, so no\n"
-                "other program can pay for the wipe. Ctrl-C stops at the next pass; the memory is given\n"
+    cmd->footer("While it runs, this process is the first the system ends should memory run out, so no "
+                "other program can pay for the wipe. Ctrl-C stops at the next pass; the memory is given "
                 "back at once.");
 #endif
     ctx.summary.changes(cmd);

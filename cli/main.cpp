@@ -1,12 +1,15 @@
 // scourmill-cli: every command of the desktop program, for the terminal and for scripts.
 // Exit codes: 0 done, 1 some items could not be processed (named on stderr), 2 usage error.
 
+#include "cleaning/CleanIT.h"
 #include "cli/Commands.h"
 #include "cli/Context.h"
 #include "cli/CountingPlatform.h"
 #include "cli/Docs.h"
+#include "cli/Help.h"
 #include "cli/Terminal.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include <string>
@@ -26,9 +29,12 @@ int main(int argc, char** argv) {
     pointers.push_back(nullptr);
     argc = static_cast<int>(arguments.size());
     argv = pointers.data();
-    CLI::App app{"Tavi Scourmill command line: erases what the browser and common programs leave behind,\n"
+    CLI::App app{"Tavi Scourmill command line: erases what the browser and common programs leave behind, "
                  "overwrites files, folders, free space and memory, and inspects index.dat record files.",
                  "scourmill-cli"};
+    // Help fits the terminal; into a file or a pipe it is kept to 80 columns.
+    const std::size_t columns = cli::terminalColumns(cli::Stream::Out);
+    app.formatter(std::make_shared<cli::HelpFormatter>(columns >= 40 ? columns : 80));
     app.set_version_flag("--version", "scourmill-cli " SCOURMILL_VERSION);
     app.require_subcommand(1);
     app.fallthrough();
@@ -54,9 +60,16 @@ int main(int argc, char** argv) {
     cli::addHistoryCommands(app, ctx);
 
     // At build time: the manual page and the completion, from the definitions just made.
-    if (const int generated = cli::generateDocs(app, SCOURMILL_VERSION, argc, argv); generated >= 0)
+    if (const int generated = cli::generateDocs(app, SCOURMILL_VERSION, {{"clean-item", cleaning::ChooserItems}}, argc, argv); generated >= 0)
         return generated;
 
+    // CLI11 would only say that a command is required, or list the words it did not expect: name
+    // the one it did not know, and what was probably meant.
+    if (const std::string unknown = cli::unknownUse(app, {argv + std::min(argc, 1), argv + argc});
+        !unknown.empty()) {
+        std::cerr << "scourmill-cli: " << unknown << "\nRun with --help for more information.\n";
+        return 2;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& e) {

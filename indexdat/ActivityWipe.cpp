@@ -41,20 +41,28 @@ public:
     Pass writePass(int pass, wipe::PassWriter& out) override {
         const auto& block = m_passes[static_cast<std::size_t>((pass - 1) % PassesPerRound)];
         const double steps = static_cast<double>(Rounds) * PassesPerRound * static_cast<double>(m_blocks);
+        const double before = static_cast<double>(pass - 1) * static_cast<double>(m_blocks);
         for (std::int64_t k = 1; k <= m_blocks; ++k) {
-            if (!out.write(BlockSize * static_cast<std::uint64_t>(k), block.data(), block.size()))
+            // A block lying wholly in a hole of a sparse file is passed over: nothing is there.
+            const std::uint64_t at = BlockSize * static_cast<std::uint64_t>(k);
+            const std::uint64_t next = out.nextData(at);
+            if (next >= at + block.size()) {
+                k = std::max(k, static_cast<std::int64_t>(next / BlockSize)) - 1;
+                continue;
+            }
+            if (!out.write(at, block.data(), block.size()))
                 return Pass::Failed;
-            if (!m_progress(++m_done / steps))
+            if (!m_progress((before + static_cast<double>(k)) / steps))
                 return Pass::Stopped;
         }
-        return Pass::Written;
+        return m_progress(static_cast<double>(pass) * static_cast<double>(m_blocks) / steps) ? Pass::Written
+                                                                                            : Pass::Stopped;
     }
 
 private:
     std::int64_t m_blocks;
     const WipeProgress& m_progress;
     std::array<std::vector<unsigned char>, PassesPerRound> m_passes;
-    double m_done = 0;
 };
 
 } // namespace

@@ -2,11 +2,13 @@
 // The search for record files: every entry whose name matches a pattern in a folder and in all
 // folders below it, depth first, a folder's own matches before those of its subfolders, each folder
 // in the order the system lists it; nothing is sorted. Links are never followed: a link to a folder
-// is not a folder here, so a loop in the tree cannot make the search run forever. The counters are
+// is not a folder here, so a loop in the tree cannot make the search run forever. Folders are
+// entered through their open parents, so neither depth nor path length ends the search. The counters are
 // 16-bit and the total is shown in 32 bits, as the window always kept them; passing either limit
 // ends the search with SearchOverflow.
 
 #include "core/Currency.h"
+#include "core/ProblemSink.h"
 
 #include <cstdint>
 #include <functional>
@@ -46,20 +48,25 @@ public:
     /// Receives the full path of each match, in search order.
     using Found = std::function<void(const std::string& path)>;
 
-    FileSearch(platform::FileSystem& files, Found found);
+    /// A search over `files` reporting matches to `found` and each folder it could not enter
+    /// (or list) to `problems`, when given.
+    FileSearch(platform::FileSystem& files, Found found, core::ProblemSink* problems = nullptr);
 
     /// Searches `path` and every folder below it for entries matching `SearchStr` (the platform's
     /// wildcard rules; empty finds nothing), files and folders alike. Appends a separator to `path`
     /// when it has none. Adds each match to `FileCount` and reports it, each folder found (links
     /// aside) to `DirCount`, and returns the summed sizeContribution() of the matches. Folders that
-    /// cannot be listed contribute nothing. Throws SearchOverflow when a counter would pass 32,767;
-    /// matches reported until then stay reported.
+    /// cannot be entered or listed contribute nothing and are named to the problem sink. Throws
+    /// SearchOverflow when a counter would pass 32,767; matches reported until then stay reported.
     core::Currency FindFilesAPI(std::string& path, const std::string& SearchStr, std::int16_t& FileCount,
                                 std::int16_t& DirCount);
 
 private:
+    void notEntered(const std::string& path);
+
     platform::FileSystem& m_files;
     Found m_found;
+    core::ProblemSink* m_problems;
     char m_separator;
 };
 

@@ -34,7 +34,8 @@ void IndexManager::search() {
     std::int16_t files = 0;
     std::int16_t dirs = 0;
     try {
-        FileSearch finder(m_platform.fileSystem(), [this](const std::string& path) { m_view.addFile(path); });
+        FileSearch finder(
+            m_platform.fileSystem(), [this](const std::string& path) { m_view.addFile(path); }, m_problems);
         const core::Currency total = finder.FindFilesAPI(folder, pattern, files, dirs);
         m_view.setCountsText(countsText(files, dirs));
         m_view.setTotalText(totalText(total));

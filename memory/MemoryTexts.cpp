@@ -37,7 +37,10 @@ std::string confirmWipe(std::int32_t size) {
            "Other programs may be slow afterwards.";
 }
 
-std::string stoppedAtFloor(int lastPass, std::uint64_t floor) {
+std::string stoppedAtFloor(int lastPass, std::uint64_t floor, bool groupLimit) {
+    if (groupLimit)
+        return "stopped " + where(lastPass) + ": going on would bring this process's memory group (its container or "
+               "slice) within " + mebibytes(floor) + " of the group's limit; the memory was given back";
     return "stopped " + where(lastPass) + ": going on would leave less than " + mebibytes(floor) +
            " of memory (RAM and swap) to the rest of the system; the memory was given back";
 }

@@ -16,7 +16,9 @@ inline const std::string SuggestedPrefix = "Suggested Array Size   ";
 std::string confirmWipe(std::int32_t size);
 /// How the command line explains a run that ended before its last pass; `lastPass` -1 when none
 /// was completed.
-std::string stoppedAtFloor(int lastPass, std::uint64_t floor);
+/// `groupLimit`: the floor was kept below the limit of this process's memory group, not below
+/// what the machine has.
+std::string stoppedAtFloor(int lastPass, std::uint64_t floor, bool groupLimit);
 std::string stoppedOutOfMemory(int lastPass);
 std::string stoppedInterrupted(int lastPass);
 

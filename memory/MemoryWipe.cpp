@@ -1,6 +1,7 @@
 #include "memory/MemoryWipe.h"
 
 #include "core/NumberFormat.h"
+#include "memory/BlankString.h"
 #include "core/Rounding.h"
 #include "memory/MemoryFigures.h"
 #include "memory/MemoryTexts.h"
@@ -59,15 +60,33 @@ MemoryWipe::Room MemoryWipe::room() const {
     const auto figures = readMemoryStatus(m_platform.memoryStatus());
     Room r{figures.ullAvailPageFile, figures.ullTotalPhys};
     if (const auto limit = m_platform.memoryStatus().limit()) {
+        r.group = limit->headroom < r.available || limit->limit < r.total;
         r.available = std::min(r.available, limit->headroom);
         r.total = std::min(r.total, limit->limit);
     }
     return r;
 }
 
+bool MemoryWipe::groupLimited() const {
+    return room().group;
+}
+
+double MemoryWipe::suggestedArraySize() const {
+    const double machine = memory::suggestedArraySize(readMemoryStatus(m_platform.memoryStatus()).ullTotalPageFile);
+    const Room r = room();
+    if (!r.group)
+        return machine;
+    const std::uint64_t floor = m_floor ? *m_floor : defaultFloor(r.total);
+    // A 32nd of the room is left to what the run needs besides its strings (page tables, the
+    // allocator's own), which the group counts too.
+    const std::uint64_t above = r.available > floor ? (r.available - floor) / 32 * 31 : 0;
+    return std::min(machine, std::floor(static_cast<double>(above / ((Passes + 1) * BytesPerCharacter))));
+}
+
 bool MemoryWipe::roomFor(std::uint64_t bytes, WipeResult& result) {
     const Room r = room();
     result.floor = m_floor ? *m_floor : defaultFloor(r.total);
+    result.groupLimit = r.group;
     return r.available >= result.floor && r.available - result.floor >= bytes;
 }
 
@@ -75,7 +94,7 @@ WipeResult MemoryWipe::WipeMemory(std::int32_t size) {
     WipeResult result;
     const FirstToGo guard(m_platform.virtualMemory());
     // Declared after the guard, so all 21 strings are freed before the score goes back.
-    std::array<std::u16string, Passes> strings;
+    std::array<BlankString, Passes> strings;
     const std::uint64_t bytes = size > 0 ? static_cast<std::uint64_t>(size) * BytesPerCharacter : 0;
 
     const int step = static_cast<int>(core::roundHalfEven(static_cast<double>(TrackEnd - TrackStart) / StepsOnTrack));
@@ -100,7 +119,8 @@ WipeResult MemoryWipe::WipeMemory(std::int32_t size) {
                 if (size < 0)
                     throw std::length_error("negative size");
                 // Every character is written, so every page is really taken from the system.
-                strings.at(static_cast<std::size_t>(pass)) = std::u16string(static_cast<std::size_t>(size), u' ');
+                strings.at(static_cast<std::size_t>(pass)) =
+                    BlankString(m_platform.virtualMemory(), static_cast<std::size_t>(size));
             } catch (const std::bad_alloc&) {
                 result.end = WipeEnd::OutOfMemory;
                 return result;
@@ -125,12 +145,12 @@ double suggestedArraySize(std::uint64_t totalPageFile) {
     return LargeIntToCurrency(totalPageFile).toDouble() / 83.33333333;
 }
 
-std::string suggestedSizeCaption(std::uint64_t totalPageFile) {
-    return texts::SuggestedPrefix + core::formatGrouped(suggestedArraySize(totalPageFile));
+std::string suggestedSizeCaption(double characters) {
+    return texts::SuggestedPrefix + core::formatGrouped(characters);
 }
 
-std::int32_t suggestedSize(std::uint64_t totalPageFile) {
-    const double size = suggestedArraySize(totalPageFile);
+std::int32_t suggestedSize(double characters) {
+    const double size = characters;
     constexpr auto Largest = std::numeric_limits<std::int32_t>::max();
     if (!(size < static_cast<double>(Largest)))
         return Largest;

@@ -52,6 +52,7 @@ struct WipeResult {
     WipeEnd end = WipeEnd::Completed;
     int lastPass = -1;               ///< the last pass completed (0 to 20), -1 when none
     std::uint64_t floor = 0;         ///< the floor the run last checked against, in bytes (0: none)
+    bool groupLimit = false;         ///< that check was against the limit of this process's group
 };
 
 class MemoryWipe {
@@ -77,6 +78,14 @@ public:
     /// memory while the wipe holds the rest.
     static std::uint64_t defaultFloor(std::uint64_t totalPhysical);
 
+    /// The suggested number of characters a string: the machine's figure (suggestedArraySize of
+    /// its commit limit) or, where the limit on this process's memory is the tighter, what 22
+    /// strings (the 21 held and the one being made) take of the room it leaves above the floor,
+    /// so that the suggested run ends inside its group instead of stopping early.
+    double suggestedArraySize() const;
+    /// Whether the limit on this process's memory (its group), not the machine, binds the run.
+    bool groupLimited() const;
+
     /// The wipe with strings of `size` characters: 21 passes, each making its string three times in
     /// a row, all 21 freed together at the end (or when the run stops early). A negative size is
     /// refused like an allocation. The out-of-memory score is raised for the run and put back.
@@ -91,6 +100,7 @@ private:
     struct Room {
         std::uint64_t available = 0;
         std::uint64_t total = 0;
+        bool group = false; ///< the figures are the group's
     };
     Room room() const;
 
@@ -99,13 +109,13 @@ private:
     std::optional<std::uint64_t> m_floor;
 };
 
-/// The suggested number of characters a string: the commit limit (physical memory plus paging
-/// file, in bytes) divided by 83.33333333.
+/// The machine's suggested number of characters a string: the commit limit (physical memory plus
+/// paging file, in bytes) divided by 83.33333333.
 double suggestedArraySize(std::uint64_t totalPageFile);
-/// Label2's caption: "Suggested Array Size   25,769,804" for 2147483648 bytes.
-std::string suggestedSizeCaption(std::uint64_t totalPageFile);
-/// The suggested size as a whole number of characters, at most the largest 32-bit size.
-std::int32_t suggestedSize(std::uint64_t totalPageFile);
+/// Label2's caption for a suggested number of characters: "Suggested Array Size   25,769,804".
+std::string suggestedSizeCaption(double characters);
+/// A suggested number of characters as a size, at most the largest 32-bit size.
+std::int32_t suggestedSize(double characters);
 
 /// The size entry (millions of characters, a fraction allowed, blanks around it ignored) as
 /// characters, rounded half to even; none when it is not a number or does not fit in 32 bits.

@@ -49,6 +49,9 @@ public:
     /// Free and total bytes of the filesystem the open folder `folder` lies on, asked of the open
     /// folder itself as typeOf() is; false on failure.
     virtual bool spaceOf(const Folder& folder, DiskSpace& out) { return space(folder.path(), out); }
+    /// The name of the filesystem that decides typeOf(`folder`) ("ext4", "fuse.rclone", for an
+    /// overlay its upper layer's), for saying why a drive is refused; empty when unknown.
+    virtual std::string fileSystemOf(const Folder& folder) { return storage(folder.path()).fileSystem; }
     /// The storage facts of the filesystem `path` leads to; all false when unknown.
     virtual Storage storage(const std::string& path) = 0;
     /// Whether `path` names an existing folder (PathIsDirectoryA); false when no medium is present.

@@ -32,14 +32,36 @@ public:
     /// order the system enumerates them, "." and ".." left out; `visit` returns false to stop.
     /// False when the folder cannot be listed.
     virtual bool list(const std::function<bool(const FileInfo&)>& visit) = 0;
+    /// Calls `visit` with the name and kind of each entry as the listing alone tells them (see
+    /// FileSystem::names), in the order the system enumerates them, "." and ".." left out, asking
+    /// about no entry where the system's listing says what it is; `visit` returns false to stop.
+    /// False when the folder cannot be listed.
+    virtual bool names(const std::function<bool(const std::string& name, EntryKind kind)>& visit) {
+        return list([&](const FileInfo& fi) {
+            return visit(fi.name, fi.isLink()        ? EntryKind::Link
+                                  : fi.isDirectory() ? EntryKind::Directory
+                                  : fi.isRegular     ? EntryKind::File
+                                                     : EntryKind::Other);
+        });
+    }
     /// Facts about the entry `name` itself; empty when there is none.
     virtual std::optional<FileInfo> entry(const std::string& name) = 0;
     /// Opens the subfolder `name`; null when it is not a folder (a link to one included).
     virtual std::unique_ptr<Folder> openFolder(const std::string& name) = 0;
+    /// What openFile does about the name being taken or free.
+    enum class Create {
+        Never,     ///< only a file that is there
+        IfMissing, ///< the file that is there, else a new one
+        Exclusive, ///< only a new file: fails (EEXIST, ERROR_FILE_EXISTS) when anything has the name
+    };
     /// Opens the plain file `name` as RawFiles::open does (read-write, exclusively, never through a
-    /// link, never a file with other hard links), created when missing only if `create`. Null on
-    /// failure, with RawFiles::lastError() set.
-    virtual std::unique_ptr<RawFile> openFile(const std::string& name, bool create) = 0;
+    /// link, never a file with other hard links), creating it as `create` says. Null on failure,
+    /// with RawFiles::lastError() set.
+    virtual std::unique_ptr<RawFile> openFile(const std::string& name, Create create) = 0;
+    /// The same, created when missing only if `create`.
+    std::unique_ptr<RawFile> openFile(const std::string& name, bool create) {
+        return openFile(name, create ? Create::IfMissing : Create::Never);
+    }
     /// Opens the existing plain file `name` to be written over: never through a link, never a file
     /// with other hard links, a mount point or anything but a plain file, and never one that some
     /// process has open or mapped (a loop device's backing file included). The checks are made on
@@ -48,6 +70,10 @@ public:
     /// EMLINK other names, EBUSY in use, EXDEV a mount point, EINVAL not a plain file (the Windows
     /// codes of the same meaning there).
     virtual std::unique_ptr<RawFile> openForOverwrite(const std::string& name);
+    /// Whether the entry `name` is open or mapped in some process, or backs a loop device, judged
+    /// by which file it is (never by a path's text, which may be too long for the system to take).
+    /// Where an exclusive open refuses a file in use by itself (Windows), false.
+    virtual bool isInUse(const std::string& /*name*/) { return false; }
     /// Deletes the file or link `name` (never a link's target). True when it is gone, also when it
     /// already was.
     virtual bool removeFile(const std::string& name) = 0;

@@ -178,13 +178,21 @@ public:
     bool list(const std::function<bool(const FileInfo&)>& visit) override { return m_files.list(m_path, "*", visit); }
     std::optional<FileInfo> entry(const std::string& name) override { return m_files.info(full(name)); }
     std::unique_ptr<Folder> openFolder(const std::string& name) override { return m_files.openFolder(full(name)); }
-    std::unique_ptr<RawFile> openFile(const std::string& name, bool create) override {
-        if (!create && !entry(name)) {
-            m_files.raw().setLastError(2); // no such file, as the real call says
+    using Folder::openFile;
+    std::unique_ptr<RawFile> openFile(const std::string& name, Create create) override {
+        const bool there = entry(name).has_value();
+        if ((create == Create::Never && !there) || (create == Create::Exclusive && there)) {
+#ifdef _WIN32
+            constexpr int Taken = 80; // ERROR_FILE_EXISTS
+#else
+            constexpr int Taken = 17; // EEXIST
+#endif
+            m_files.raw().setLastError(there ? Taken : 2); // as the real call says
             return nullptr;
         }
         return m_files.raw().open(full(name));
     }
+    bool isInUse(const std::string& name) override { return m_files.isInUse(full(name)); }
     bool removeFile(const std::string& name) override { return m_files.removeFile(full(name)); }
     bool removeFolder(const std::string& name) override { return m_files.removeDirectory(full(name)); }
     bool makeNormal(const std::string& name) override { return m_files.makeNormal(full(name)); }

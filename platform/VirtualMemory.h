@@ -13,6 +13,9 @@ public:
 
     /// Commits a zero-filled read-write block of `size` bytes; null on failure.
     virtual void* commit(std::size_t size) = 0;
+    /// The same, for a large block that is written whole at once: where the system can, in large
+    /// pages, so that filling it costs one page fault in hundreds. Given back by release().
+    virtual void* commitLarge(std::size_t size) { return commit(size); }
     /// Keeps the pages of the range in physical memory.
     virtual bool lock(void* address, std::size_t size) = 0;
     virtual bool unlock(void* address, std::size_t size) = 0;

@@ -1,22 +1,32 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build and the tests need, only those that are missing.
+# Installs the Debian packages that are missing, only those:
+#   scripts/deps.sh run     what building and running the programs need
+#   scripts/deps.sh test    that, plus what the tests, the Windows cross build, the sanitizer build,
+#                           the package check and the benchmarks need
 # Needs root (apt-get); quick when everything is in place.
 set -euo pipefail
 
-packages=(
+run=(
     build-essential cmake ninja-build ccache pkg-config
-    qt6-base-dev qt6-base-dev-tools libgl-dev
-    libcli11-dev libgtest-dev libgmock-dev libbenchmark-dev
-    libsqlite3-dev sqlite3 libglib2.0-dev
-    g++-mingw-w64-x86-64-posix googletest wine wine64
+    qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libgl-dev
+    libcli11-dev libsqlite3-dev libglib2.0-dev
+    librsvg2-bin fonts-liberation
+)
+test=(
+    libgtest-dev libgmock-dev googletest libbenchmark-dev
+    g++-mingw-w64-x86-64-posix wine wine64
     clang-14 libclang-rt-14-dev llvm-14
     xvfb xauth dbus-daemon
     e2fsprogs xfsprogs btrfs-progs util-linux mount
-    coreutils secure-delete libmsiecf-utils
-    bc
-    fonts-liberation
-    librsvg2-bin desktop-file-utils appstream groff-base man-db dpkg-dev qt6-qpa-plugins
+    coreutils secure-delete libmsiecf-utils sqlite3 bc
+    desktop-file-utils appstream groff-base man-db dpkg-dev
 )
+
+case "${1:-}" in
+    run) packages=("${run[@]}") ;;
+    test) packages=("${run[@]}" "${test[@]}") ;;
+    *) echo "usage: $0 run|test" >&2; exit 2 ;;
+esac
 
 missing=()
 for p in "${packages[@]}"; do

@@ -12,6 +12,24 @@ deb=$(ls -t build/scourmill_*.deb | head -n 1)
 echo "built $deb"
 dpkg-deb -f "$deb" Depends
 
+# The control fields a user reads with apt show: every one there, and the description as Debian
+# lays it out (a synopsis line, then lines that start with one space and hold no stray list ";",
+# none of them repeating the synopsis).
+for field in Package Version Architecture Maintainer Section Depends Description; do
+    [ -n "$(dpkg-deb -f "$deb" "$field")" ] || { echo "no $field in the control file of $deb" >&2; exit 1; }
+done
+description=$(dpkg-deb -f "$deb" Description)
+synopsis=$(head -n 1 <<<"$description")
+if [ "${#synopsis}" -gt 80 ] || tail -n +2 <<<"$description" | grep -qv '^ [^ ;]' ||
+    tail -n +2 <<<"$description" | grep -qxF " $synopsis"; then
+    echo "the description of $deb is not laid out as Debian's: $description" >&2
+    exit 1
+fi
+contents=$(dpkg-deb -c "$deb")
+for file in copyright what-overwriting-cannot-reach.md; do
+    grep -q "/usr/share/doc/scourmill/$file$" <<<"$contents" || { echo "$deb has no /usr/share/doc/scourmill/$file" >&2; exit 1; }
+done
+
 if dpkg-query -W -f='${Status}' scourmill 2>/dev/null | grep -q '^install ok installed$'; then
     echo "scourmill is installed on this machine already: not installing the package over it"
     exit 0
@@ -20,6 +38,10 @@ dpkg -i "$deb" >/dev/null
 trap 'dpkg -r scourmill >/dev/null' EXIT
 
 /usr/bin/scourmill-cli --version
+# Help and version need no display.
+env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM /usr/bin/scourmill --version
+env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM /usr/bin/scourmill --help >/dev/null
+grep -q "Copy-on-write filesystems" /usr/share/doc/scourmill/what-overwriting-cannot-reach.md
 
 # This machine has the build's libraries installed, so dpkg -i succeeding proves little about a
 # fresh one: every library the installed programs load must belong to a package the Depends line

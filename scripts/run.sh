@@ -2,7 +2,7 @@
 # Installs what is missing, builds, and starts Tavi Scourmill. Arguments go to the program.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/deps.sh
+scripts/deps.sh run
 scripts/configure.sh
 cmake --build build --parallel 2 --target scourmill scourmill-cli
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ] && [ -z "${QT_QPA_PLATFORM:-}" ] && [ $# -eq 0 ]; then

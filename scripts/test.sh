@@ -6,7 +6,7 @@
 # readers of outside input (scripts/sanitize.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/deps.sh
+scripts/deps.sh test
 
 echo "== Windows cross build of the core libraries, the command line and their tests"
 cmake -S . -B build-mingw -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake \

@@ -47,6 +47,13 @@ public:
         return true;
     }
 
+    std::uint64_t nextData(std::uint64_t offset) const override {
+        for (const auto& [start, size] : m_data)
+            if (offset < start + size)
+                return std::max(offset, start);
+        return std::max(offset, m_length);
+    }
+
     void startFlush(std::uint64_t offset, std::uint64_t length) override {
         m_file.startFlush(static_cast<std::int64_t>(offset), static_cast<std::int64_t>(length));
     }
@@ -420,7 +427,7 @@ bool Engine::removeEmptyFolder(Folder& parent, const std::string& name) {
     return v.removed;
 }
 
-bool Engine::removeTree(Folder& parent, const std::string& name) {
+bool Engine::removeTree(Folder& parent, const std::string& name, const std::function<bool(const FileInfo&)>& keep) {
     const std::string refusal = treeRefusal(parent, name);
     if (!refusal.empty()) {
         report(core::Verdict::left(join(parent.path(), name), refusal, true));
@@ -433,14 +440,14 @@ bool Engine::removeTree(Folder& parent, const std::string& name) {
         report(core::Verdict::left(join(parent.path(), name), "cannot be opened", true));
         return false;
     }
-    const bool emptied = removeBelow(*dir);
+    const bool emptied = removeBelow(*dir, keep);
     dir.reset();
     if (!emptied)
         return false; // what stays was named; the folders holding it stay with it
     return removeEmptyFolder(parent, name);
 }
 
-bool Engine::removeBelow(Folder& dir) {
+bool Engine::removeBelow(Folder& dir, const std::function<bool(const FileInfo&)>& keep) {
     std::vector<FileInfo> entries;
     // Collected first: removing entries while the folder is being read may skip some.
     if (!dir.list([&](const FileInfo& fi) {
@@ -456,7 +463,9 @@ bool Engine::removeBelow(Folder& dir) {
             report(core::Verdict::left(join(dir.path(), entry.name), "is a mount point; left in place", entry.isDirectory()));
             all = false;
         } else if (entry.isDirectory() && !entry.isLink()) {
-            all = removeTree(dir, entry.name) && all;
+            all = removeTree(dir, entry.name, keep) && all;
+        } else if (keep && keep(entry)) {
+            all = false; // already named by whoever keeps it
         } else {
             all = remove(dir, entry.name).removed && all;
         }

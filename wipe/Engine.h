@@ -25,6 +25,7 @@
 #include "platform/Platform.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -42,6 +43,9 @@ public:
     /// Writes `count` bytes at `offset` (the parts inside a hole of the file are skipped). False
     /// when the write failed: the pass has failed.
     virtual bool write(std::uint64_t offset, const void* data, std::size_t count) = 0;
+    /// The first offset at or after `offset` that holds data (or lies past the file's first length):
+    /// a scheme that writes many small blocks skips a sparse file's holes with it.
+    virtual std::uint64_t nextData(std::uint64_t offset) const = 0;
     /// The bytes from `offset` on are final for this pass: their way to the device may start now.
     virtual void startFlush(std::uint64_t offset, std::uint64_t length) = 0;
 
@@ -103,8 +107,10 @@ public:
     /// point); empty when it may. Asked before anything is done to it.
     std::string treeRefusal(platform::Folder& parent, const std::string& name);
     /// Removes the folder `name` of `parent` with everything below it, on its own mount only,
-    /// following no link. True when it is gone; every item left is named.
-    bool removeTree(platform::Folder& parent, const std::string& name);
+    /// following no link. Files `keep` says yes to stay (their folders with them): what an
+    /// overwrite before left alone. True when it is gone; every item left is named.
+    bool removeTree(platform::Folder& parent, const std::string& name,
+                    const std::function<bool(const platform::FileInfo&)>& keep = {});
     /// Cuts and removes a file of the program's own (the free-space wipe's temporary file) while
     /// `name` still means the file `expected`. No user's item: only a failure is told.
     bool removeOwnFile(platform::Folder& folder, const std::string& name, const platform::FileInfo& expected);
@@ -117,7 +123,7 @@ public:
     void report(const core::Verdict& verdict);
 
 private:
-    bool removeBelow(platform::Folder& dir);
+    bool removeBelow(platform::Folder& dir, const std::function<bool(const platform::FileInfo&)>& keep);
     bool cutAndDelete(platform::Folder& folder, const std::string& name, platform::RawFile& file,
                       const platform::FileInfo& held);
     core::Verdict verify(platform::RawFile& file, const std::vector<std::pair<std::uint64_t, std::uint64_t>>& ranges,

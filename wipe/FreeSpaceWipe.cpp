@@ -78,6 +78,15 @@ bool FreeSpaceWipe::accepts(const std::string& dir, const platform::Folder* fold
     // Without an open folder the path only chooses the message: nothing is written then, and a
     // removable drive whose folder cannot be opened has no medium in it.
     const platform::DriveType type = folder ? drives.typeOf(*folder) : drives.type(dir);
+    if (folder && type != platform::DriveType::Fixed && type != platform::DriveType::Removable &&
+        type != platform::DriveType::NoRootDir) {
+        // Neither kind of drive: the filesystem's type says more than the drive kind asked for.
+        const std::string fileSystem = drives.fileSystemOf(*folder);
+        if (!fileSystem.empty()) {
+            m_view.prompts().tell(texts::driveNotWritten(dir, fileSystem), core::MessageTitle, core::MsgStyle::OkOnly);
+            return false;
+        }
+    }
     if (!removable && type != platform::DriveType::Fixed) {
         m_view.prompts().tell(texts::NotFixed, core::MessageTitle, core::MsgStyle::OkOnly);
         return false;
@@ -93,9 +102,16 @@ bool FreeSpaceWipe::accepts(const std::string& dir, const platform::Folder* fold
     return true;
 }
 
+bool FreeSpaceWipe::tempNameFree(platform::Folder* folder, const std::string& dir) {
+    if (!folder || !folder->entry(texts::TempFileName))
+        return true;
+    m_view.prompts().tell(texts::tempNameTaken(tempPath(dir)), core::MessageTitle, core::MsgStyle::OkOnly);
+    return false;
+}
+
 FreeSpaceWipe::Outcome FreeSpaceWipe::start(const std::string& dir, bool removable) {
     const auto folder = m_platform.fileSystem().openFolder(dir);
-    if (!accepts(dir, folder.get(), removable))
+    if (!accepts(dir, folder.get(), removable) || !tempNameFree(folder.get(), dir))
         return Outcome::Refused;
     m_view.setWipeEnabled(false);
     const core::Currency free = folder ? freeSpace(*folder) : core::Currency{};
@@ -123,6 +139,12 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
         if (!file.Flush())
             m_problems.skipped(path, "pass " + std::to_string(pass) + " did not reach the device");
     };
+    // A file of that name is someone's: the user kept it when asked, or it came since. Every pass
+    // creates its file exclusively, so it could never be written anyway; say why now.
+    if (!tempNameFree(folder, dir)) {
+        m_view.setWipeEnabled(true);
+        return Outcome::Refused;
+    }
     m_running = true;
     m_view.setWipeEnabled(false);
     try {

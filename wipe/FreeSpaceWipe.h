@@ -24,7 +24,8 @@ namespace wipe {
 class FreeSpaceWipe {
 public:
     enum class Outcome {
-        Refused,   ///< wrong drive kind or no medium: a message was shown and nothing written
+        Refused,   ///< wrong drive kind, no medium, or the temporary file's name taken: a message
+                   ///< was shown and nothing written
         Completed, ///< all 35 passes ran
         Exited,    ///< stopped through the exit request or an interruption; the file is gone
     };
@@ -46,8 +47,12 @@ public:
 
     /// Whether the drive of `folder`, the open folder `dir` (null when it could not be opened), is
     /// of the kind asked for (fixed, or removable with a medium); when not, shows the refusal
-    /// message and returns false.
+    /// message (naming the filesystem's type when the drive is neither kind) and returns false.
     bool accepts(const std::string& dir, const platform::Folder* folder, bool removable);
+    /// Whether the temporary file's name is free in `folder`, the open folder `dir` (null: nothing
+    /// to look in); when something has the name, says why the wipe will not run and returns false.
+    /// The wipe never writes into a file it did not create.
+    bool tempNameFree(platform::Folder* folder, const std::string& dir);
     /// "Wipe Hard Drive FreeSpace": refuses with its message unless `dir`'s drive is fixed, else
     /// runs with the fixed increment over the free space measured now. Errors of the file object
     /// propagate (FileError) after the temporary file has been removed and the buttons re-enabled.
@@ -56,7 +61,8 @@ public:
     Outcome wipeRemovable(const std::string& dir);
     /// The run itself: WNXTEMP.000 in `folder`, the open folder `dir` (null when it could not be
     /// opened: the run then fails to open its file), `freeBytes` (whole bytes) to cover, `increment`
-    /// bytes per step. Leaves the wipe buttons disabled after a complete run.
+    /// bytes per step. Every pass creates the file anew, exclusively; refused as tempNameFree()
+    /// says when the name is taken. Leaves the wipe buttons disabled after a complete run.
     Outcome run(platform::Folder* folder, const std::string& dir, core::Currency freeBytes, core::Currency increment);
     /// The same in the folder `dir`, opened now.
     Outcome run(const std::string& dir, core::Currency freeBytes, core::Currency increment);

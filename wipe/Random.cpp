@@ -84,7 +84,7 @@ void Random::OpenFile(const std::string& fileName, platform::Folder* folder, con
     m_files.setLastError(0);
     if (m_file)
         raise(FileError::AlreadyOpen, m_fileName);
-    auto file = folder ? folder->openFile(name, true) : nullptr;
+    auto file = folder ? folder->openFile(name, platform::Folder::Create::Exclusive) : nullptr;
     if (!file)
         raise(FileError::OpenFailed, fileName);
     m_file = std::move(file);

@@ -37,8 +37,9 @@ public:
     /// Opens `fileName` (created when missing, contents kept). Raises 45601 naming the file already
     /// open when one is, 45602 naming `fileName` when the system refuses it.
     void OpenFile(const std::string& fileName);
-    /// Opens `name` inside the open folder `folder`, as OpenFile does, and calls it `fileName`;
-    /// with no folder (it could not be opened) raises 45602 as a failed open does.
+    /// Creates `name` inside the open folder `folder` and opens it as OpenFile does, calling it
+    /// `fileName`. Only a new file: when anything has that name already, or there is no folder (it
+    /// could not be opened), raises 45602 as a failed open does.
     void OpenFile(const std::string& fileName, platform::Folder* folder, const std::string& name);
     /// Facts about the open file (which file it is). Raises 45603 when closed.
     platform::FileInfo Info() const;

@@ -150,10 +150,13 @@ bool SecureDelete::WipeFolder(const std::string& folder) {
             own.push_back(fi.name);
         return true;
     });
+    std::vector<platform::FileInfo> left; // in use, or otherwise not to be destroyed: they stay
     for (const auto& name : own) {
         if (m_view.interrupted())
             return true; // the rest, and the folder, stay as they are
-        wipeEntry(*dir, name);
+        const auto before = dir->entry(name);
+        if (!wipeEntry(*dir, name) && before)
+            left.push_back(*before);
     }
     // Subfolders go without being overwritten, and links are removed, never followed. The folder
     // itself is removed from its parent only while the name still means the folder wiped here.
@@ -163,7 +166,9 @@ bool SecureDelete::WipeFolder(const std::string& folder) {
         return true;
     }
     dir.reset();
-    m_engine.removeTree(parent, target->name);
+    m_engine.removeTree(parent, target->name, [&left](const platform::FileInfo& fi) {
+        return std::any_of(left.begin(), left.end(), [&fi](const platform::FileInfo& l) { return l.sameFileAs(fi); });
+    });
     return true;
 }
 

@@ -7,6 +7,15 @@ std::string staleTempFile(const std::string& path, const std::string& bytes) {
            " bytes). Remove it now?";
 }
 
+std::string tempNameTaken(const std::string& path) {
+    return path + " already exists and is kept: the free-space wipe writes only into a file it creates "
+                  "itself. Move or remove that file, then start the wipe again.";
+}
+
+std::string driveNotWritten(const std::string& dir, const std::string& type) {
+    return dir + " is on a drive of type " + type + ", which the free-space wipe does not write to";
+}
+
 std::string overwriteLimits(const std::string& path, const platform::Storage& storage) {
     if (!storage.copyOnWrite && !storage.flash)
         return {};

@@ -27,6 +27,10 @@ inline const std::string TempFileName = "WNXTEMP.000";
 
 /// Asked when a temporary file of an earlier free-space wipe is found (a crash left it behind).
 std::string staleTempFile(const std::string& path, const std::string& bytes);
+/// Why the free-space wipe will not start while something named like its temporary file is at `path`.
+std::string tempNameTaken(const std::string& path);
+/// Why the free-space wipe refuses `dir`, whose drive holds a filesystem of type `type`.
+std::string driveNotWritten(const std::string& dir, const std::string& type);
 /// The one-line note on what overwriting cannot reach where `path` lies (a copy-on-write
 /// filesystem, a solid-state or flash device), with the README's advice; empty when `storage`
 /// gives no reason for it. The command line prints it before a wipe, the windows show it.

@@ -362,6 +362,18 @@ void GGCommand::leaveEvent(QEvent* event) {
     // A button being disabled also gets a leave; its face must not change for that.
     if (!m_machine.captured() || !isEnabled() || QApplication::mouseButtons() != Qt::NoButton)
         return;
+    pointerGone();
+}
+
+bool GGCommand::event(QEvent* event) {
+    // A message box (or any modal window) takes the pointer: the blocked window hears of no move
+    // or leave any more, so the button would keep its hover look until the pointer came back.
+    if (event->type() == QEvent::WindowBlocked && m_machine.captured() && isEnabled())
+        pointerGone();
+    return QWidget::event(event);
+}
+
+void GGCommand::pointerGone() {
     const QPointF at = QPointF(mapFromGlobal(QCursor::pos())) - QPointF(contentsRect().topLeft());
     const MouseArgs args{buttonCode(QApplication::mouseButtons()), shiftCode(QApplication::keyboardModifiers()),
                          static_cast<float>(at.x()), static_cast<float>(at.y())};
@@ -375,7 +387,13 @@ void GGCommand::mousePressEvent(QMouseEvent* event) {
 }
 
 void GGCommand::mouseReleaseEvent(QMouseEvent* event) {
+    const QPointer<GGCommand> alive(this);
+    const bool hovered = m_machine.hovering();
     run(m_machine.release(mouseArgs(event, buttonCode(event->button())), behaviour()));
+    // The Click may have opened a message box that took the pointer away while the release's own
+    // repaint, made for a pointer still over the button, was waiting: paint the face as it is now.
+    if (alive && hovered && !m_machine.hovering())
+        run(m_machine.refresh(behaviour()));
 }
 
 void GGCommand::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -180,8 +180,11 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
 
 private:
+    /// The pointer left the button, as a move outside it; for a leave the button hears of instead.
+    void pointerGone();
     MouseArgs mouseArgs(const QMouseEvent* event, int buttons) const;
     bool buttonUnderPointer(const QPoint& local) const;
     void run(const std::vector<Step>& steps);

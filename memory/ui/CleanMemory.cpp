@@ -35,23 +35,6 @@ constexpr int TrackY = 1320;
 constexpr int TrackThickness = 8;
 constexpr int FillThickness = 4;
 
-/// A slider that says when a mouse button has been let go over it, once the slider has taken the
-/// click in (so its value is the new one).
-class Slider final : public QSlider {
-public:
-    explicit Slider(std::function<void()> mouseUp, QWidget* parent)
-        : QSlider(Qt::Horizontal, parent), m_mouseUp(std::move(mouseUp)) {}
-
-protected:
-    void mouseReleaseEvent(QMouseEvent* event) override {
-        QSlider::mouseReleaseEvent(event);
-        m_mouseUp();
-    }
-
-private:
-    std::function<void()> m_mouseUp;
-};
-
 /// One of the track's lines: a bar of `colour` and `thickness` pixels centred on the track.
 QFrame* trackLine(QWidget* parent, const char* name, const char* colour, int thickness) {
     auto* line = new QFrame(parent);
@@ -70,11 +53,7 @@ CleanMemory::CleanMemory(platform::Platform& platform, MonitorSource monitor, QW
       m_prompts(prompts ? prompts : m_ownPrompts.get()) {
     setObjectName("CleanMemory");
     setWindowTitle("Tavi Wipe Memory");
-    // The designed places fit the designer's 8-point sans; its metric twins stand in for it.
-    QFont designed = font();
-    designed.setFamilies({"MS Sans Serif", "Liberation Sans", "Arimo", "Arial"});
-    designed.setPointSize(8);
-    setFont(designed);
+    setFont(widgets::designedFont(font()));
     buildControls();
     setFixedSize(pixels(WidthTwips), pixels(HeightTwips));
     // Right edge at the screen's centre, so that the monitor docked beside it is in view as well.
@@ -102,7 +81,7 @@ void CleanMemory::buildControls() {
     QFont bold = label1->font();
     bold.setBold(true);
     label1->setFont(bold);
-    m_slider1 = widgets::placed<Slider>(this, "Slider1", twips(120, 2640, 3495, 375), [this] { Slider1_MouseUp(); });
+    m_slider1 = widgets::placed<QSlider>(this, "Slider1", twips(120, 2640, 3495, 375), Qt::Horizontal);
     m_slider1->setRange(0, 100);
     m_slider1->setSingleStep(1);
     m_slider1->setPageStep(10);
@@ -114,11 +93,13 @@ void CleanMemory::buildControls() {
     connect(command1, &QPushButton::clicked, this, [this] { widgets::guarded([this] { Command1_Click(); }); });
     connect(command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     connect(command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
+    // Every move of the slider (mouse, arrow and page keys, wheel) shows in the size it sets.
+    connect(m_slider1, &QSlider::valueChanged, this, [this] { Slider1_Change(); });
 }
 
 void CleanMemory::Form_Load() {
-    const auto figures = readMemoryStatus(m_platform.memoryStatus());
-    m_label2->setText(QString::fromStdString(suggestedSizeCaption(figures.ullTotalPageFile)));
+    const MemoryWipe wipe(m_platform, *this);
+    m_label2->setText(QString::fromStdString(suggestedSizeCaption(wipe.suggestedArraySize())));
 }
 
 void CleanMemory::Command1_Click() {
@@ -133,7 +114,7 @@ void CleanMemory::Command3_Click() {
     dockMonitor();
 }
 
-void CleanMemory::Slider1_MouseUp() {
+void CleanMemory::Slider1_Change() {
     m_text3->setText(QString::number(m_slider1->value()));
 }
 

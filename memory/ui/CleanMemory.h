@@ -67,7 +67,7 @@ private:
     void Command1_Click();
     void Command2_Click();
     void Command3_Click();
-    void Slider1_MouseUp();
+    void Slider1_Change();
     /// Line2 from the track's start to `x` (twips).
     void placeFill(int x);
 

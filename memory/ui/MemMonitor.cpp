@@ -26,6 +26,8 @@ MemMonitor::MemMonitor(platform::Platform& platform, QWidget* parent)
     : QWidget(parent, Qt::Tool), m_platform(platform), m_timer1(new QTimer(this)) {
     setObjectName("MemMonitor");
     setWindowTitle("Tavi MemMonitor");
+    // Docked beside the memory wipe: the same font as that window.
+    setFont(widgets::designedFont(font()));
     for (const LabelPlace& place : Places) {
         // The design-time caption is the label's name.
         widgets::placed<QLabel>(this, place.name,

@@ -36,6 +36,23 @@ std::uint64_t roomBelow(std::uint64_t limit, std::uint64_t used) {
     return limit > used ? limit - used : 0;
 }
 
+/// The group's page cache that the kernel drops before it ends anything at the limit: the files'
+/// pages on the inactive list, from memory.stat (`key`), 0 when not shown.
+std::uint64_t reclaimable(const std::string& folder, std::string_view key) {
+    std::ifstream in(folder + "/memory.stat");
+    std::string name;
+    std::uint64_t value = 0;
+    while (in >> name >> value)
+        if (name == key)
+            return value;
+    return 0;
+}
+
+/// What the group really holds: its charge without the page cache it can give back.
+std::uint64_t heldBy(std::uint64_t charged, std::uint64_t cache) {
+    return charged - std::min(charged, cache);
+}
+
 /// The limit of one level, v2; empty when it sets none.
 std::optional<MemoryLimit> levelV2(const std::string& folder, std::uint64_t swapFree) {
     const auto max = figure(folder, "memory.max");
@@ -45,7 +62,7 @@ std::optional<MemoryLimit> levelV2(const std::string& folder, std::uint64_t swap
     std::uint64_t swap = swapFree;
     if (const auto swapMax = figure(folder, "memory.swap.max"); swapMax && *swapMax < Unlimited)
         swap = std::min(swap, roomBelow(*swapMax, figure(folder, "memory.swap.current").value_or(*swapMax)));
-    return MemoryLimit{*max, roomBelow(*max, *current) + swap};
+    return MemoryLimit{*max, roomBelow(*max, heldBy(*current, reclaimable(folder, "inactive_file"))) + swap};
 }
 
 /// The limit of one level, v1; empty when it sets none.
@@ -54,10 +71,13 @@ std::optional<MemoryLimit> levelV1(const std::string& folder, std::uint64_t swap
     const auto usage = figure(folder, "memory.usage_in_bytes");
     if (!max || !usage || *max >= Unlimited)
         return std::nullopt;
-    std::uint64_t headroom = roomBelow(*max, *usage) + swapFree;
+    // The hierarchy's own total: a level's usage counts its subgroups' too.
+    const std::uint64_t cache = reclaimable(folder, "total_inactive_file");
+    std::uint64_t headroom = roomBelow(*max, heldBy(*usage, cache)) + swapFree;
     // Memory and swap together, where the kernel accounts swap.
     if (const auto both = figure(folder, "memory.memsw.limit_in_bytes"); both && *both < Unlimited)
-        headroom = std::min(headroom, roomBelow(*both, figure(folder, "memory.memsw.usage_in_bytes").value_or(*both)));
+        headroom = std::min(headroom,
+                            roomBelow(*both, heldBy(figure(folder, "memory.memsw.usage_in_bytes").value_or(*both), cache)));
     return MemoryLimit{*max, headroom};
 }
 

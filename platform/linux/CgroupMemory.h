@@ -6,7 +6,9 @@
 //
 // cgroup v2: memory.max and memory.current, with memory.swap.max and memory.swap.current for what
 // may still go to swap. cgroup v1: memory.limit_in_bytes and memory.usage_in_bytes, with
-// memory.memsw.limit_in_bytes and memory.memsw.usage_in_bytes where swap is accounted. The groups'
+// memory.memsw.limit_in_bytes and memory.memsw.usage_in_bytes where swap is accounted. A group's
+// charge includes its page cache; the inactive file pages of memory.stat are dropped before the
+// limit ends anything, so they count as room (as MemAvailable counts them for the machine). The groups'
 // folders are found through the mount table and the process's /proc/self/cgroup, so tests give
 // both from a scratch folder.
 

@@ -44,6 +44,30 @@ std::string diskFolder(unsigned major, unsigned minor) {
 constexpr std::array<std::string_view, 9> RemoteTypes = {"nfs", "nfs4", "cifs", "smb3", "smbfs", "9p",
                                                          "fuse.sshfs", "ceph", "afs"};
 
+// The filesystems a drive may hold: local block-device filesystems whose free space is space on
+// that device. Everything else (network and FUSE filesystems, RAM, virtual machine shares, types
+// this list has never heard of) is no drive to fill, whatever it calls itself.
+constexpr std::array<std::string_view, 13> FixedTypes = {"ext2", "ext3", "ext4", "xfs", "btrfs", "f2fs", "jfs",
+                                                         "reiserfs", "ntfs", "ntfs3", "hfsplus", "zfs", "bcachefs"};
+// FAT and exFAT are what cards and sticks carry.
+constexpr std::array<std::string_view, 3> RemovableTypes = {"vfat", "msdos", "exfat"};
+
+template <std::size_t N> bool listed(const std::array<std::string_view, N>& types, const std::string& type) {
+    return std::find(types.begin(), types.end(), type) != types.end();
+}
+
+/// The value of option `key` in a mount's comma-separated options; empty when it is not there.
+std::string option(const std::string& options, std::string_view key) {
+    for (std::size_t start = 0; start <= options.size();) {
+        const std::size_t comma = std::min(options.find(',', start), options.size());
+        const std::string_view item(options.data() + start, comma - start);
+        if (item.size() > key.size() && item.starts_with(key) && item[key.size()] == '=')
+            return std::string(item.substr(key.size() + 1));
+        start = comma + 1;
+    }
+    return {};
+}
+
 /// The mount the descriptor `fd` lies on, looked up by its mount ID in `mounts`; null when `fd`
 /// is not open or its mount is not listed.
 const Mount* mountAt(const std::vector<Mount>& mounts, int fd) {
@@ -101,24 +125,53 @@ DriveType LinuxDrives::typeOf(const Folder& folder) {
     return fd < 0 ? Drives::typeOf(folder) : typeAt(static_cast<int>(fd));
 }
 
-DriveType LinuxDrives::typeAt(int fd) {
+LinuxDrives::Judgement LinuxDrives::judge(const std::vector<Mount>& mounts, const Mount& m, int depth) {
+    if (m.fsType == "overlay") {
+        // What an overlay takes in goes to its upper layer: that layer's filesystem is the drive.
+        // Without one the overlay is read-only; an upper layer that cannot be found is refused.
+        const std::string upper = option(m.superOptions, "upperdir");
+        const UniqueFd where = upper.empty() || depth > 8 ? UniqueFd() : openLocation(upper);
+        const Mount* below = mountAt(mounts, where.get());
+        if (!below)
+            return {DriveType::Unknown, "overlay"};
+        Judgement inner = judge(mounts, *below, depth + 1);
+        inner.fileSystem = "overlay (upper layer on " + inner.fileSystem + ")";
+        return inner;
+    }
+    if (listed(RemoteTypes, m.fsType))
+        return {DriveType::Remote, m.fsType};
+    if (m.fsType == "tmpfs" || m.fsType == "ramfs")
+        return {DriveType::RamDisk, m.fsType};
+    if (m.fsType == "iso9660" || m.fsType == "udf" || m.major == 11)
+        return {DriveType::CdRom, m.fsType};
+    if (listed(RemovableTypes, m.fsType))
+        return {DriveType::Removable, m.fsType};
+    // A FUSE filesystem is a drive only when the kernel gave it a block device (ntfs-3g on a
+    // partition); a device number of major 0 is no device at all.
+    const bool fixedType = listed(FixedTypes, m.fsType) || (m.fsType == "fuseblk" && m.major != 0);
+    if (!fixedType)
+        return {DriveType::Unknown, m.fsType};
+    const std::string disk = diskFolder(m.major, m.minor);
+    if (!disk.empty() && (readFirstLine(disk + "/removable") == "1" || disk.find("/usb") != std::string::npos))
+        return {DriveType::Removable, m.fsType};
+    return {DriveType::Fixed, m.fsType};
+}
+
+LinuxDrives::Judgement LinuxDrives::judgeAt(int fd) {
     const auto mounts = readMounts(m_mountInfo);
     const Mount* found = mountAt(mounts, fd);
     if (!found)
-        return DriveType::NoRootDir;
-    const Mount& m = *found;
-    if (std::find(RemoteTypes.begin(), RemoteTypes.end(), m.fsType) != RemoteTypes.end())
-        return DriveType::Remote;
-    if (m.fsType == "tmpfs" || m.fsType == "ramfs")
-        return DriveType::RamDisk;
-    if (m.fsType == "iso9660" || m.fsType == "udf" || m.major == 11)
-        return DriveType::CdRom;
-    const std::string disk = diskFolder(m.major, m.minor);
-    if (!disk.empty() && (readFirstLine(disk + "/removable") == "1" || disk.find("/usb") != std::string::npos))
-        return DriveType::Removable;
-    if (!isRealFilesystem(m))
-        return DriveType::Unknown;
-    return DriveType::Fixed;
+        return {DriveType::NoRootDir, {}};
+    return judge(mounts, *found, 0);
+}
+
+DriveType LinuxDrives::typeAt(int fd) {
+    return judgeAt(fd).type;
+}
+
+std::string LinuxDrives::fileSystemOf(const Folder& folder) {
+    const auto fd = folder.nativeHandle();
+    return fd < 0 ? Drives::fileSystemOf(folder) : judgeAt(static_cast<int>(fd)).fileSystem;
 }
 
 bool LinuxDrives::space(const std::string& path, DiskSpace& out) {
@@ -135,7 +188,10 @@ bool LinuxDrives::spaceAt(int fd, DiskSpace& out) {
     struct statvfs vfs {};
     if (::fstatvfs(fd, &vfs) != 0)
         return false;
-    out.freeToCaller = static_cast<std::uint64_t>(vfs.f_bavail) * vfs.f_frsize;
+    // Root may write the blocks the filesystem keeps back for it (ext4's 5 %), so for root they
+    // are free space too: a wipe run as root reaches what deleted files left there.
+    const auto usable = ::geteuid() == 0 ? vfs.f_bfree : vfs.f_bavail;
+    out.freeToCaller = static_cast<std::uint64_t>(usable) * vfs.f_frsize;
     out.total = static_cast<std::uint64_t>(vfs.f_blocks) * vfs.f_frsize;
     out.totalFree = static_cast<std::uint64_t>(vfs.f_bfree) * vfs.f_frsize;
     return true;

@@ -32,21 +32,6 @@ DIR* openListing(const std::string& dir) {
     return d;
 }
 
-EntryKind kindOf(unsigned char type) {
-    switch (type) {
-    case DT_REG:
-        return EntryKind::File;
-    case DT_DIR:
-        return EntryKind::Directory;
-    case DT_LNK:
-        return EntryKind::Link;
-    case DT_UNKNOWN:
-        return EntryKind::Unknown;
-    default:
-        return EntryKind::Other;
-    }
-}
-
 } // namespace
 
 bool LinuxFileSystem::list(const std::string& dir, const std::string& pattern,
@@ -80,7 +65,7 @@ bool LinuxFileSystem::names(const std::string& dir,
         const char* n = e->d_name;
         if (n[0] == '.' && (n[1] == 0 || (n[1] == '.' && n[2] == 0)))
             continue;
-        if (!visit(n, kindOf(e->d_type)))
+        if (!visit(n, kindOfListed(e->d_type)))
             break;
     }
     ::closedir(d);

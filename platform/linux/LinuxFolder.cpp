@@ -43,6 +43,23 @@ bool LinuxFolder::list(const std::function<bool(const FileInfo&)>& visit) {
     return true;
 }
 
+bool LinuxFolder::names(const std::function<bool(const std::string& name, EntryKind kind)>& visit) {
+    UniqueFd copy(::openat(m_fd.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    DIR* d = copy ? ::fdopendir(copy.get()) : nullptr;
+    if (!d)
+        return false;
+    copy.release();
+    while (const dirent* e = ::readdir(d)) {
+        const char* n = e->d_name;
+        if (n[0] == '.' && (n[1] == 0 || (n[1] == '.' && n[2] == 0)))
+            continue;
+        if (!visit(n, kindOfListed(e->d_type)))
+            break;
+    }
+    ::closedir(d);
+    return true;
+}
+
 std::optional<FileInfo> LinuxFolder::entry(const std::string& name) {
     const auto facts = factsAt(m_fd.get(), name, false);
     if (!facts)
@@ -57,8 +74,8 @@ std::unique_ptr<Folder> LinuxFolder::openFolder(const std::string& name) {
     return open(m_fd.get(), name, shown + name);
 }
 
-std::unique_ptr<RawFile> LinuxFolder::openFile(const std::string& name, bool create) {
-    return openRawAt(m_fd.get(), name, create);
+std::unique_ptr<RawFile> LinuxFolder::openFile(const std::string& name, Create create) {
+    return openRawAt(m_fd.get(), name, create != Create::Never, create == Create::Exclusive);
 }
 
 std::unique_ptr<RawFile> LinuxFolder::openForOverwrite(const std::string& name) {
@@ -91,6 +108,11 @@ std::unique_ptr<RawFile> LinuxFolder::openForOverwrite(const std::string& name) 
     return adoptRaw(::open(self.c_str(), O_RDWR | O_CLOEXEC));
 }
 
+bool LinuxFolder::isInUse(const std::string& name) {
+    const auto facts = factsAt(m_fd.get(), name, false);
+    return facts && S_ISREG(facts->mode) && fileInUse(facts->device, facts->inode);
+}
+
 bool LinuxFolder::removeFile(const std::string& name) {
     const auto facts = factsAt(m_fd.get(), name, false);
     if (facts && S_ISDIR(facts->mode)) {
@@ -106,6 +128,21 @@ bool LinuxFolder::removeFolder(const std::string& name) {
 
 bool LinuxFolder::makeNormal(const std::string& name) {
     return makeNormalAt(m_fd.get(), name);
+}
+
+EntryKind kindOfListed(unsigned char type) {
+    switch (type) {
+    case DT_REG:
+        return EntryKind::File;
+    case DT_DIR:
+        return EntryKind::Directory;
+    case DT_LNK:
+        return EntryKind::Link;
+    case DT_UNKNOWN:
+        return EntryKind::Unknown;
+    default:
+        return EntryKind::Other;
+    }
 }
 
 bool makeNormalAt(int at, const std::string& name) {

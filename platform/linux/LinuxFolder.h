@@ -16,10 +16,13 @@ public:
     const std::string& path() const override { return m_path; }
     FileInfo self() const override;
     bool list(const std::function<bool(const FileInfo&)>& visit) override;
+    bool names(const std::function<bool(const std::string& name, EntryKind kind)>& visit) override;
     std::optional<FileInfo> entry(const std::string& name) override;
     std::unique_ptr<Folder> openFolder(const std::string& name) override;
-    std::unique_ptr<RawFile> openFile(const std::string& name, bool create) override;
+    using Folder::openFile;
+    std::unique_ptr<RawFile> openFile(const std::string& name, Create create) override;
     std::unique_ptr<RawFile> openForOverwrite(const std::string& name) override;
+    bool isInUse(const std::string& name) override;
     bool removeFile(const std::string& name) override;
     bool removeFolder(const std::string& name) override;
     bool makeNormal(const std::string& name) override;
@@ -31,6 +34,9 @@ private:
     UniqueFd m_fd;
     std::string m_path;
 };
+
+/// The kind of an entry as a directory listing gives it (dirent's d_type).
+EntryKind kindOfListed(unsigned char type);
 
 /// Clears read-only on `name` in folder `at` without following a link (a link is left alone).
 bool makeNormalAt(int at, const std::string& name);

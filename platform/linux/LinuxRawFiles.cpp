@@ -151,10 +151,10 @@ std::unique_ptr<RawFile> adoptRaw(int fd) {
     return std::make_unique<LinuxRawFile>(fd);
 }
 
-std::unique_ptr<RawFile> openRawAt(int at, const std::string& name, bool create) {
+std::unique_ptr<RawFile> openRawAt(int at, const std::string& name, bool create, bool exclusive) {
+    const int creation = create ? O_CREAT | (exclusive ? O_EXCL : 0) : 0;
     // Non-blocking: a pipe in a file's place must not hold the program up (the checks refuse it).
-    const int fd =
-        ::openat(at, name.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | (create ? O_CREAT : 0), 0600);
+    const int fd = ::openat(at, name.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | creation, 0600);
     if (fd >= 0)
         ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
     return adoptRaw(fd);

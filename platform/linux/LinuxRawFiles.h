@@ -17,8 +17,9 @@ public:
 };
 
 /// Opens `name` in folder `at` as LinuxRawFiles::open does (plain files with one name only,
-/// exclusively, never through a link), creating it when missing only if `create`.
-std::unique_ptr<RawFile> openRawAt(int at, const std::string& name, bool create);
+/// exclusively, never through a link), creating it when missing only if `create`; with `exclusive`
+/// too, only a file this call creates (EEXIST when the name is taken).
+std::unique_ptr<RawFile> openRawAt(int at, const std::string& name, bool create, bool exclusive = false);
 
 /// Takes the descriptor `fd` (opened read-write) as a raw file under the same rules: null, with
 /// the descriptor closed and errno set, when it is no plain file of one name or another holds it.

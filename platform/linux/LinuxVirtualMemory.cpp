@@ -143,6 +143,14 @@ void* LinuxVirtualMemory::commit(std::size_t size) {
     return address;
 }
 
+void* LinuxVirtualMemory::commitLarge(std::size_t size) {
+    void* address = commit(size);
+    // Transparent huge pages, where the system gives them on request; a refusal only costs speed.
+    if (address && size > SmallBlock)
+        ::madvise(address, size, MADV_HUGEPAGE);
+    return address;
+}
+
 bool LinuxVirtualMemory::lock(void* address, std::size_t size) {
     return ::mlock(address, size) == 0;
 }

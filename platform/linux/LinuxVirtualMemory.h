@@ -13,6 +13,7 @@ namespace platform::linux {
 class LinuxVirtualMemory final : public VirtualMemory {
 public:
     void* commit(std::size_t size) override;
+    void* commitLarge(std::size_t size) override;
     bool lock(void* address, std::size_t size) override;
     bool unlock(void* address, std::size_t size) override;
     bool decommit(void* address, std::size_t size) override;

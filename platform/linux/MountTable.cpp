@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
-#include <fstream>
-#include <sstream>
+#include <fcntl.h>
 #include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace platform::linux {
 namespace {
@@ -91,10 +93,26 @@ std::vector<Mount> parseMountInfo(const std::string& text) {
 }
 
 std::vector<Mount> readMounts(const std::string& source) {
-    std::ifstream file(source);
-    std::stringstream text;
-    text << file.rdbuf();
-    return parseMountInfo(text.str());
+    // Non-blocking and looked at before reading: a FIFO named as the table would wait for a writer
+    // forever, and a device such as /dev/zero would never end.
+    const int fd = ::open(source.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (fd < 0)
+        return {};
+    struct stat st {};
+    std::string text;
+    if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode)) {
+        char buffer[16384];
+        for (;;) {
+            const ssize_t n = ::read(fd, buffer, sizeof buffer);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n <= 0)
+                break;
+            text.append(buffer, static_cast<std::size_t>(n));
+        }
+    }
+    ::close(fd);
+    return parseMountInfo(text);
 }
 
 const Mount* mountById(const std::vector<Mount>& mounts, std::uint64_t id) {

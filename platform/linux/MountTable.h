@@ -24,7 +24,8 @@ struct Mount {
 
 /// Parses mountinfo text (octal escapes such as \040 decoded), in file order.
 std::vector<Mount> parseMountInfo(const std::string& text);
-/// The mounts listed in the mountinfo file `source`; empty when it cannot be read.
+/// The mounts listed in the mountinfo file `source`; empty when it cannot be read or is no
+/// regular file (a FIFO, socket or device is never read, so the call never blocks).
 std::vector<Mount> readMounts(const std::string& source);
 /// The mount with ID `id` in `mounts`, or null.
 const Mount* mountById(const std::vector<Mount>& mounts, std::uint64_t id);

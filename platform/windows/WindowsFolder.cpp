@@ -249,6 +249,17 @@ bool WindowsFolder::list(const std::function<bool(const FileInfo&)>& visit) {
     return true;
 }
 
+bool WindowsFolder::names(const std::function<bool(const std::string& name, EntryKind kind)>& visit) {
+    // The records say what each entry is: no entry needs opening, as list() opens each one.
+    std::vector<Record> records;
+    if (!readRecords(m_handle, nullptr, records))
+        return false;
+    for (const Record& r : records)
+        if (!visit(narrow(r.name), r.isLink() ? EntryKind::Link : r.isFolder() ? EntryKind::Directory : EntryKind::File))
+            break;
+    return true;
+}
+
 std::optional<FileInfo> WindowsFolder::entry(const std::string& name) {
     const auto record = recordOf(m_handle, widen(name));
     if (!record)
@@ -273,10 +284,14 @@ std::unique_ptr<Folder> WindowsFolder::openFolder(const std::string& name) {
     return std::unique_ptr<Folder>(new WindowsFolder(handle, shown + name, false));
 }
 
-std::unique_ptr<RawFile> WindowsFolder::openFile(const std::string& name, bool create) {
+std::unique_ptr<RawFile> WindowsFolder::openFile(const std::string& name, Create create) {
     const std::wstring wide = widen(name);
     const auto record = recordOf(m_handle, wide);
-    if (!record && (!create || ::GetLastError() != ERROR_FILE_NOT_FOUND))
+    if (record && create == Create::Exclusive) {
+        ::SetLastError(ERROR_FILE_EXISTS);
+        return nullptr;
+    }
+    if (!record && (create == Create::Never || ::GetLastError() != ERROR_FILE_NOT_FOUND))
         return nullptr;
     if (record && (record->isLink() || record->isFolder())) {
         ::SetLastError(record->isLink() ? ERROR_CANT_RESOLVE_FILENAME : ERROR_DIRECTORY);
@@ -287,7 +302,9 @@ std::unique_ptr<RawFile> WindowsFolder::openFile(const std::string& name, bool c
     const HANDLE handle = record ? openRecord(m_handle, *record, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_DELETE,
                                               FILE_NON_DIRECTORY_FILE)
                                  : openBelow(m_handle, wide, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_DELETE,
-                                             FILE_OPEN_IF, FILE_NON_DIRECTORY_FILE);
+                                             // CREATE_NEW: a file put there since the look above is not taken over
+                                             create == Create::Exclusive ? FILE_CREATE : FILE_OPEN_IF,
+                                             FILE_NON_DIRECTORY_FILE);
     if (!record && handle != INVALID_HANDLE_VALUE && !reachedAs(handle, wide)) {
         ::CloseHandle(handle); // a link put there in the meantime
         ::SetLastError(ERROR_CANT_RESOLVE_FILENAME);

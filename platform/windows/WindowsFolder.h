@@ -26,9 +26,11 @@ public:
     const std::string& path() const override { return m_path; }
     FileInfo self() const override;
     bool list(const std::function<bool(const FileInfo&)>& visit) override;
+    bool names(const std::function<bool(const std::string& name, EntryKind kind)>& visit) override;
     std::optional<FileInfo> entry(const std::string& name) override;
     std::unique_ptr<Folder> openFolder(const std::string& name) override;
-    std::unique_ptr<RawFile> openFile(const std::string& name, bool create) override;
+    using Folder::openFile;
+    std::unique_ptr<RawFile> openFile(const std::string& name, Create create) override;
     bool removeFile(const std::string& name) override;
     bool removeFolder(const std::string& name) override;
     bool makeNormal(const std::string& name) override;

@@ -105,26 +105,6 @@ TEST_F(TraceCleanerTest, WipeFileWritesBlocksZeroToTheRoundedCountElevenTimesThe
     EXPECT_TRUE(problems.items.empty());
 }
 
-TEST_F(TraceCleanerTest, WipeFileRemovesOnlyTheNameOfAHardLinkedFileAndNeverFollowsOrCreates) {
-    ScratchDir elsewhere;
-    const fs::path kept = elsewhere.write("kept.txt", "other name's bytes");
-    const fs::path name = temp.path() / "linked.txt";
-    fs::create_hard_link(kept, name);
-    cleaner.WipeFile(name.string());
-    EXPECT_FALSE(fs::exists(name));
-    EXPECT_EQ(readFile(kept), "other name's bytes");
-    EXPECT_TRUE(problems.items.count(name.string()));
-
-    const fs::path link = temp.path() / "link";
-    fs::create_symlink(kept, link);
-    cleaner.WipeFile(link.string());
-    EXPECT_TRUE(fs::is_symlink(link));
-    EXPECT_EQ(readFile(kept), "other name's bytes");
-
-    cleaner.WipeFile((temp.path() / "missing").string());
-    EXPECT_FALSE(fs::exists(temp.path() / "missing")); // the raw open would have created it
-}
-
 TEST_F(TraceCleanerTest, WipedBytesAreGoneFromTheDisk) {
     ScratchDir dir;
     testsupport::LoopImage image(dir.path(), 8);

@@ -45,6 +45,18 @@ TEST(Cli, VersionAndUsageErrors) {
                               "history add http://only-an-address.example/", "autoclean --interval 1",
                               "wipe-free-space", "wipe-free-space /no/such/folder"})
         EXPECT_EQ(testsupport::runCli(wrong).code, 2) << wrong;
+    // The word not known is named, with the one probably meant; options of the commands above
+    // count, and an option's value is never taken for a command.
+    for (const auto& [wrong, said] : std::vector<std::pair<std::string, std::string>>{
+             {"shredd x", "unknown command 'shredd' (did you mean 'shred'?)"},
+             {"--quiet indexdat fnd", "unknown command 'fnd' for 'indexdat' (did you mean 'find'?)"},
+             {"shred --yse -q x", "unknown option '--yse' for 'shred' (did you mean '--yes'?)"},
+             {"indexdat find --pattern memmon -z", "unknown option '-z' for 'indexdat find'\n"},
+             {"frobnicate", "unknown command 'frobnicate'\n"}}) {
+        const auto r = testsupport::runCli(wrong);
+        EXPECT_EQ(r.code, 2) << wrong;
+        EXPECT_TRUE(r.err.starts_with("scourmill-cli: " + said)) << r.err;
+    }
 }
 
 TEST(Cli, CleanItemTakesOnlyExactChooserTexts) {

@@ -26,7 +26,8 @@ struct Help {
 };
 
 /// Reads CLI11's help text: the first word of each entry line under "Subcommands:", and the
-/// comma-separated spellings at the start of each entry line under "Options:".
+/// comma-separated spellings at the start of each entry line under "Options:". Into a pipe the
+/// help fits 80 columns.
 Help helpOf(const std::string& path) {
     const testsupport::CliResult r = runCli(path + " --help");
     EXPECT_EQ(r.code, 0) << path;
@@ -35,6 +36,7 @@ Help helpOf(const std::string& path) {
     std::string line;
     std::string section;
     while (std::getline(lines, line)) {
+        EXPECT_LE(line.size(), 80u) << path << ": " << line;
         if (!line.empty() && line.back() == ':' && line.front() != ' ') {
             section = line;
             continue;
@@ -85,13 +87,19 @@ std::string roffEscaped(std::string text) {
     return out;
 }
 
-/// The words bash completes for `line` (the cursor at its end), one string, space-separated.
-std::string completions(const std::string& line) {
+/// The words bash completes for `line` (the cursor at its end; no single quotes in it), joined by
+/// `separator`.
+std::string completions(const std::string& line, const std::string& separator = " ") {
     const std::string script = "source " + shellQuoted(SCOURMILL_COMPLETION) + "; COMP_WORDS=(" + line +
-                               "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _scourmill_cli; echo \"${COMPREPLY[*]}\"";
+                               "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _scourmill_cli; "
+                               "printf \"%s\\n\" \"${COMPREPLY[@]}\"";
     const testsupport::CliResult r = runCommand("bash -c " + shellQuoted(script));
     EXPECT_EQ(r.code, 0) << r.err;
-    return r.out.substr(0, r.out.find('\n'));
+    std::string joined;
+    std::istringstream words(r.out);
+    for (std::string word; std::getline(words, word);)
+        joined += (joined.empty() ? "" : separator) + word;
+    return joined;
 }
 
 } // namespace
@@ -129,6 +137,13 @@ TEST(BashCompletion, CompletesCommandsOptionsAndFilesAtEveryLevel) {
     EXPECT_EQ(completions("scourmill-cli sh"), "shred shred-dir show-cache");
     EXPECT_EQ(completions("scourmill-cli history cl"), "clear");
     EXPECT_EQ(completions("scourmill-cli --quiet shred --y"), "--yes");
+    // The chooser's items, blanks and quotes in them, matched as typed (opening quote, backslashes)
+    // and handed back whole; readline quotes them (-o filenames).
+    EXPECT_EQ(completions("scourmill-cli clean-item \"\"", "|"),
+              "Recent Documents|IE Typed URL's|MS Media Player|Find Files or Folders|Find Computers|MS Paint|"
+              "Run Menu|Word Pad|WinZip File|WinZip Extract|Recycle Bin|Do Em All");
+    EXPECT_EQ(completions("scourmill-cli clean-item -y \\\"IE\\\\\\ T", "|"), "IE Typed URL's"); // "IE\ T
+    EXPECT_EQ(completions("scourmill-cli clean-item Win", "|"), "WinZip File|WinZip Extract");
     testsupport::ScratchDir dir;
     dir.write("report.dat", "x");
     // Arguments and option values are files.

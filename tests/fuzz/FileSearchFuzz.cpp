@@ -5,6 +5,7 @@
 // memory; matching is the platform's own.
 
 #include "indexdat/FileSearch.h"
+#include "platform/Folder.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "tests/fuzz/FuzzCheck.h"
 
@@ -65,7 +66,7 @@ public:
         }
         return std::nullopt;
     }
-    std::unique_ptr<platform::Folder> openFolder(const std::string&) override { return nullptr; }
+    std::unique_ptr<platform::Folder> openFolder(const std::string& path) override;
     bool removeFile(const std::string&) override { return false; }
     bool removeDirectory(const std::string&) override { return false; }
     bool createDirectory(const std::string&) override { return false; }
@@ -76,6 +77,36 @@ public:
 private:
     platform::linux::LinuxFileSystem m_native;
 };
+
+/// A folder of the tree, its entries reached by name as a real open folder's are.
+class MemoryFolder final : public platform::Folder {
+public:
+    MemoryFolder(MemoryFileSystem& files, std::string path) : m_files(files), m_path(std::move(path)) {}
+
+    const std::string& path() const override { return m_path; }
+    platform::FileInfo self() const override { return {}; }
+    bool list(const std::function<bool(const platform::FileInfo&)>&) override { return false; }
+    bool names(const std::function<bool(const std::string&, platform::EntryKind)>& visit) override {
+        return m_files.names(m_path, visit);
+    }
+    std::optional<platform::FileInfo> entry(const std::string& name) override { return m_files.info(m_path + name); }
+    std::unique_ptr<platform::Folder> openFolder(const std::string& name) override {
+        return m_files.openFolder(m_path + name + "/");
+    }
+    using platform::Folder::openFile;
+    std::unique_ptr<platform::RawFile> openFile(const std::string&, Create) override { return nullptr; }
+    bool removeFile(const std::string&) override { return false; }
+    bool removeFolder(const std::string&) override { return false; }
+    bool makeNormal(const std::string&) override { return false; }
+
+private:
+    MemoryFileSystem& m_files;
+    std::string m_path;
+};
+
+std::unique_ptr<platform::Folder> MemoryFileSystem::openFolder(const std::string& path) {
+    return folders.count(path) ? std::make_unique<MemoryFolder>(*this, path) : nullptr;
+}
 
 } // namespace
 

@@ -50,7 +50,7 @@ private slots:
         QVERIFY(!timer->isActive());
     }
 
-    void sliderWritesItsValueIntoTheSizeWhenTheMouseLetsGo() {
+    void theSizeFollowsTheSliderHoweverItMoves() {
         CleanMemory window(*m_platform, nullptr);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
@@ -62,10 +62,15 @@ private slots:
         QTest::mousePress(slider, Qt::LeftButton, {}, QPoint(5, groove));
         QTest::mouseMove(slider, QPoint(slider->width() / 2, groove));
         QTest::mouseMove(slider, QPoint(slider->width() - 5, groove));
-        QCOMPARE(text3->text(), QString("7.25")); // nothing yet: the mouse has not let go
         QTest::mouseRelease(slider, Qt::LeftButton, {}, QPoint(slider->width() - 5, groove));
         QCOMPARE(slider->value(), 100);
         QCOMPARE(text3->text(), QString("100"));
+        // The keyboard: arrows a step, page keys ten.
+        slider->setFocus();
+        QTest::keyClick(slider, Qt::Key_Left);
+        QCOMPARE(text3->text(), QString("99"));
+        QTest::keyClick(slider, Qt::Key_PageDown);
+        QCOMPARE(text3->text(), QString("89"));
     }
 
     void cleanRunsTheWipeWithTheSizeTypedAndShowsItsProgress() {

@@ -27,16 +27,19 @@ struct MainWindowUnderTest {
     }
 
     /// Runs the program's event loop as main() does, calls `whileRunning` every few milliseconds
-    /// until it returns true, then chooses Exit from the tray menu. Returns the loop's exit code,
-    /// or -1 when it did not end within a minute.
-    int exitWhen(const std::function<bool()>& whileRunning) {
+    /// until it returns true, then ends the program with `end` (by default: Exit from the tray
+    /// menu). Returns the loop's exit code, or -1 when it did not end within a minute.
+    int exitWhen(const std::function<bool()>& whileRunning, const std::function<void()>& end = {}) {
         app::endEventLoopOnExit(main);
         QTimer poll;
         poll.setInterval(5);
         QObject::connect(&poll, &QTimer::timeout, [&] {
             if (whileRunning()) {
                 poll.stop();
-                main.findChild<QAction*>("Mnu_Exit")->trigger();
+                if (end)
+                    end();
+                else
+                    main.findChild<QAction*>("Mnu_Exit")->trigger();
             }
         });
         poll.start();

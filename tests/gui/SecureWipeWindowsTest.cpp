@@ -1,7 +1,8 @@
 // The two secure-deletion windows on the offscreen platform, driven by object name: what the
 // windows add to the wipes beneath them (their buttons' wiring, locking while running, refusals,
-// Exit in the middle of a run, the note on copy-on-write drives).
+// Exit or a logout's signal in the middle of a run, the note on copy-on-write drives).
 
+#include "app/StopSignals.h"
 #include "platform/Platform.h"
 #include "tests/gui/MainWindowUnderTest.h"
 #include "tests/support/LoopImage.h"
@@ -20,6 +21,7 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 
@@ -74,7 +76,14 @@ private slots:
         QVERIFY(!fs::exists(stale));
     }
 
+    void exitDuringAFreeSpaceWipeEndsTheProgramWithTheTemporaryFileRemoved_data() {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("Exit from the tray menu") << 0;
+        QTest::newRow("SIGHUP, a logout") << SIGHUP;
+    }
+
     void exitDuringAFreeSpaceWipeEndsTheProgramWithTheTemporaryFileRemoved() {
+        QFETCH(int, signal);
         ScratchDir dir;
         testsupport::LoopImage image(dir.path(), 64);
         if (!image.mounted())
@@ -84,7 +93,9 @@ private slots:
         auto* window = qobject_cast<wipe::ui::TaviSecureWipe*>(program.windows.show("TaviSecureWipe"));
         chooseDrive(*window, image.mountPoint());
         QTimer::singleShot(0, child<QPushButton>(*window, "Command2"), &QPushButton::click);
-        QCOMPARE(program.exitWhen([&] { return fs::exists(temp); }), 0);
+        app::exitOnStopSignals(program.main);
+        const std::function<void()> end = [signal] { ::raise(signal); };
+        QCOMPARE(program.exitWhen([&] { return fs::exists(temp); }, signal ? end : nullptr), 0);
         QVERIFY(!window->running());
         QVERIFY(!fs::exists(temp));
         QVERIFY(child<QLineEdit>(*window, "Text2")->text().toInt() < 35); // stopped, not run to its end

@@ -70,36 +70,6 @@ TEST_F(ActivityWipeTest, KeepsTheFirst1024BytesAndBlanksTheRestToTheRoundedBlock
     EXPECT_TRUE(problems.items.empty());
 }
 
-TEST_F(ActivityWipeTest, AFileOpenInAnotherProgramIsLeftUnchangedAndReported) {
-    const std::string before = randomBytes(4096, 1);
-    const auto path = dir.write(".index.dat", before);
-    fs::permissions(path, fs::perms::owner_read);
-    {
-        // Held as a running browser holds its record files, without any lock.
-        testsupport::FileHolder browser(path.string());
-        ASSERT_TRUE(browser.holding());
-        wipe(path);
-        EXPECT_EQ(readFile(path), before);
-        EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read);
-        EXPECT_EQ(problems.items, std::vector<std::string>{path.string()});
-    }
-    wipe(path); // let go: made normal and overwritten
-    EXPECT_EQ(readFile(path).size(), 5124u);
-    EXPECT_TRUE((fs::status(path).permissions() & fs::perms::owner_write) != fs::perms::none);
-}
-
-TEST_F(ActivityWipeTest, LeavesLinksMissingFilesAndTheirTargetsAlone) {
-    const std::string before = randomBytes(4096, 2);
-    const auto target = dir.write("target.dat", before);
-    fs::create_symlink(target, dir.path() / "index.dat");
-    wipe(dir.path() / "index.dat");
-    wipe(dir.path() / "missing.dat");
-    EXPECT_EQ(readFile(target), before);
-    EXPECT_FALSE(fs::exists(dir.path() / "missing.dat"));
-    EXPECT_EQ(problems.items.size(), 2u);
-    EXPECT_EQ(progressCalls, 0);
-}
-
 TEST_F(ActivityWipeTest, AnIndependentParserFindsNoLocationAfterwards) {
     testsupport::RecordFile file;
     file.url("Visited: tavi@http://www.example.com/").url("Cookie:tavi@shop.example.net/").deleted(

@@ -1,6 +1,7 @@
 // The search over real folders: its order (each folder's own matches, then its subfolders, in the
 // order the system lists them), its counters and texts, links, folders named like the pattern,
-// the size quirk of large files and the overflow of its 16-bit counters.
+// the size quirk of large files, the overflow of its 16-bit counters, trees deeper than any path,
+// and folders it may not enter.
 
 #include "indexdat/FileSearch.h"
 #include "platform/FolderList.h"
@@ -10,7 +11,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
+#include <grp.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using testsupport::ScratchDir;
@@ -113,6 +121,74 @@ TEST_F(FileSearchTest, ACounterPassing32767EndsTheSearchKeepingWhatItListed) {
     EXPECT_THROW(search(dir.str(), "index.dat"), indexdat::SearchOverflow);
     EXPECT_THROW(indexdat::countsText(0, 32767), indexdat::SearchOverflow);
     EXPECT_EQ(indexdat::countsText(3, 12), "3/13");
+}
+
+TEST_F(FileSearchTest, NoDepthStopsTheSearchAndEveryFolderItCouldNotEnterIsNamed) {
+    // 80 folders of 60 characters, one inside the other: the match lies more than 4,096 bytes of
+    // path down, where no path to it can be opened. Made through open folders for that reason.
+    const std::string level(60, 'd');
+    int fd = ::open(dir.path().c_str(), O_RDONLY | O_DIRECTORY);
+    for (int i = 0; i < 80; ++i) {
+        ASSERT_EQ(::mkdirat(fd, level.c_str(), 0755), 0);
+        const int below = ::openat(fd, level.c_str(), O_RDONLY | O_DIRECTORY);
+        ::close(fd);
+        fd = below;
+    }
+    const int file = ::openat(fd, "index.dat", O_WRONLY | O_CREAT, 0644);
+    ASSERT_EQ(::write(file, "12345", 5), 5);
+    ::close(file);
+    ::close(fd);
+    EXPECT_EQ(search(dir.str(), "index.dat").rounded(), 5);
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_GT(found[0].size(), 4096u);
+    EXPECT_EQ(found[0], dir.str() + "/" + [&] {
+        std::string down;
+        for (int i = 0; i < 80; ++i)
+            down += level + "/";
+        return down;
+    }() + "index.dat");
+    EXPECT_EQ(indexdat::countsText(files, dirs), "1/81");
+    // rm walks any depth; the scratch folder's own clean-up works by path.
+    EXPECT_EQ(std::system(("rm -rf '" + (dir.path() / level).string() + "'").c_str()), 0);
+
+    // A folder the user may not enter: named, still counted as a folder, and the rest searched.
+    // Root enters every folder, so the search then runs as nobody.
+    ScratchDir tree;
+    for (const char* f : {"a/index.dat", "locked/index.dat", "z/index.dat"})
+        tree.write(f, "1");
+    for (const char* sub : {"", "a", "z"})
+        fs::permissions(tree.path() / sub, fs::perms(0755));
+    fs::permissions(tree.path() / "locked", fs::perms::none);
+    const auto searchTree = [&] {
+        struct Sink : core::ProblemSink {
+            std::vector<std::string> items;
+            void skipped(const std::string& item, const std::string&) override { items.push_back(item); }
+        } sink;
+        std::vector<std::string> seen;
+        std::int16_t f = 0, d = 0;
+        indexdat::FileSearch finder(p->fileSystem(), [&](const std::string& path) { seen.push_back(path); }, &sink);
+        std::string start = ".";
+        finder.FindFilesAPI(start, "index.dat", f, d);
+        std::sort(seen.begin(), seen.end());
+        return seen == std::vector<std::string>{"./a/index.dat", "./z/index.dat"} &&
+               sink.items == std::vector<std::string>{"./locked/"} && f == 2 && d == 3;
+    };
+    const fs::path before = fs::current_path();
+    fs::current_path(tree.path()); // reached as nobody, whatever the folders above allow
+    if (::geteuid() != 0) {
+        EXPECT_TRUE(searchTree());
+    } else {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const bool dropped = ::setgroups(0, nullptr) == 0 && ::setgid(65534) == 0 && ::setuid(65534) == 0;
+            ::_exit(!dropped ? 2 : searchTree() ? 0 : 1);
+        }
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "as nobody: exit " << WEXITSTATUS(status);
+    }
+    fs::current_path(before);
+    fs::permissions(tree.path() / "locked", fs::perms(0755));
 }
 
 TEST_F(FileSearchTest, TheFolderListShowsThePathDownThenTheSubfoldersByName) {

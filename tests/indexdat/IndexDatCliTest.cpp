@@ -9,7 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <unistd.h>
 
 using testsupport::readFile;
 using testsupport::ScratchDir;
@@ -48,6 +50,20 @@ TEST(IndexDatCli, FindPrintsMatchesThenCountsAndTotal) {
     r = runCli("indexdat find " + q(dir.path() / "nowhere"));
     EXPECT_EQ(r.code, 2);
     EXPECT_NE(r.err.find("nowhere"), std::string::npos);
+
+    // A folder the user may not enter is named on stderr and ends the search with exit 1; the rest
+    // is searched and counted all the same. Root enters every folder: the search then runs as nobody,
+    // started inside the tree so that the folders above it need not be open to nobody.
+    dir.write("tavi/Locked/index.dat", "l");
+    for (const char* sub : {"", "tavi", "tavi/History", "tavi/Cookies"})
+        std::filesystem::permissions(dir.path() / sub, std::filesystem::perms(0755));
+    std::filesystem::permissions(dir.path() / "tavi/Locked", std::filesystem::perms::none);
+    const std::string asUser = ::geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+    r = testsupport::runCommand("cd " + q(dir.path()) + " && " + asUser + SCOURMILL_CLI + " indexdat find tavi");
+    std::filesystem::permissions(dir.path() / "tavi/Locked", std::filesystem::perms(0755));
+    EXPECT_EQ(r.code, 1) << r.err;
+    EXPECT_NE(r.err.find("tavi/Locked/"), std::string::npos) << r.err;
+    EXPECT_EQ(r.out.substr(r.out.find("2/4\n")), "2/4\n=1,734 Bytes\n") << r.out;
 }
 
 TEST(IndexDatCli, ReportAndRawGiveTheBytesAsStored) {

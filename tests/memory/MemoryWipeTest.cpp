@@ -173,10 +173,10 @@ TEST_F(MemoryWipeTest, StopRequestEndsTheRunAtTheNextCheck) {
 }
 
 TEST(MemoryWipeSize, SuggestedSizeIsTheCommitLimitOver83AndAThirdGrouped) {
-    EXPECT_EQ(memory::suggestedSizeCaption(2147483648ull), "Suggested Array Size   25,769,804");
-    EXPECT_EQ(memory::suggestedSizeCaption(0), "Suggested Array Size   0");
-    EXPECT_EQ(memory::suggestedSize(2147483648ull), 25'769'804);
-    EXPECT_EQ(memory::suggestedSize(1ull << 40), 2147483647); // as large as a size can be
+    EXPECT_EQ(memory::suggestedSizeCaption(memory::suggestedArraySize(2147483648ull)), "Suggested Array Size   25,769,804");
+    EXPECT_EQ(memory::suggestedSizeCaption(memory::suggestedArraySize(0)), "Suggested Array Size   0");
+    EXPECT_EQ(memory::suggestedSize(memory::suggestedArraySize(2147483648ull)), 25'769'804);
+    EXPECT_EQ(memory::suggestedSize(memory::suggestedArraySize(1ull << 40)), 2147483647); // as large as a size can be
 }
 
 TEST(MemoryWipeSize, EntryIsMillionsOfCharactersAndAnythingElseIsZero) {

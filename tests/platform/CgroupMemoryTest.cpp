@@ -1,6 +1,6 @@
 // The memory limit of this process's control groups, read from scratch cgroup folders that a
 // scratch mount table lists: v2 and v1 control files, limits set above the process's own group,
-// swap allowed or not, and mounts that show only part of a hierarchy.
+// swap allowed or not, page cache the group can drop, and mounts that show only part of a hierarchy.
 
 #include "platform/linux/CgroupMemory.h"
 #include "tests/support/Scratch.h"
@@ -72,6 +72,10 @@ TEST(CgroupMemory, TheTightestLevelFromTheOwnGroupUpBindsWithTheSwapEachAllows) 
     // The own group's limit, when tighter, and its swap forbidden.
     tree.set(app, {{"memory.max", "300"}, {"memory.current", "100"}, {"memory.swap.max", "0"}, {"memory.swap.current", "0"}});
     EXPECT_TRUE(is(tree.limit(self, 50), 300, 200));
+    // Its inactive page cache is dropped before the limit ends anything: room, not use.
+    tree.set(app, {{"memory.stat", "anon 40\ninactive_file 60\nactive_file 0"}});
+    EXPECT_TRUE(is(tree.limit(self, 50), 300, 260));
+    tree.set(app, {{"memory.stat", "inactive_file 0"}});
     // A group over its limit (the kernel lets it be, briefly) has no room left.
     tree.set(app, {{"memory.current", "350"}});
     EXPECT_TRUE(is(tree.limit(self, 50), 300, 0));
@@ -92,6 +96,9 @@ TEST(CgroupMemory, VersionOneGroupsAndMountsThatShowPartOfTheTree) {
     // Memory and swap together, where swap is accounted.
     tree.set(memory, {{"memory.memsw.limit_in_bytes", "4500"}, {"memory.memsw.usage_in_bytes", "1000"}});
     EXPECT_TRUE(is(tree.limit(self, 1000), 5000, 3500));
+    // The hierarchy's inactive page cache (its own "inactive_file" leaves out the subgroups').
+    tree.set(memory, {{"memory.stat", "inactive_file 1\ntotal_inactive_file 500"}});
+    EXPECT_TRUE(is(tree.limit(self, 1000), 5000, 4000));
 
     // A group the mount does not show, and no cgroup line at all.
     EXPECT_FALSE(tree.limit("4:memory:/docker/other\n", 1000));

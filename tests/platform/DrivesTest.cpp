@@ -1,15 +1,21 @@
-// Drives from the scratch mount table: only mounts the tests make are drives, and a path belongs to
-// the drive its object really lies on, however the path is written.
+// Drives from the scratch mount table: only mounts the tests make are drives, a path belongs to
+// the drive its object really lies on, however the path is written, and only filesystems of local
+// block devices are drives a wipe may fill.
 
 #include "platform/Platform.h"
 #include "platform/linux/MountTable.h"
 #include "tests/support/Scratch.h"
+#include "tests/support/LoopImage.h"
 #include "tests/support/ScratchMount.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
+#include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -45,6 +51,112 @@ TEST(MountTable, SplitsFieldsAtSingleBlanksAsTheKernelWritesThem) {
     EXPECT_TRUE(platform::linux::isRealFilesystem(mounts[0]));
     EXPECT_FALSE(platform::linux::isRealFilesystem(mounts[1]));
     EXPECT_TRUE(platform::linux::isRealFilesystem(mounts[4]));
+
+    // A table that is no regular file is never read, and reading it never waits: a FIFO with no
+    // writer, a socket, a device that never ends.
+    ScratchDir dir;
+    const fs::path fifo = dir.path() / "fifo";
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    const fs::path socket = dir.path() / "socket";
+    const int s = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, socket.c_str(), sizeof address.sun_path - 1);
+    ASSERT_EQ(::bind(s, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    for (const fs::path& table : {fifo, socket, fs::path("/dev/zero"), dir.path()})
+        EXPECT_TRUE(platform::linux::readMounts(table.string()).empty()) << table;
+    ::close(s);
+}
+
+TEST(Drives, OnlyLocalBlockDeviceFilesystemsAreDrivesToWipe) {
+    // The scratch folder's own mount, described by one line after another in the scratch table:
+    // what the kernel says of the mount (its type, device and options) alone decides the kind.
+    ScratchDir dir;
+    auto p = platform::createNative();
+    const auto folder = p->fileSystem().openFolder(dir.str());
+    ASSERT_TRUE(folder);
+    const std::string id = std::to_string(folder->self().mount);
+    struct Case {
+        const char* type;
+        const char* device; ///< major:minor; 259:6xxxx has no block device behind it in sysfs
+        const char* source;
+        DriveType kind;
+    };
+    const Case cases[] = {
+        {"ext4", "259:60000", "/dev/nvme9n1p1", DriveType::Fixed},
+        {"ext2", "259:60000", "/dev/sdz1", DriveType::Fixed},
+        {"ext3", "259:60000", "/dev/sdz1", DriveType::Fixed},
+        {"xfs", "259:60000", "/dev/sdz1", DriveType::Fixed},
+        {"btrfs", "0:61", "/dev/sdz1", DriveType::Fixed}, // its device numbers are anonymous ones
+        {"f2fs", "259:60000", "/dev/sdz1", DriveType::Fixed},
+        {"jfs", "259:60000", "/dev/sdz1", DriveType::Fixed},
+        {"reiserfs", "259:60000", "/dev/sdz1", DriveType::Fixed},
+        {"ntfs", "259:60000", "/dev/sdz1", DriveType::Fixed},
+        {"ntfs3", "259:60000", "/dev/sdz1", DriveType::Fixed},
+        {"fuseblk", "259:60000", "/dev/sdz1", DriveType::Fixed},
+        {"fuseblk", "0:62", "/dev/sdz1", DriveType::Unknown}, // no block device behind it
+        {"hfsplus", "259:60000", "/dev/sdz1", DriveType::Fixed},
+        {"zfs", "0:63", "tank/home", DriveType::Fixed},
+        {"bcachefs", "259:60000", "/dev/sdz1", DriveType::Fixed},
+        {"vfat", "259:60000", "/dev/sdz1", DriveType::Removable},
+        {"msdos", "259:60000", "/dev/sdz1", DriveType::Removable},
+        {"exfat", "259:60000", "/dev/sdz1", DriveType::Removable},
+        {"tmpfs", "0:64", "tmpfs", DriveType::RamDisk},
+        {"nfs4", "0:65", "server:/export", DriveType::Remote},
+        {"iso9660", "11:0", "/dev/sr0", DriveType::CdRom},
+        {"fuse.rclone", "0:66", "remote:", DriveType::Unknown},
+        {"fuse.s3fs", "0:66", "s3fs", DriveType::Unknown},
+        {"davfs", "0:66", "https://dav.example/", DriveType::Unknown},
+        {"fuse.glusterfs", "0:66", "server:/volume", DriveType::Unknown},
+        {"virtiofs", "0:66", "share", DriveType::Unknown},
+        {"vboxsf", "0:66", "share", DriveType::Unknown},
+        {"fuse", "0:66", "anything", DriveType::Unknown},
+        {"overlay", "0:67", "overlay", DriveType::Unknown}, // no upper layer: nothing can be written
+        {"newfs", "259:60000", "/dev/sdz1", DriveType::Unknown},
+    };
+    for (const Case& c : cases) {
+        testsupport::addMountTableLine(id + " 1 " + c.device + " / /mnt/case rw,relatime - " + c.type + " " + c.source +
+                                       " rw,lowerdir=/lower");
+        EXPECT_EQ(p->drives().typeOf(*folder), c.kind) << c.type << " " << c.device;
+        EXPECT_EQ(p->drives().fileSystemOf(*folder), c.type);
+        testsupport::removeMountTableLine(id);
+    }
+}
+
+TEST(Drives, AnOverlayIsTheDriveItsUpperLayerIsOn) {
+    ScratchDir dir;
+    testsupport::ScratchMount ram("-t tmpfs -o size=4m scourmill", dir.path() / "ram");
+    if (!ram.mounted())
+        GTEST_SKIP() << ram.reason();
+    for (const char* sub : {"ram/upper", "ram/work", "lower"})
+        fs::create_directories(dir.path() / sub);
+    testsupport::ScratchMount overlay("-t overlay -o lowerdir=" + (dir.path() / "lower").string() +
+                                          ",upperdir=" + (dir.path() / "ram/upper").string() +
+                                          ",workdir=" + (dir.path() / "ram/work").string() + " overlay",
+                                      dir.path() / "merged");
+    if (!overlay.mounted())
+        GTEST_SKIP() << overlay.reason();
+    auto p = platform::createNative();
+    const auto merged = p->fileSystem().openFolder(overlay.point().string());
+    ASSERT_TRUE(merged);
+    EXPECT_EQ(p->drives().typeOf(*merged), DriveType::RamDisk);
+    EXPECT_EQ(p->drives().fileSystemOf(*merged), "overlay (upper layer on tmpfs)");
+}
+
+TEST(Drives, RootMayFillTheBlocksReservedForIt) {
+    ScratchDir dir;
+    testsupport::LoopImage image(dir.path(), 16, "mkfs.ext4 -q -F -m 10");
+    if (!image.mounted())
+        GTEST_SKIP() << image.reason();
+    auto p = platform::createNative();
+    const auto folder = p->fileSystem().openFolder(image.mountPoint().string());
+    ASSERT_TRUE(folder);
+    platform::DiskSpace space;
+    ASSERT_TRUE(p->drives().spaceOf(*folder, space));
+    struct statvfs vfs {};
+    ASSERT_EQ(::statvfs(image.mountPoint().c_str(), &vfs), 0);
+    ASSERT_LT(vfs.f_bavail, vfs.f_bfree) << "the image keeps no blocks back";
+    EXPECT_EQ(space.freeToCaller, static_cast<std::uint64_t>(vfs.f_bfree) * vfs.f_frsize); // mounting took root
 }
 
 TEST(Drives, TheScratchMountTableIsTheOnlyOneSeen) {

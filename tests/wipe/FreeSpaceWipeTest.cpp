@@ -1,6 +1,6 @@
 // The free-space wipe on a real folder with small figures: the bytes and length each pass leaves,
 // the removable increment's rounding, the exit, pause and quit paths, the drive-kind refusals, a
-// link on the way repointed in the middle of a run, an open error, and the stale temporary file.
+// link on the way repointed in the middle of a run, and a temporary file's name already taken.
 
 #include "platform/Platform.h"
 #include "tests/support/LoopImage.h"
@@ -10,6 +10,7 @@
 #include "wipe/FileError.h"
 #include "wipe/FreeSpaceWipe.h"
 #include "wipe/Random.h"
+#include "wipe/WipeTexts.h"
 
 #include <gtest/gtest.h>
 
@@ -138,8 +139,20 @@ TEST_F(FreeSpaceWipeTest, QuitWhileRunningTicksTheExitBoxAndPauseWaitsForTheUnti
     EXPECT_FALSE(fs::exists(temp));
 }
 
-TEST_F(FreeSpaceWipeTest, AnOpenErrorEndsTheRunWithTheButtonsBackAndTheBlockerUntouched) {
-    fs::create_directory(temp); // not a file: it cannot be opened
+TEST_F(FreeSpaceWipeTest, OnlyAFileTheRunCreatedItselfIsEverWritten) {
+    // Something named like the temporary file before the run: refused, saying why, and left alone.
+    fs::create_directory(temp);
+    EXPECT_EQ(wipe.run(dir.str(), Currency::fromWhole(12), Currency::fromWhole(4)), FreeSpaceWipe::Outcome::Refused);
+    EXPECT_EQ(view.ask.told, std::vector<std::string>{wipe::texts::tempNameTaken(temp.string())});
+    EXPECT_TRUE(view.passes.empty());
+    EXPECT_TRUE(view.wipeEnabled);
+    fs::remove(temp);
+
+    // A file put there between two passes is not opened: the run ends on the open error.
+    view.onPass = [&](int pass) {
+        if (pass == 2)
+            dir.write("WNXTEMP.000", "planted");
+    };
     try {
         wipe.run(dir.str(), Currency::fromWhole(12), Currency::fromWhole(4));
         ADD_FAILURE() << "no error raised";
@@ -147,12 +160,12 @@ TEST_F(FreeSpaceWipeTest, AnOpenErrorEndsTheRunWithTheButtonsBackAndTheBlockerUn
         EXPECT_EQ(e.number(), 45602);
         EXPECT_EQ(e.description().rfind("Error opening '" + temp.string() + "'.\r\nError ", 0), 0u);
     }
+    EXPECT_EQ(readFile(temp), "planted");
     EXPECT_TRUE(view.wipeEnabled);
     EXPECT_FALSE(wipe.running());
-    EXPECT_TRUE(fs::is_directory(temp));
 }
 
-TEST_F(FreeSpaceWipeTest, StaleTemporaryFileIsOfferedUnlessAWipeHoldsIt) {
+TEST_F(FreeSpaceWipeTest, StaleTemporaryFileIsOfferedUnlessAWipeHoldsItAndKeptWhenTheUserSaysNo) {
     EXPECT_FALSE(wipe.offerStaleRemoval(dir.str())); // none there
     dir.write("WNXTEMP.000", "left by a crash");
     {
@@ -163,8 +176,11 @@ TEST_F(FreeSpaceWipeTest, StaleTemporaryFileIsOfferedUnlessAWipeHoldsIt) {
     }
     view.ask.answers = {false};
     EXPECT_FALSE(wipe.offerStaleRemoval(dir.str()));
-    EXPECT_TRUE(fs::exists(temp));
     EXPECT_NE(view.ask.asked.back().find(temp.string()), std::string::npos);
+    // Kept means kept: the wipe refuses rather than write into it.
+    EXPECT_EQ(wipe.run(dir.str(), Currency::fromWhole(12), Currency::fromWhole(4)), FreeSpaceWipe::Outcome::Refused);
+    EXPECT_EQ(view.ask.told.back(), wipe::texts::tempNameTaken(temp.string()));
+    EXPECT_EQ(readFile(temp), "left by a crash");
     EXPECT_TRUE(wipe.offerStaleRemoval(dir.str()));
     EXPECT_FALSE(fs::exists(temp));
 }
@@ -181,8 +197,9 @@ TEST_F(FreeSpaceWipeTest, TheDriveKindIsJudgedOnTheFolderTheRunFillsHoweverTheWa
         fs::create_directory(drive / "target");
     EXPECT_EQ(wipe.wipeFixed(ram.point().string()), FreeSpaceWipe::Outcome::Refused);
     EXPECT_EQ(wipe.wipeRemovable(ram.point().string()), FreeSpaceWipe::Outcome::Refused);
-    EXPECT_EQ(view.ask.told, (std::vector<std::string>{"The drive you chose is not a fixed drive",
-                                                       "The drive you chose is not a removable drive"}));
+    EXPECT_EQ(view.ask.told, std::vector<std::string>(2, wipe::texts::driveNotWritten(ram.point().string(), "tmpfs")));
+    EXPECT_EQ(wipe.wipeRemovable(image.mountPoint().string()), FreeSpaceWipe::Outcome::Refused);
+    EXPECT_EQ(view.ask.told.back(), "The drive you chose is not a removable drive");
     EXPECT_FALSE(fs::exists(ram.point() / "WNXTEMP.000"));
     EXPECT_TRUE(view.wipeEnabled);
 

@@ -43,9 +43,14 @@ struct FreeSpaceRecorder final : wipe::FreeSpaceView {
     bool exitBox = false, pauseBox = false, wipeEnabled = true, stop = false;
     std::function<void(const wipe::FreeSpaceProgress&)> onProgress;
     std::function<void()> onPump, onMeasured;
+    std::function<void(int)> onPass;
 
     core::Prompts& prompts() override { return ask; }
-    void passStarted(int pass, core::Currency) override { passes.push_back(pass); }
+    void passStarted(int pass, core::Currency) override {
+        passes.push_back(pass);
+        if (onPass)
+            onPass(pass);
+    }
     void progress(const wipe::FreeSpaceProgress& now) override {
         steps.push_back(now);
         if (onProgress)

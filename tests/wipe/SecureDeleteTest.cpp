@@ -130,29 +130,6 @@ TEST_F(SecureDeleteTest, NothingIsTouchedWithoutANameOrAYes) {
     EXPECT_EQ(readFile(file), "keep me");
 }
 
-TEST_F(SecureDeleteTest, FolderWipeRemovesLinksButNeverWhatTheyPointTo) {
-    ScratchDir outside;
-    const auto target = outside.write("target.txt", "must survive");
-    const auto targetDir = outside.write("kept/inner.txt", "also survives").parent_path();
-    const auto victim = dir.path() / "victim";
-    dir.write("victim/own.txt", "wiped");
-    dir.write("victim/sub/deeper.txt", "removed");
-    fs::create_symlink(target, victim / "file-link");
-    fs::create_symlink(targetDir, victim / "dir-link");
-    fs::create_symlink(target, victim / "sub" / "nested-link");
-
-    EXPECT_TRUE(shred.WipeFolder(victim.string()));
-    EXPECT_FALSE(fs::exists(fs::symlink_status(victim)));
-    EXPECT_EQ(readFile(target), "must survive");
-    EXPECT_EQ(readFile(targetDir / "inner.txt"), "also survives");
-
-    // A link named directly is removed, its target untouched.
-    fs::create_symlink(target, dir.path() / "direct-link");
-    EXPECT_TRUE(shred.WipeFile((dir.path() / "direct-link").string()));
-    EXPECT_FALSE(fs::exists(fs::symlink_status(dir.path() / "direct-link")));
-    EXPECT_EQ(readFile(target), "must survive");
-}
-
 TEST_F(SecureDeleteTest, NothingSwappedInDuringAWipeIsWrittenOrDeleted) {
     ScratchDir outside;
     outside.write("a.bin", filled('P', 1000));

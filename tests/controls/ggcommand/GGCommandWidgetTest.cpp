@@ -7,9 +7,11 @@
 #include "tests/support/QtTestMain.h"
 #include "tests/support/Scratch.h"
 
+#include <QDialog>
 #include <QSignalSpy>
 #include <QStringList>
 #include <QTest>
+#include <QTimer>
 
 using ggcommand::GGCommand;
 
@@ -176,6 +178,19 @@ private slots:
         QTest::mouseMove(m_button, QPoint(80, 15));
         QTest::mouseMove(m_button, QPoint(80, 80));
         QCOMPARE(corners(), std::pair(white, shadow));
+
+        // A click that opens a message box: the box takes the pointer, so the face is the one of a
+        // pointer away (caption colour and frame) once the box has closed.
+        m_button->setAlwaysShowBorder(false);
+        const QImage away = m_button->grab().toImage();
+        connect(m_button, &GGCommand::Click, m_window, [this] {
+            QDialog box(m_window);
+            QTimer::singleShot(0, &box, &QDialog::accept);
+            box.exec();
+        });
+        QTest::mouseMove(m_button, QPoint(80, 15));
+        QTest::mouseClick(m_button, Qt::LeftButton, {}, QPoint(80, 15));
+        QCOMPARE(m_button->grab().toImage(), away);
     }
 
     void tooltipLivesFromEnterToExit() {

@@ -72,6 +72,10 @@ TEST_F(WindowsFolderTest, EntriesAreReachedBelowAFolderThatStaysInPlace) {
     EXPECT_FALSE(sub->openFile("new.txt", false));
     EXPECT_TRUE(sub->openFile("new.txt", true));
     EXPECT_TRUE(fs::exists(at("walk\\sub\\new.txt")));
+    // Only a file the call creates itself: a name already taken is refused.
+    EXPECT_FALSE(sub->openFile("new.txt", platform::Folder::Create::Exclusive));
+    EXPECT_EQ(::GetLastError(), static_cast<DWORD>(ERROR_FILE_EXISTS));
+    EXPECT_TRUE(sub->openFile("newer.txt", platform::Folder::Create::Exclusive));
 
     EXPECT_FALSE(walk->removeFolder("sub")); // not empty
     EXPECT_FALSE(walk->removeFile("sub"));   // a real folder is no file
