@@ -82,6 +82,7 @@ TEST_F(WindowsFolderTest, EntriesAreReachedBelowAFolderThatStaysInPlace) {
     EXPECT_TRUE(sub->removeFile("b.txt"));
     EXPECT_TRUE(sub->removeFile("new.txt"));
     EXPECT_TRUE(sub->removeFile("new.txt")); // already gone
+    EXPECT_TRUE(sub->removeFile("newer.txt"));
     sub.reset();
     EXPECT_TRUE(walk->removeFolder("sub"));
     EXPECT_FALSE(fs::exists(at("walk\\sub")));
