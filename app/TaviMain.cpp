@@ -10,6 +10,7 @@
 #include "app/tray/SysTray.h"
 #include "cleaning/CURLHistory.h"
 #include "cleaning/CleanIT.h"
+#include "cleaning/TempFolderGuard.h"
 #include "cleaning/TraceCleaner.h"
 #include "controls/ggcommand/GGCommand.h"
 #include "controls/hoverhelp/HoverHelp.h"
@@ -59,8 +60,8 @@ TaviMain::TaviMain(platform::Platform& platform, WindowSet& windows, QWidget* pa
     setWindowTitle("Tavi Scourmill");
     setWindowIcon(programIcon());
     buildControls();
-    m_workingList = std::make_unique<WorkingList>(*m_list1);
-    m_cleaner = std::make_unique<cleaning::TraceCleaner>(m_platform, *m_workingList);
+    m_workingList = std::make_unique<WorkingList>(*m_list1, m_outcome);
+    m_cleaner = std::make_unique<cleaning::TraceCleaner>(m_platform, *m_workingList, &m_outcome);
     buildMenus();
     ggcommand::applyDesign(*this, ":/design/TaviMain.design");
     connectCommands();
@@ -128,17 +129,30 @@ void TaviMain::buildControls() {
 
     m_lblConnected = new QLabel(this);
     m_lblConnected->setObjectName("lblconnected");
-    auto* label1 = new QLabel("Tavi Scourmill: erases what the browser and your programs leave behind.", this);
-    label1->setObjectName("Label1");
-    label1->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // The status line: the program's purpose until the first action, then what each action did.
+    m_status = new QLabel("Tavi Scourmill: erases what the browser and your programs leave behind.", this);
+    m_status->setObjectName("Label1");
+    m_status->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_status->setWordWrap(true);
+    // Room for two lines across the window: an outcome with something left takes both.
+    m_status->setMinimumHeight(2 * m_status->fontMetrics().lineSpacing());
+
+    // Warnings the user must see in the window itself: running as root, a temporary folder that
+    // cannot be cleaned. Hidden while there is none.
+    m_lblWarning = new QLabel(this);
+    m_lblWarning->setObjectName("lblWarning");
+    m_lblWarning->setWordWrap(true);
+    m_lblWarning->setStyleSheet("color: #b00000;");
+    m_lblWarning->hide();
 
     auto* grid = new QGridLayout(this);
     grid->addWidget(frame4, 0, 0);
     grid->addWidget(frame3, 0, 1);
     grid->addWidget(m_combo1, 1, 0, 1, 2);
     grid->addWidget(m_list1, 2, 0, 1, 2);
-    grid->addWidget(m_lblConnected, 3, 0);
-    grid->addWidget(label1, 3, 1);
+    grid->addWidget(m_lblWarning, 3, 0, 1, 2);
+    grid->addWidget(m_status, 4, 0, 1, 2);
+    grid->addWidget(m_lblConnected, 5, 0);
     grid->setRowStretch(2, 1);
 }
 
@@ -198,7 +212,13 @@ void TaviMain::Form_MouseMove(tray::TrayMessage message) {
         m_mnuFile->popup(QCursor::pos());
 }
 
+void TaviMain::showWarning(const std::string& text) {
+    m_lblWarning->setText(QString::fromStdString(text));
+    m_lblWarning->setVisible(!text.empty());
+}
+
 void TaviMain::Form_Load() {
+    showWarning(cleaning::RunAsWarning(m_platform.knownFolders().runAs()));
     adjustSize();
     widgets::centreOnScreen(*this);
     for (const std::string& item : cleaning::ChooserItems)
@@ -245,20 +265,37 @@ void TaviMain::CleanTempFolder() {
     m_cleaner->CleanTempFolder();
 }
 
+void TaviMain::reported(const std::function<void()>& action) {
+    m_outcome.Start();
+    quietly(action);
+    m_status->setText(QString::fromStdString(m_outcome.Text()));
+}
+
 void TaviMain::GGCommand1_Click() {
     wipe::ui::BusyCursor hourglass;
-    quietly([this] { ShowCache(); });
+    reported([this] {
+        ShowCache();
+        m_outcome.Note(cleaning::Counted(m_workingList->lineCount(), "cache entry", "cache entries") + " listed");
+    });
 }
 
 void TaviMain::GGCommand2_Click() {
     // Only what the list shows now is deleted: an empty list erases nothing, on purpose.
     wipe::ui::BusyCursor hourglass;
-    quietly([this] { m_cleaner->DeleteListedCacheEntries(); });
+    reported([this] { m_cleaner->DeleteListedCacheEntries(); });
 }
 
 void TaviMain::GGCommand3_Click() {
+    // A temporary folder that may not be cleaned stops the whole clean, as on the command line,
+    // and the window says why.
+    const std::string temp = m_cleaner->Paths().TempPath;
+    if (const std::string refusal = cleaning::TempFolderRefusal(m_platform, temp); !temp.empty() && !refusal.empty()) {
+        showWarning(cleaning::TempFolderRefusedLine(temp, refusal));
+        return;
+    }
+    showWarning(cleaning::RunAsWarning(m_platform.knownFolders().runAs()));
     wipe::ui::BusyCursor hourglass;
-    quietly([this] {
+    reported([this] {
         CleanTempFolder();
         CleanAll();
     });
@@ -274,8 +311,8 @@ void TaviMain::GGCommand4_Click() {
 }
 
 void TaviMain::GGCommand5_Click() {
-    // A missing program is not reported.
-    m_platform.shell().startProgram(m_platform.shell().executableName("tavipop"));
+    if (!m_platform.shell().startProgram(m_platform.shell().executableName("tavipop")))
+        reported([this] { m_outcome.Note("No pop-up stopper program was found"); });
 }
 
 void TaviMain::GGCommand6_Click() {
@@ -298,7 +335,11 @@ void TaviMain::GGCommand9_Click() {
 
 void TaviMain::GGCommand11_Click() {
     RecycleProgress progress(this);
-    cleaning::CleanIT(m_platform, m_prompts, nullptr, &progress).CleanMruItem(m_combo1->currentText().toStdString());
+    const std::string item = m_combo1->currentText().toStdString();
+    reported([&] {
+        cleaning::CleanIT(m_platform, m_prompts, &m_outcome, &progress).CleanMruItem(item);
+        m_outcome.Note(cleaning::CleanIT::IsChooserItem(item) ? "Cleaned: " + item : "Nothing cleaned");
+    });
 }
 
 void TaviMain::GGCommand14_Click() {
@@ -367,7 +408,7 @@ void TaviMain::TClosed_Timer() {
         return;
     m_tray->ShowIcon(QIcon(m_picture1->pixmap()));
     QThread::msleep(500);
-    quietly([this] { CleanAll(); });
+    reported([this] { CleanAll(); });
     m_tray->ShowIcon(windowIcon());
     writeState(autoclean::afterClean(readState(button(10), m_tCheck, m_tClosed)), button(10), m_tCheck, m_tClosed);
     emit autoCleaned();

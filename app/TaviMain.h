@@ -3,12 +3,15 @@
 // recent-item chooser. It owns the tray icon, the AutoClean watch and the folder paths the cleaning
 // routines use; the work itself is done by the core, and the tool windows come from the WindowSet.
 
+#include "cleaning/Outcome.h"
 #include "controls/prompts/MessageBoxPrompts.h"
 
 #include <QString>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
+#include <string>
 
 class QComboBox;
 class QLabel;
@@ -108,7 +111,11 @@ private:
     void Mnu_Exit_Click();
 
     void showFromTray();
+    /// Shows `text` on the window's warning line; an empty text hides the line.
+    void showWarning(const std::string& text);
     bool browserRunning();
+    /// Runs `action` quietly, then shows what it did in the status line.
+    void reported(const std::function<void()>& action);
 
     platform::Platform& m_platform;
     WindowSet& m_windows;
@@ -119,6 +126,7 @@ private:
     QTimer* m_tClosed = nullptr;
     QComboBox* m_combo1 = nullptr;
     QListWidget* m_list1 = nullptr;
+    QLabel* m_lblWarning = nullptr;
     QLabel* m_lblConnected = nullptr;
     QLabel* m_picture1 = nullptr;
     QMenuBar* m_menuBar = nullptr;
@@ -127,6 +135,9 @@ private:
     tray::SysTray* m_tray = nullptr;
 
     QString m_systemDirectory;
+    /// What the last action did, shown by the status line m_status.
+    cleaning::Outcome m_outcome;
+    QLabel* m_status = nullptr;
     std::unique_ptr<WorkingList> m_workingList;
     std::unique_ptr<cleaning::TraceCleaner> m_cleaner; ///< holds the folder paths read at start-up
     std::unique_ptr<cleaning::CURLHistory> m_urlHistory;

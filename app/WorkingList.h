@@ -1,7 +1,8 @@
 #pragma once
-// The main window's cache list List1 as the working list of the trace-cleaning routines, and the
-// window's way of letting pending events run while they work.
+// The main window's cache list List1 as the working list of the trace-cleaning routines, the
+// window's way of letting pending events run while they work, and the count of what they finished.
 
+#include "cleaning/Outcome.h"
 #include "cleaning/TraceView.h"
 
 class QListWidget;
@@ -10,7 +11,8 @@ namespace app {
 
 class WorkingList final : public cleaning::TraceView {
 public:
-    explicit WorkingList(QListWidget& list) : m_list(list) {}
+    /// Each finished item is counted in `outcome`, for the status line.
+    WorkingList(QListWidget& list, cleaning::Outcome& outcome) : m_list(list), m_outcome(outcome) {}
 
     void clearList() override;
     void addLine(const std::string& line) override;
@@ -18,9 +20,11 @@ public:
     std::string line(std::size_t index) const override;
     /// Lets pending window events and timers run.
     void pumpEvents() override;
+    void itemDone(cleaning::TraceStep step, const std::string&) override { m_outcome.Done(step); }
 
 private:
     QListWidget& m_list;
+    cleaning::Outcome& m_outcome;
 };
 
 } // namespace app

@@ -1,10 +1,12 @@
 #include "cleaning/CleanAllPreview.h"
 
 #include "cleaning/CURLHistory.h"
+#include "cleaning/TempFolderGuard.h"
 #include "cleaning/TraceCleaner.h"
 #include "platform/PreviewPlatform.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace cleaning {
 namespace {
@@ -27,11 +29,17 @@ CleanAllPreview PreviewCleanAll(platform::Platform& platform, core::ProblemSink*
     cleaner.ReadFolderPaths();
 
     CleanAllPreview found;
+    found.tempFolder = cleaner.Paths().TempPath;
+    if (!found.tempFolder.empty())
+        found.tempRefusal = TempFolderRefusal(platform, found.tempFolder);
     cleaner.CleanTempFolder();
     const std::size_t tempChanges = dryRun.changes().size();
+    // An address two browsers hold is one entry, as the clean counts it.
     std::vector<std::string> addresses;
+    std::unordered_set<std::string> seen;
     for (const auto& item : history.NewEnum())
-        addresses.push_back(item->URL());
+        if (seen.insert(item->URL()).second)
+            addresses.push_back(item->URL());
     cleaner.CleanAll();
 
     const auto& changes = dryRun.changes();

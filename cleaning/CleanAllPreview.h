@@ -12,6 +12,8 @@
 namespace cleaning {
 
 struct CleanAllPreview {
+    std::string tempFolder;                  ///< the temporary folder the clean would work in
+    std::string tempRefusal;                 ///< why it may not be cleaned at all; empty when it may
     std::vector<std::string> tempFiles;      ///< files of the temporary folder that would be deleted
     std::vector<std::string> tempFolders;    ///< its subfolders that would be removed
     std::vector<std::string> cacheEntries;   ///< cache addresses

@@ -110,8 +110,13 @@ std::string CleanIT::ReadRegString(RegKey root, const std::string& key, const st
 void CleanIT::DeleteRegValue(RegKey root, const std::string& key, const std::string& name) {
     auto& registry = m_platform.registry();
     RegKey handle = 0;
-    if (registry.openKey(root, key, handle) != RegResult::Success)
+    if (const long opened = registry.openKey(root, key, handle); opened != RegResult::Success) {
+        // A missing key has nothing to delete; a hive that cannot be read is worth saying.
+        if (opened == RegResult::AccessDenied && m_problems)
+            m_problems->skipped("HKEY_CURRENT_USER\\" + key,
+                                "the registry cannot be read (its file is not a regular file, or not readable); left alone");
         return;
+    }
     const long rc = registry.deleteValue(handle, name);
     if (rc != RegResult::Success && rc != RegResult::FileNotFound && m_problems)
         m_problems->skipped("HKEY_CURRENT_USER\\" + key + "\\" + name,
@@ -162,13 +167,24 @@ void CleanIT::allValuesScheme(const std::string& key) {
         DeleteRegValue(CurrentUserRoot, key, name);
 }
 
+void CleanIT::reportRefusedRecords() {
+    for (const platform::RefusedRecord& record : m_platform.recycleBin().takeRefused())
+        if (m_problems)
+            m_problems->skipped(record.path, record.reason);
+}
+
 void CleanIT::CleanRecentDocs() {
 #ifdef _WIN32
     // The shell's call removes the RecentDocs key whole, every value whether MRUList names it or
     // not: each is deleted here first, so that a preview lists it and the summary counts it.
     allValuesScheme(RecentDocsKey);
 #endif
-    if (!m_platform.recycleBin().clearRecentDocuments() && m_problems)
+    const bool cleared = m_platform.recycleBin().clearRecentDocuments();
+    const auto refused = m_platform.recycleBin().takeRefused();
+    for (const platform::RefusedRecord& record : refused)
+        if (m_problems)
+            m_problems->skipped(record.path, record.reason);
+    if (!cleared && refused.empty() && m_problems)
         m_problems->skipped("recent documents", "the list could not be cleared");
     mruListScheme(RecentDocsKey);
 }
@@ -196,6 +212,7 @@ void CleanIT::EmptyRecycleBin(std::string rootPath, bool noConfirmation, bool no
     wipe::Engine engine(m_platform, nullptr, m_problems);
     BinDialogs dialogs(m_prompts, m_view, engine);
     m_platform.recycleBin().empty(rootPath, flags, dialogs);
+    reportRefusedRecords();
 }
 
 void CleanIT::DoEmAll() {
@@ -212,11 +229,12 @@ void CleanIT::DoEmAll() {
     EmptyRecycleBin("", false, false, false);
 }
 
-CleanPreview CleanIT::Preview(platform::Platform& platform) {
+CleanPreview CleanIT::Preview(platform::Platform& platform, core::ProblemSink* problems) {
     // The same routines over a platform that only records: nothing here can delete.
     platform::PreviewPlatform dryRun(platform);
     core::SilentPrompts silent;
-    CleanIT(dryRun, silent).DoEmAll();
+    CleanIT cleaner(dryRun, silent, problems);
+    cleaner.DoEmAll();
     CleanPreview preview;
     using Kind = platform::Change::Kind;
     for (const auto& change : dryRun.changes()) {
@@ -229,6 +247,8 @@ CleanPreview CleanIT::Preview(platform::Platform& platform) {
             preview.trash.insert(preview.trash.end(), items.begin(), items.end());
         }
     }
+    // Reading the lists above is what meets a refused record: each is named here.
+    cleaner.reportRefusedRecords();
     return preview;
 }
 

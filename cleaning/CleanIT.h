@@ -78,8 +78,9 @@ public:
     /// Deletes the value `name` of `key`; a missing value is not a problem.
     void DeleteRegValue(platform::RegKey root, const std::string& key, const std::string& name);
 
-    /// What DoEmAll would remove on this machine; nothing is changed.
-    static CleanPreview Preview(platform::Platform& platform);
+    /// What DoEmAll would remove on this machine; nothing is changed. Records the bin would leave
+    /// unread or as they are go to `problems` when given.
+    static CleanPreview Preview(platform::Platform& platform, core::ProblemSink* problems = nullptr);
 
 private:
     void countedScheme(const std::string& key, const std::string& stem, int first);
@@ -87,6 +88,8 @@ private:
     void mruListScheme(const std::string& key);
     /// Deletes every value of `key`.
     void allValuesScheme(const std::string& key);
+    /// Tells the problem sink about the bin's records refused since last asked.
+    void reportRefusedRecords();
 
     platform::Platform& m_platform;
     core::Prompts& m_prompts;

@@ -5,6 +5,7 @@
 
 #include "cleaning/TraceCleaner.h"
 
+#include "cleaning/TempFolderGuard.h"
 #include "core/Rounding.h"
 #include "wipe/Engine.h"
 
@@ -81,10 +82,17 @@ void TraceCleaner::CleanTempFolder() {
         skipped(temp, "is not a folder");
         return;
     }
+    // Decided on the folder just opened, the one the clean then works in.
+    if (const std::string refusal = TempFolderRefusal(m_platform, *top); !refusal.empty()) {
+        skipped(temp, refusal);
+        return;
+    }
     bool listed = false;
-    const auto entries = entriesOf(*top, listed);
+    auto entries = entriesOf(*top, listed);
     if (!listed)
         skipped(temp, "cannot be listed");
+    // The X server's locks and sockets and the services' private folders stay, whoever owns them.
+    std::erase_if(entries, [](const FileInfo& fi) { return IsServiceEntry(fi.name); });
     for (const FileInfo& fi : entries) {
         if (m_view.interrupted())
             return;

@@ -5,6 +5,7 @@
 #include "wipe/Engine.h"
 
 #include <cstddef>
+#include <unordered_set>
 
 namespace cleaning {
 namespace {
@@ -43,6 +44,13 @@ void ReportStoresInUse(core::ProblemSink* problems, const std::vector<std::strin
         problems->skipped(store, "its browser is running; its " + what + " was left alone");
 }
 
+void ReportStoreProblems(core::ProblemSink* problems, const std::vector<platform::StoreProblem>& stores) {
+    if (!problems)
+        return;
+    for (const platform::StoreProblem& store : stores)
+        problems->skipped(store.file, store.reason);
+}
+
 std::string TraceCleaner::join(const std::string& folder, const std::string& name) const {
     return wipe::joinPath(m_platform.fileSystem(), folder, name);
 }
@@ -52,11 +60,16 @@ void TraceCleaner::ShowCache() {
     auto& cache = m_platform.urlCache();
     memory::MemoryBlock block(m_platform.virtualMemory());
     // Each entry is asked for twice: once for the bytes it needs, once into a block of that size.
+    // An address that two browsers hold is one line: deleting it deletes it in both.
+    std::unordered_set<std::string> listed;
     const auto listSource = [&](std::uint32_t size) {
         platform::UrlCacheEntryInfo entry;
         block.ReadFrom(address(&entry), EntryBytes);
-        if (entry.lpszSourceUrlName)
-            m_view.addLine(block.ExtractString(address(entry.lpszSourceUrlName), static_cast<std::int32_t>(size)));
+        if (!entry.lpszSourceUrlName)
+            return;
+        std::string line = block.ExtractString(address(entry.lpszSourceUrlName), static_cast<std::int32_t>(size));
+        if (listed.insert(line).second)
+            m_view.addLine(line);
     };
     std::uint32_t size = 0;
     cache.findFirst(nullptr, size);
@@ -81,28 +94,39 @@ void TraceCleaner::ShowCache() {
         cache.findClose(enumeration);
     block.ReleaseMemory();
     ReportStoresInUse(m_problems, cache.storesInUse(), "cache");
+    ReportStoreProblems(m_problems, cache.storeProblems());
 }
 
-void TraceCleaner::deleteListed() {
+void TraceCleaner::deleteListed(bool always) {
     auto& cache = m_platform.urlCache();
+    const bool any = m_view.lineCount() > 0;
     for (std::size_t i = 0; i < m_view.lineCount() && !m_view.interrupted(); ++i) {
         const std::string url = m_view.line(i);
-        cache.deleteEntry(url); // a failed deletion is not reported: the entry may simply be gone
-        m_view.itemDone(TraceStep::CacheEntries, url);
+        // An entry not found any more was deleted by its browser; one that stays is named by the
+        // cache's problems.
+        if (cache.deleteEntry(url))
+            m_view.itemDone(TraceStep::CacheEntries, url);
     }
     m_view.clearList();
+    if (m_view.interrupted() || !(any || always))
+        return;
+    // Files whose key could not be read were never listed, and the caches beside the disk cache
+    // hold no entries by address: both go now.
+    cache.deleteUnlisted();
 }
 
 void TraceCleaner::DeleteListedCacheEntries() {
-    deleteListed();
+    deleteListed(false);
     ReportStoresInUse(m_problems, m_platform.urlCache().storesInUse(), "cache");
+    ReportStoreProblems(m_problems, m_platform.urlCache().storeProblems());
 }
 
 void TraceCleaner::CleanAll() {
     ShowCache();
     core::SilentPrompts silent; // the typed-URL clean asks nothing
     CleanIT(m_platform, silent, m_problems).CleanTypedURLs();
-    deleteListed();
+    deleteListed(true);
+    ReportStoreProblems(m_problems, m_platform.urlCache().storeProblems());
     if (m_view.interrupted())
         return;
     cleanCookieRecords();
@@ -110,10 +134,23 @@ void TraceCleaner::CleanAll() {
         return;
     if (!m_history)
         return;
-    m_history->Clear();
+    // Counted by address, before and after: an address that two browsers held is one entry, and
+    // one a store kept (its browser runs, its database is damaged) is not counted.
+    const auto addresses = [this] {
+        std::unordered_set<std::string> urls;
+        for (const auto& item : m_history->NewEnum())
+            urls.insert(item->URL());
+        return urls;
+    };
     m_history->Refresh("", 0);
-    m_view.itemDone(TraceStep::History, {});
+    const std::unordered_set<std::string> before = addresses();
+    m_history->Clear(); // reads the store afresh
+    const std::unordered_set<std::string> after = addresses();
+    for (const std::string& url : before)
+        if (!after.count(url))
+            m_view.itemDone(TraceStep::History, url);
     ReportStoresInUse(m_problems, m_platform.urlHistory().storesInUse(), "history");
+    ReportStoreProblems(m_problems, m_platform.urlHistory().storeProblems());
 }
 
 void TraceCleaner::cleanCookieRecords() {

@@ -29,6 +29,8 @@ namespace cleaning {
 /// Tells `problems` (when given) about each browser profile of `stores` that was left alone
 /// because its browser runs; `what` names the part left ("cache", "history").
 void ReportStoresInUse(core::ProblemSink* problems, const std::vector<std::string>& stores, const std::string& what);
+/// Tells `problems` (when given) about each file of a store that could not be read or cleaned.
+void ReportStoreProblems(core::ProblemSink* problems, const std::vector<platform::StoreProblem>& stores);
 
 class TraceCleaner {
 public:
@@ -51,10 +53,12 @@ public:
     /// in its order, through a MemoryBlock as the entry buffer. An enumeration error ends the
     /// listing with the entries found so far.
     void ShowCache();
-    /// Deletes the cache entry of each listed address, first to last, then empties the list. Only
-    /// what is listed goes: with an empty list nothing is erased.
+    /// Deletes the cache entry of each listed address, first to last, then empties the list, and
+    /// then every cache file the listing could not name (see UrlCache::deleteUnlisted). With an
+    /// empty list nothing is erased. An address is counted done only when its entry went.
     void DeleteListedCacheEntries();
-    /// The full clean: lists and deletes every cache entry, cleans the typed-URL list, deletes the
+    /// The full clean: lists and deletes every cache entry and every cache file (see
+    /// UrlCache::deleteUnlisted), cleans the typed-URL list, deletes the
     /// files named "index.dat" in the cookie folder (overwriting any whose deletion fails), then
     /// clears the URL history.
     void CleanAll();
@@ -81,7 +85,8 @@ private:
     /// Walks everything below `dir`. With `remove` false, tells whether all of it may go; with it
     /// true, removes what may and tells whether all of it went.
     bool clearBelow(platform::Folder& dir, bool remove);
-    void deleteListed();
+    /// With `always` false, an empty list erases nothing.
+    void deleteListed(bool always);
     void cleanCookieRecords();
     void skipped(const std::string& item, const std::string& reason);
     std::string join(const std::string& folder, const std::string& name) const;

@@ -2,6 +2,9 @@
 
 #include "platform/Folder.h"
 
+#include <algorithm>
+#include <unordered_set>
+
 namespace cli {
 namespace {
 
@@ -179,7 +182,10 @@ public:
             ++m_ledger.counts.cacheEntriesDeleted;
         return deleted;
     }
+    // Files without a readable key are no entries of the list: they are not counted as entries.
+    std::size_t deleteUnlisted() override { return m_real.deleteUnlisted(); }
     std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
+    std::vector<platform::StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
 
 private:
     platform::UrlCache& m_real;
@@ -211,16 +217,18 @@ public:
         return cleared;
     }
     std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
+    std::vector<platform::StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
 
 private:
+    /// The addresses the store holds: one held by two browsers is one entry.
     std::uint64_t entries() {
-        std::uint64_t count = 0;
+        std::unordered_set<std::string> addresses;
         if (auto all = m_real.enumUrls()) {
             platform::StatUrl record;
             while (all->next(record) == 1)
-                ++count;
+                addresses.insert(std::move(record.pwcsUrl));
         }
-        return count;
+        return addresses.size();
     }
 
     platform::UrlHistory& m_real;
@@ -247,6 +255,7 @@ public:
         m_ledger.counts.recentDocumentsRemoved += before - std::min(before, after);
         return cleared;
     }
+    std::vector<platform::RefusedRecord> takeRefused() override { return m_real.takeRefused(); }
 
 private:
     platform::RecycleBin& m_real;

@@ -1,6 +1,6 @@
 // history list / add / remove / clear: the browser's URL history store through the same collection
-// the desktop program uses. A browser profile left alone because its browser runs is named on
-// stderr and makes the exit code 1.
+// the desktop program uses. A browser profile left alone because its browser runs, and a database
+// that cannot be read or cleaned, are named on stderr and make the exit code 1.
 
 #include "cleaning/CURLHistory.h"
 #include "cleaning/TraceCleaner.h"
@@ -42,6 +42,7 @@ std::string dateText(double date) {
 
 void reportStores(Context& ctx) {
     cleaning::ReportStoresInUse(&ctx.problems, ctx.platform.urlHistory().storesInUse(), "history");
+    cleaning::ReportStoreProblems(&ctx.problems, ctx.platform.urlHistory().storeProblems());
 }
 
 bool holds(cleaning::CURLHistory& history, const std::string& url) {
@@ -99,11 +100,20 @@ void clear(Context& ctx) {
     reportStores(ctx);
 }
 
+const char* const kSessionNote =
+    "Clearing the history deletes the session files of every profile, and removing an address those\n"
+    "of each profile whose history held it (Chromium's Sessions/, Current and Last Session and Tabs;\n"
+    "Firefox's sessionstore.jsonlz4 and sessionstore-backups/), since they keep the addresses of open\n"
+    "tabs: the browser then starts with no tabs to restore. A profile whose browser runs is left\n"
+    "alone; a database that cannot be read or cleaned is named and left as it is. Either makes the\n"
+    "exit code 1.";
+
 } // namespace
 
 void addHistoryCommands(CLI::App& app, Context& ctx) {
     auto* history = app.add_subcommand("history", "The browser's URL history store");
     history->require_subcommand(1);
+    history->footer(kSessionNote);
     {
         auto* cmd = history->add_subcommand("list", "Each entry as ADDRESS<TAB>TITLE<TAB>LAST VISITED (local time), in "
                                                     "the store's order");

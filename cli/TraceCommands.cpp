@@ -65,7 +65,11 @@ void wipeCache(Context& ctx) {
 }
 
 std::string cleanAllQuestion(const cleaning::CleanAllPreview& found) {
-    return "Overwrite and delete " + counted(found.tempFiles.size(), "temp file") + ", and delete " +
+    const std::string temp = found.tempFolder.empty() ? std::string("no temp files")
+                                                       : counted(found.tempFiles.size(), "temp file") + " and " +
+                                                             counted(found.tempFolders.size(), "folder") + " in " +
+                                                             found.tempFolder;
+    return "Overwrite and delete " + temp + ", and delete " +
            std::to_string(found.cacheEntries.size()) + (found.cacheEntries.size() == 1 ? " cache entry, " : " cache entries, ") +
            std::to_string(found.historyEntries.size()) +
            (found.historyEntries.size() == 1 ? " history entry and " : " history entries and ") +
@@ -75,13 +79,20 @@ std::string cleanAllQuestion(const cleaning::CleanAllPreview& found) {
 void cleanAll(Context& ctx) {
     // Counted by the very routines that will do the work, over a platform that only records.
     const cleaning::CleanAllPreview found = cleaning::PreviewCleanAll(ctx.platform);
+    if (!found.tempRefusal.empty()) {
+        // Nothing at all is done: the user meant the whole clean, and its first part cannot run.
+        ctx.problems.skipped(found.tempFolder, found.tempRefusal);
+        ctx.exitCode = 1;
+        return;
+    }
     if (!ctx.prompts.askYesNo(cleanAllQuestion(found), core::MessageTitle,
                               core::MsgStyle::YesNo | core::MsgStyle::Exclamation)) {
         ctx.exitCode = 1;
         return;
     }
     watchInterrupts();
-    TerminalTraceView view(found.tempFiles.size() + found.cacheEntries.size() + found.cookieFiles.size() + 1);
+    TerminalTraceView view(found.tempFiles.size() + found.cacheEntries.size() + found.cookieFiles.size() +
+                           found.historyEntries.size());
     cleaning::CURLHistory history(ctx.platform.urlHistory());
     cleaning::TraceCleaner cleaner(ctx.platform, view, &ctx.problems, &ctx.verdicts);
     cleaner.SetHistory(history);
@@ -128,17 +139,19 @@ void watch(Context& ctx, int interval) {
             cleaner.SetHistory(history);
             cleaner.ReadFolderPaths();
             cleaner.CleanAll();
-            std::cout << now() << " the browser closed; cleaned "
-                      << view.done(TraceStep::CacheEntries) << (view.done(TraceStep::CacheEntries) == 1 ? " cache entry, " : " cache entries, ")
-                      << counted(view.done(TraceStep::CookieFiles), "cookie record file") << " and the history"
-                      << std::endl;
+            // What was left is named on stderr as it happens; the line counts what went.
+            const std::size_t entries = view.done(TraceStep::CacheEntries), visits = view.done(TraceStep::History);
+            std::cout << now() << " the browser closed; cleaned " << entries
+                      << (entries == 1 ? " cache entry, " : " cache entries, ")
+                      << counted(view.done(TraceStep::CookieFiles), "cookie record file") << " and " << visits
+                      << (visits == 1 ? " history entry" : " history entries") << std::endl;
             state = autoclean::afterClean(state);
         }
     }
 }
 
 void preview(Context& ctx) {
-    const cleaning::CleanPreview items = cleaning::CleanIT::Preview(ctx.platform);
+    const cleaning::CleanPreview items = cleaning::CleanIT::Preview(ctx.platform, &ctx.problems);
     for (const auto& value : items.values)
         std::cout << "registry: HKEY_CURRENT_USER\\" << value.key << " : " << value.name << "\n";
     std::uint64_t bytes = 0;
@@ -187,6 +200,11 @@ void addTraceCommands(CLI::App& app, Context& ctx) {
         cmd->add_flag("--yes,-y", *yes, "Do not ask first");
         cmd->footer("Only your own plain files that no program has open are touched; links, sockets, pipes and "
                     "devices stay, and a temporary subfolder that still holds any of them stays whole.\n"
+                    "A temporary folder that is /, your home or a folder above it, a system folder or another\n"
+                    "user's folder is refused, and nothing at all is done (exit code 1). X server locks and\n"
+                    "sockets and systemd's private folders always stay. Run as root through sudo, a shared\n"
+                    "folder such as /tmp loses only the files of the user who ran sudo; as root without sudo\n"
+                    "it is left alone.\n"
                     "A browser profile whose browser runs is left alone and named on stderr (exit code 1).\n"
                     "Ctrl-C stops: the file being overwritten is deleted, nothing further is touched.");
         ctx.summary.changes(cmd);

@@ -32,7 +32,10 @@ struct FileInfo {
                                   ///< Windows); differs from its folder's at a mount point
     std::uint64_t links = 1;      ///< names the file has (hard links); a file with more is never overwritten
     bool isRegular = false;       ///< a plain file (not a folder, link, device, socket, pipe)
-    bool ownedByUser = false;     ///< owned by the user running the program
+    bool ownedByUser = false;     ///< owned by the user the program works for: the one running it,
+                                  ///< or, run as root through sudo, the one who ran sudo
+    bool sharedFolder = false;    ///< a folder every user may write in while each may remove only
+                                  ///< their own entries (sticky and world-writable, as /tmp)
     std::int64_t modified = 0;    ///< seconds since 1970-01-01 UTC
 
     bool isDirectory() const { return attributes & Attr::Directory; }

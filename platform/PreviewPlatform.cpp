@@ -335,6 +335,7 @@ public:
         return true;
     }
     std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
+    std::vector<StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
 
 private:
     UrlCache& m_real;
@@ -358,6 +359,7 @@ public:
         return true;
     }
     std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
+    std::vector<StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
 
 private:
     UrlHistory& m_real;
@@ -373,6 +375,7 @@ public:
         return true;
     }
     std::vector<std::string> recentDocuments() override { return m_real.recentDocuments(); }
+    std::vector<RefusedRecord> takeRefused() override { return m_real.takeRefused(); }
     bool clearRecentDocuments() override {
         m_journal.add(Kind::ClearRecentDocuments, {});
         return true;

@@ -5,6 +5,7 @@
 // one by one by their source address. On Linux the cache is the disk cache of every browser
 // profile found, and a profile whose browser is running is left alone.
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -38,6 +39,12 @@ struct UrlCacheEntryInfo {
     std::uint32_t dwExemptDelta = 0;
 };
 
+/// A file of a store that could not be read or cleaned (whole), and why.
+struct StoreProblem {
+    std::string file;
+    std::string reason;
+};
+
 /// An open enumeration of the cache; 0 is none.
 using UrlCacheEnum = std::uintptr_t;
 
@@ -59,9 +66,16 @@ public:
     /// DeleteUrlCacheEntryA: deletes the entry whose source address is `url`, with all its files.
     /// False when there is none or it cannot be deleted.
     virtual bool deleteEntry(const std::string& url) = 0;
+    /// Deletes what deleting entry by entry cannot reach: every file of the cache folders that no
+    /// listing names (an unreadable key, an entry cut short, one waiting for deletion), and the
+    /// caches kept beside them (compiled scripts, GPU shaders, thumbnails). Returns the number of files deleted; each file
+    /// that stays is named by storeProblems(). Nothing where the cache has no such files.
+    virtual std::size_t deleteUnlisted() { return 0; }
     /// The stores (browser profile folders) the last call left alone because their browser holds
     /// them; always empty where the cache has no such notion.
     virtual std::vector<std::string> storesInUse() const { return {}; }
+    /// The files the last listing or deletion could not read or clean, with the reasons.
+    virtual std::vector<StoreProblem> storeProblems() const { return {}; }
 };
 
 /// The source address of every entry of `cache`, in its enumeration order, read with the

@@ -52,6 +52,9 @@ public:
     /// The stores (browser profile folders) the last call left alone because their browser holds
     /// them; always empty where the history has no such notion.
     virtual std::vector<std::string> storesInUse() const { return {}; }
+    /// The stores (or their files) the last call could not reach, read or clean whole, with the
+    /// reasons; an enumeration adds to them as it reaches each store.
+    virtual std::vector<StoreProblem> storeProblems() const { return {}; }
 };
 
 } // namespace platform

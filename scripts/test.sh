@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the core libraries, the command line and their tests for Windows
+# Installs what is missing, checks that nothing outside the destruction engine destroys files
+# (scripts/check-destruction.sh), builds the core libraries, the command line and their tests for Windows
 # with the mingw-w64 cross compiler, builds everything natively with warnings as errors, and runs
 # every test, then the Windows ones under Wine; builds the Debian package and tries it installed
 # (scripts/package-check.sh); then runs the native tests again under the sanitizers and fuzzes the
@@ -7,6 +8,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh test
+scripts/check-destruction.sh
 
 echo "== Windows cross build of the core libraries, the command line and their tests"
 cmake -S . -B build-mingw -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake \

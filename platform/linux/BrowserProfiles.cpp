@@ -1,5 +1,7 @@
 #include "platform/linux/BrowserProfiles.h"
 
+#include "platform/linux/Descriptors.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -7,6 +9,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <fstream>
+#include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -81,6 +84,9 @@ void findChromium(const Environment& env, std::vector<BrowserProfile>& out) {
     }
 }
 
+/// profiles.ini names a few profiles; anything far larger is no such file.
+constexpr std::size_t IniLimit = 1024 * 1024;
+
 struct IniProfile {
     std::string path;
     bool relative = true;
@@ -88,7 +94,7 @@ struct IniProfile {
 
 std::vector<IniProfile> readProfilesIni(const std::string& file) {
     std::vector<IniProfile> out;
-    std::ifstream in(file);
+    std::istringstream in(readRegularFile(AT_FDCWD, file, IniLimit, true).text);
     std::string line;
     bool inProfile = false;
     while (std::getline(in, line)) {
@@ -172,15 +178,15 @@ bool firefoxHeld(const std::string& profile) {
     const std::string target = linkTarget(profile + "/lock");
     if (const auto plus = target.rfind(":+"); plus != std::string::npos && processAlive(parsePid(target.substr(plus + 2))))
         return true;
-    const int fd = ::open((profile + "/.parentlock").c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
-    if (fd < 0)
+    const OpenedFile lockFile = openRegularFile(AT_FDCWD, profile + "/.parentlock", false);
+    if (lockFile.result == ReadResult::Missing)
         return false;
+    if (lockFile.result != ReadResult::Read)
+        return true; // no lock file a browser would make: cannot tell, so keep away
     struct flock lock {};
     lock.l_type = F_WRLCK;
     lock.l_whence = SEEK_SET;
-    const bool held = ::fcntl(fd, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
-    ::close(fd);
-    return held;
+    return ::fcntl(lockFile.fd.get(), F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
 }
 
 } // namespace

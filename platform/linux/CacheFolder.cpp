@@ -4,7 +4,9 @@
 #include "platform/linux/Descriptors.h"
 
 #include <algorithm>
+#include <functional>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -32,12 +34,12 @@ bool isCache2EntryName(const char* name) {
     return n.size() == 40 && std::all_of(n.begin(), n.end(), [](char c) { return isHex(c, true); });
 }
 
-int openEntry(int dir, const char* name) {
+OpenedFile openEntry(int dir, const char* name) {
     // Reading the cache is no use of it: leave access times as the browser left them.
-    int fd = ::openat(dir, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NOATIME);
-    if (fd < 0 && errno == EPERM)
-        fd = ::openat(dir, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
-    return fd;
+    OpenedFile opened = openRegularFile(dir, name, false, O_NOATIME);
+    if (opened.result == ReadResult::Failed && errno == EPERM)
+        opened = openRegularFile(dir, name, false);
+    return opened;
 }
 
 bool readAt(int fd, std::string& buf, std::size_t length, std::uint64_t offset) {
@@ -53,6 +55,106 @@ bool readAt(int fd, std::string& buf, std::size_t length, std::uint64_t offset) 
     }
     buf.resize(done);
     return done == length;
+}
+
+/// Reads the entry file `name` of the entries folder `dir`; false when it gives no address.
+bool readEntryAt(BrowserFamily family, int dir, const char* name, CacheEntryFile& entry) {
+    const OpenedFile opened = openEntry(dir, name);
+    if (opened.result != ReadResult::Read)
+        return false;
+    const UniqueFd& fd = opened.fd;
+    const struct stat& st = opened.st;
+    const auto size = static_cast<std::uint64_t>(st.st_size);
+    const ReadAt fromFile = [&fd](std::string& buf, std::size_t length, std::uint64_t offset) {
+        return readAt(fd.get(), buf, length, offset);
+    };
+    auto address = family == BrowserFamily::Firefox ? cache2EntryAddress(fromFile, size) : simpleCacheEntryAddress(fromFile, size);
+    if (!address)
+        return false;
+    entry.name = name;
+    entry.address = std::move(*address);
+    entry.size = size;
+    entry.modified = st.st_mtim.tv_sec;
+    return true;
+}
+
+/// Whether the file `name` of the entries folder `dir` belongs to an entry a listing names: such
+/// an entry goes only when its address is deleted.
+bool listedEntryFile(BrowserFamily family, int dir, const char* name) {
+    CacheEntryFile entry;
+    if (family == BrowserFamily::Firefox)
+        return isCache2EntryName(name) && readEntryAt(family, dir, name, entry);
+    // A simple-cache entry's streams lie in "<hash>_0", "<hash>_1" and "<hash>_s"; its key in "_0".
+    const std::string_view n(name);
+    if (n.size() != 18 || n[16] != '_' || (n[17] != '0' && n[17] != '1' && n[17] != 's'))
+        return false;
+    const std::string first = std::string(n.substr(0, 16)) + "_0";
+    return isSimpleEntryName(first.c_str()) && readEntryAt(family, dir, first.c_str(), entry);
+}
+
+/// Removes the files (and links) in the folder `at`, named `path`, that `keep` does not keep; with
+/// `deep` also those below its subfolders, which go themselves once empty. Never follows a link.
+std::size_t removeFilesBelow(int at, const std::string& path, bool deep, std::vector<StoreProblem>& problems,
+                             const std::function<bool(const char*)>& keep = {}) {
+    const int fd = ::dup(at);
+    DIR* dir = fd < 0 ? nullptr : ::fdopendir(fd);
+    if (!dir) {
+        if (fd >= 0)
+            ::close(fd);
+        problems.push_back({path, std::string("could not be read: ") + std::strerror(errno)});
+        return 0;
+    }
+    std::vector<std::pair<std::string, bool>> names; // read whole before removing anything
+    while (const dirent* e = ::readdir(dir)) {
+        const std::string_view n(e->d_name);
+        if (n == "." || n == ".." || (keep && keep(e->d_name)))
+            continue;
+        struct stat st {};
+        if (::fstatat(at, e->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0)
+            continue;
+        if (S_ISDIR(st.st_mode) ? deep : (S_ISREG(st.st_mode) || S_ISLNK(st.st_mode)))
+            names.emplace_back(e->d_name, S_ISDIR(st.st_mode));
+    }
+    ::closedir(dir);
+    std::size_t removed = 0;
+    for (const auto& [name, folder] : names) {
+        if (folder) {
+            if (const UniqueFd sub = openFolderAt(at, name))
+                removed += removeFilesBelow(sub.get(), path + "/" + name, true, problems);
+            if (::unlinkat(at, name.c_str(), AT_REMOVEDIR) != 0 && errno != ENOENT && errno != ENOTEMPTY)
+                problems.push_back({path + "/" + name, std::string("could not be removed: ") + std::strerror(errno)});
+        } else if (::unlinkat(at, name.c_str(), 0) == 0) {
+            ++removed;
+        } else if (errno != ENOENT) {
+            problems.push_back({path + "/" + name, std::string("could not be deleted: ") + std::strerror(errno)});
+        }
+    }
+    return removed;
+}
+
+/// The same for the folder `name` in `at`, when it is there.
+std::size_t removeFilesIn(int at, const std::string& path, const std::string& name, bool deep,
+                          std::vector<StoreProblem>& problems) {
+    const UniqueFd sub = openFolderAt(at, name);
+    if (!sub && errno != ENOENT && errno != ENOTDIR)
+        problems.push_back({path + "/" + name, std::string("could not be opened: ") + std::strerror(errno)});
+    return sub ? removeFilesBelow(sub.get(), path + "/" + name, deep, problems) : 0;
+}
+
+/// Removes the files of the entries folder `name` in `at` that no listing names.
+std::size_t removeUnlistedEntries(BrowserFamily family, int at, const std::string& path, const std::string& name,
+                                  std::vector<StoreProblem>& problems) {
+    const UniqueFd sub = name.empty() ? UniqueFd(::dup(at)) : openFolderAt(at, name);
+    if (!sub) {
+        if (errno != ENOENT && errno != ENOTDIR)
+            problems.push_back({path + "/" + name, std::string("could not be opened: ") + std::strerror(errno)});
+        return 0;
+    }
+    const int dir = sub.get();
+    return removeFilesBelow(dir, name.empty() ? path : path + "/" + name, false, problems, [family, dir](const char* file) {
+        // "index" only marks a folder as a simple cache.
+        return (family == BrowserFamily::Chromium && std::string_view(file) == "index") || listedEntryFile(family, dir, file);
+    });
 }
 
 /// Removes `name` in the folder `at`; gone already counts as removed.
@@ -162,23 +264,7 @@ bool CacheFolderReader::next(CacheEntryFile& entry) {
 }
 
 bool CacheFolderReader::readEntry(const char* name, CacheEntryFile& entry) {
-    const UniqueFd fd(openEntry(::dirfd(m_dir), name));
-    struct stat st {};
-    if (!fd || ::fstat(fd.get(), &st) != 0 || !S_ISREG(st.st_mode))
-        return false;
-    const auto size = static_cast<std::uint64_t>(st.st_size);
-    const ReadAt fromFile = [&fd](std::string& buf, std::size_t length, std::uint64_t offset) {
-        return readAt(fd.get(), buf, length, offset);
-    };
-    auto address = m_family == BrowserFamily::Firefox ? cache2EntryAddress(fromFile, size)
-                                                      : simpleCacheEntryAddress(fromFile, size);
-    if (!address)
-        return false;
-    entry.name = name;
-    entry.address = std::move(*address);
-    entry.size = size;
-    entry.modified = st.st_mtim.tv_sec;
-    return true;
+    return readEntryAt(m_family, ::dirfd(m_dir), name, entry);
 }
 
 bool removeCacheEntry(BrowserFamily family, const std::string& folder, const std::string& name) {
@@ -200,6 +286,53 @@ bool removeCacheEntry(BrowserFamily family, const std::string& folder, const std
         removeName(cache.get(), index);
     const UniqueFd entries = openFolderAt(cache.get(), "entries");
     return entries && removeName(entries.get(), name);
+}
+
+std::size_t removeCacheRest(BrowserFamily family, const std::string& folder, std::vector<StoreProblem>& problems) {
+    const UniqueFd cache(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!cache) {
+        if (errno != ENOENT)
+            problems.push_back({folder, std::string("could not be opened: ") + std::strerror(errno)});
+        return 0;
+    }
+    std::size_t removed = 0;
+    if (family == BrowserFamily::Chromium) {
+        if (const UniqueFd indexDir = openFolderAt(cache.get(), "index-dir"))
+            removeName(indexDir.get(), "the-real-index");
+        return removeUnlistedEntries(family, cache.get(), folder, "", problems);
+    }
+    for (const char* index : {"index", "index.tmp", "index.log"})
+        removeName(cache.get(), index);
+    removed += removeUnlistedEntries(family, cache.get(), folder, "entries", problems);
+    removed += removeFilesIn(cache.get(), folder, "doomed", false, problems);
+    // Folders the browser moved aside to delete later ("trash" and a number) go whole.
+    std::vector<std::string> trash;
+    if (DIR* dir = ::fdopendir(::dup(cache.get()))) {
+        while (const dirent* e = ::readdir(dir))
+            if (std::string_view(e->d_name).starts_with("trash"))
+                trash.emplace_back(e->d_name);
+        ::closedir(dir);
+    }
+    for (const std::string& name : trash) {
+        removed += removeFilesIn(cache.get(), folder, name, true, problems);
+        if (::unlinkat(cache.get(), name.c_str(), AT_REMOVEDIR) != 0 && errno != ENOENT && errno != ENOTDIR)
+            problems.push_back({folder + "/" + name, std::string("could not be removed: ") + std::strerror(errno)});
+    }
+    return removed;
+}
+
+std::size_t removeSideCaches(BrowserFamily family, const std::string& base, std::vector<StoreProblem>& problems) {
+    const UniqueFd root(::open(base.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!root)
+        return 0;
+    std::size_t removed = 0;
+    if (family == BrowserFamily::Firefox)
+        return removeFilesIn(root.get(), base, "thumbnails", true, problems);
+    // Compiled scripts keep the address of the script they came from; the others keep what pages
+    // drew or fetched. Each is rebuilt by the browser when it finds it empty.
+    for (const char* name : {"Code Cache", "GPUCache", "DawnGraphiteCache", "DawnWebGPUCache", "Shared Dictionary"})
+        removed += removeFilesIn(root.get(), base, name, true, problems);
+    return removed;
 }
 
 } // namespace platform::linux

@@ -3,6 +3,7 @@
 // lazily and reading only the bytes that hold each entry's key, and entries removed from it by the
 // file names found. Reading never follows a link: an entry file that is a link is skipped.
 
+#include "platform/UrlCache.h"
 #include "platform/linux/BrowserProfiles.h"
 
 #include <cstdint>
@@ -11,6 +12,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace platform::linux {
 
@@ -77,5 +79,15 @@ FolderStamp folderStamp(const std::string& folder);
 /// cache's index invalid so that the browser rebuilds it from the entry files rather than trusting
 /// it. True when the entry's files are gone.
 bool removeCacheEntry(BrowserFamily family, const std::string& folder, const std::string& name);
+
+/// Removes every file of the cache folder `folder` that no listing names (a key that cannot be
+/// read, an entry cut before its key was written, a file of no entry), after making the index
+/// invalid as removeCacheEntry does; for Firefox also the entries waiting in doomed/ and the
+/// trash folders. Entries a listing names stay: they go by their address. Appends each file that stays to `problems`; returns the number of files removed.
+std::size_t removeCacheRest(BrowserFamily family, const std::string& folder, std::vector<StoreProblem>& problems);
+/// Removes the files of the caches kept beside the disk cache in the folder `base` (a profile
+/// folder, or its folder below the cache home): Chromium's Code Cache, GPUCache, Dawn caches and
+/// Shared Dictionary, Firefox's thumbnails. Appends each file that stays to `problems`.
+std::size_t removeSideCaches(BrowserFamily family, const std::string& base, std::vector<StoreProblem>& problems);
 
 } // namespace platform::linux

@@ -4,9 +4,11 @@
 // "Visited Links". Bookmarks live in the JSON file "Bookmarks", which is only read: a bookmarked
 // address keeps its row in History and its icon, as the browser itself keeps them when it clears.
 
+#include "platform/linux/Descriptors.h"
 #include "platform/linux/ProfileHistory.h"
 
 #include <chrono>
+#include <fcntl.h>
 #include <cstdio>
 
 namespace platform::linux {
@@ -83,16 +85,11 @@ std::optional<std::string> jsonString(const std::string& text, std::size_t& pos)
     return std::nullopt;
 }
 
+/// Bookmarks far larger than any browser writes are no bookmarks file.
+constexpr std::size_t BookmarksLimit = 256 * 1024 * 1024;
+
 std::string readWhole(const std::string& path) {
-    std::string text;
-    if (FILE* f = std::fopen(path.c_str(), "rb")) {
-        char buf[65536];
-        std::size_t n;
-        while ((n = std::fread(buf, 1, sizeof buf, f)) > 0)
-            text.append(buf, n);
-        std::fclose(f);
-    }
-    return text;
+    return readRegularFile(AT_FDCWD, path, BookmarksLimit, true).text;
 }
 
 bool fillKeptUrls(SqliteDb& db, const std::vector<std::string>& urls) {
@@ -112,9 +109,12 @@ public:
     using ProfileHistory::ProfileHistory;
 
     StoreResult read(std::vector<StatUrl>& out) override {
-        return readStatUrls(file("History"),
-                            "SELECT url, title, last_visit_time, hidden FROM urls WHERE last_visit_time > 0 ORDER BY id",
-                            kKeptMicros, out);
+        std::vector<StoreProblem> problems;
+        const StoreResult r = readStatUrls(
+            file("History"), "SELECT url, title, last_visit_time, hidden FROM urls WHERE last_visit_time > 0 ORDER BY id",
+            kKeptMicros, out, problems);
+        noteProblems(problems);
+        return r;
     }
 
     StoreResult add(const std::string& url, const std::string& title) override {
@@ -142,28 +142,42 @@ public:
                                                   file("Network Action Predictor"), ukm});
         if (r == StoreResult::InUse)
             return r;
-        bool ok = r == StoreResult::Done;
-        if (ok) {
+        // Without a readable History nothing tells whether the address was visited here: the
+        // session files go in any case.
+        bool held = true;
+        if (r == StoreResult::Done) {
             const std::vector<std::string> kept = bookmarkedUrls();
-            if (SqliteDb* db = dbs.get(file("History")))
-                ok = forgetInHistory(*db, url, kept) && ok;
-            if (SqliteDb* db = dbs.get(file("Favicons")))
-                ok = forgetInFavicons(*db, url, kept) && ok;
-            if (SqliteDb* db = dbs.get(file("Top Sites")))
-                ok = runWhereTables(*db, {"top_sites"}, "DELETE FROM top_sites" + where("url", url), url) &&
-                     runWhereTables(*db, {"thumbnails"}, "DELETE FROM thumbnails" + where("url", url), url) && ok;
-            if (SqliteDb* db = dbs.get(file("Shortcuts")))
-                ok = runWhereTables(*db, {"omni_box_shortcuts"}, "DELETE FROM omni_box_shortcuts" + where("url", url), url) && ok;
-            if (SqliteDb* db = dbs.get(file("Network Action Predictor")))
-                ok = forgetInPredictor(*db, url) && ok;
-            if (SqliteDb* db = dbs.get(ukm))
-                ok = runWhereTables(*db, {"metrics", "urls"},
-                                    "DELETE FROM metrics WHERE url_id IN (SELECT url_id FROM urls" + where("url", url) + ")", url) &&
-                     runWhereTables(*db, {"urls"}, "DELETE FROM urls" + where("url", url), url) && ok;
-            ok = dbs.commit(true) && ok;
+            // A database whose tables this program cannot clean is left as it was, not half changed.
+            const auto step = [&](const std::string& path, auto&& clean) {
+                if (SqliteDb* db = dbs.get(path); db && !clean(*db))
+                    dbs.giveUp(path, "its tables could not be cleaned");
+            };
+            step(file("History"), [&](SqliteDb& db) {
+                if (!forgetInHistory(db, url, kept))
+                    return false;
+                held = !url || anyTargets(db);
+                return true;
+            });
+            step(file("Favicons"), [&](SqliteDb& db) { return forgetInFavicons(db, url, kept); });
+            step(file("Top Sites"), [&](SqliteDb& db) {
+                return runWhereTables(db, {"top_sites"}, "DELETE FROM top_sites" + where("url", url), url) &&
+                       runWhereTables(db, {"thumbnails"}, "DELETE FROM thumbnails" + where("url", url), url);
+            });
+            step(file("Shortcuts"), [&](SqliteDb& db) {
+                return runWhereTables(db, {"omni_box_shortcuts"}, "DELETE FROM omni_box_shortcuts" + where("url", url), url);
+            });
+            step(file("Network Action Predictor"), [&](SqliteDb& db) { return forgetInPredictor(db, url); });
+            step(ukm, [&](SqliteDb& db) {
+                return runWhereTables(db, {"metrics", "urls"},
+                                      "DELETE FROM metrics WHERE url_id IN (SELECT url_id FROM urls" + where("url", url) + ")", url) &&
+                       runWhereTables(db, {"urls"}, "DELETE FROM urls" + where("url", url), url);
+            });
+            dbs.commit(true);
         }
-        if (!url)
-            ok = removeVisitFiles() && ok;
+        noteProblems(dbs.problems());
+        bool ok = !dbs.failures();
+        if (held)
+            ok = removeVisitFiles(!url) && ok;
         return ok ? StoreResult::Done : StoreResult::Failed;
     }
 
@@ -245,7 +259,8 @@ private:
              // A visited link also names the page it was followed from.
              runWhereTables(db, {"visited_links"},
                             "DELETE FROM visited_links WHERE link_url_id" + targets +
-                                (url ? " OR top_level_url = ?1 OR frame_url = ?1" : ""),
+                                (url && db.hasColumn("visited_links", "top_level_url") ? " OR top_level_url = ?1" : "") +
+                                (url && db.hasColumn("visited_links", "frame_url") ? " OR frame_url = ?1" : ""),
                             url) &&
              db.exec("DELETE FROM urls WHERE id" + targets + " AND url NOT IN (SELECT url FROM temp.kept_urls)") &&
              db.exec("UPDATE urls SET visit_count = 0, typed_count = 0, last_visit_time = 0 WHERE id" + targets);
@@ -286,14 +301,16 @@ private:
         return ok;
     }
 
-    /// Removes the files that only record visits: the session files the browser restores tabs
-    /// from, and the visited-link table.
-    bool removeVisitFiles() const {
+    /// Removes the session files the browser restores tabs from and, when every address goes, the
+    /// files that only record visits (the visited-link table).
+    bool removeVisitFiles(bool all) {
         bool ok = true;
-        for (const char* name : {"Visited Links", "History Provider Cache", "Current Session", "Current Tabs",
-                                 "Last Session", "Last Tabs"})
-            ok = removeFileIfThere(file(name)) && ok;
-        return removeFilesIn(file("Sessions")) && ok;
+        for (const char* name : {"Current Session", "Current Tabs", "Last Session", "Last Tabs"})
+            ok = removeSessionFile(file(name)) && ok;
+        if (all)
+            for (const char* name : {"Visited Links", "History Provider Cache"})
+                ok = removeSessionFile(file(name)) && ok;
+        return removeSessionFilesIn(file("Sessions")) && ok;
     }
 };
 

@@ -1,6 +1,8 @@
 #include "platform/linux/Descriptors.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <fstream>
@@ -72,6 +74,21 @@ void UniqueFd::reset(int fd) {
     m_fd = fd;
 }
 
+uid_t actingUser() {
+    const uid_t self = ::geteuid();
+    if (self != 0)
+        return self;
+    const char* sudo = std::getenv("SUDO_UID");
+    if (!sudo || !*sudo)
+        return self;
+    char* end = nullptr;
+    errno = 0;
+    const unsigned long uid = std::strtoul(sudo, &end, 10);
+    return *end == 0 && errno == 0 && sudo[0] != '-' && uid < static_cast<unsigned long>(static_cast<uid_t>(-1))
+               ? static_cast<uid_t>(uid)
+               : self;
+}
+
 std::optional<Facts> factsAt(int at, const std::string& name, bool follow) {
     struct statx sx {};
     const int flags = (follow ? 0 : AT_SYMLINK_NOFOLLOW) | (name.empty() ? AT_EMPTY_PATH : 0) | AT_NO_AUTOMOUNT;
@@ -103,7 +120,8 @@ FileInfo describe(const std::string& name, const Facts& f) {
     fi.mount = f.mount;
     fi.links = f.links;
     fi.modified = f.modified;
-    fi.ownedByUser = f.owner == ::geteuid();
+    fi.ownedByUser = f.owner == actingUser();
+    fi.sharedFolder = S_ISDIR(f.mode) && (f.mode & S_ISVTX) && (f.mode & S_IWOTH);
     if (S_ISLNK(f.mode))
         fi.attributes |= Attr::ReparsePoint;
     else if (S_ISDIR(f.mode))
@@ -205,6 +223,86 @@ UniqueFd openFolderAt(int at, const std::string& name) {
 
 UniqueFd openLocation(const std::string& path) {
     return UniqueFd(::open(path.c_str(), O_PATH | O_CLOEXEC));
+}
+
+std::string readProblem(ReadResult result, mode_t mode) {
+    switch (result) {
+    case ReadResult::Read: return "read";
+    case ReadResult::Missing: return "does not exist";
+    case ReadResult::Link: return "is a symbolic link";
+    case ReadResult::TooLarge: return "is larger than such a file can be";
+    case ReadResult::Failed: return "cannot be read";
+    case ReadResult::NotRegular: break;
+    }
+    const char* kind = S_ISFIFO(mode) ? "a FIFO" : S_ISSOCK(mode) ? "a socket" : S_ISCHR(mode) || S_ISBLK(mode) ? "a device"
+                                                  : S_ISDIR(mode) ? "a folder" : "not a plain file";
+    return std::string("is ") + kind + ", not a regular file";
+}
+
+OpenedFile openRegularFile(int at, const std::string& name, bool followLink, int extraFlags) {
+    OpenedFile opened;
+    // A FIFO opened for reading without O_NONBLOCK waits for a writer that may never come, and a
+    // terminal could become the controlling one: neither may happen to a file that is only read.
+    const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | (followLink ? 0 : O_NOFOLLOW) | extraFlags;
+    opened.fd.reset(::openat(at, name.c_str(), flags));
+    if (!opened.fd) {
+        const int error = errno;
+        opened.result = error == ENOENT ? ReadResult::Missing : error == ELOOP && !followLink ? ReadResult::Link
+                                                                                              : ReadResult::Failed;
+        // A socket cannot be opened at all (ENXIO): say what it is rather than that it failed.
+        if (opened.result == ReadResult::Failed &&
+            ::fstatat(at, name.c_str(), &opened.st, followLink ? 0 : AT_SYMLINK_NOFOLLOW) == 0 &&
+            !S_ISREG(opened.st.st_mode) && !S_ISLNK(opened.st.st_mode))
+            opened.result = ReadResult::NotRegular;
+        errno = error;
+        return opened;
+    }
+    if (::fstat(opened.fd.get(), &opened.st) != 0) {
+        opened.fd.reset();
+        return opened;
+    }
+    if (!S_ISREG(opened.st.st_mode)) {
+        opened.fd.reset();
+        opened.result = ReadResult::NotRegular;
+        return opened;
+    }
+    opened.result = ReadResult::Read;
+    return opened;
+}
+
+FileText readRegularFile(int at, const std::string& name, std::size_t limit, bool followLink) {
+    FileText file;
+    OpenedFile opened = openRegularFile(at, name, followLink);
+    file.result = opened.result;
+    file.st = opened.st;
+    if (file.result != ReadResult::Read)
+        return file;
+    if (static_cast<std::uint64_t>(opened.st.st_size) > limit) {
+        file.result = ReadResult::TooLarge;
+        return file;
+    }
+    file.text.reserve(static_cast<std::size_t>(opened.st.st_size));
+    char buf[65536];
+    for (;;) {
+        const ssize_t n = ::read(opened.fd.get(), buf, sizeof buf);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0) {
+            file.result = ReadResult::Failed;
+            file.text.clear();
+            return file;
+        }
+        if (n == 0)
+            break;
+        file.text.append(buf, static_cast<std::size_t>(n));
+        // A file still growing past the limit while it is read is refused as well.
+        if (file.text.size() > limit) {
+            file.result = ReadResult::TooLarge;
+            file.text.clear();
+            return file;
+        }
+    }
+    return file;
 }
 
 } // namespace platform::linux

@@ -16,37 +16,47 @@ public:
 
     StoreResult read(std::vector<StatUrl>& out) override {
         // Firefox counts from 1970 and keeps history by amount, not by age: no entry expires.
-        return readStatUrls(file("places.sqlite"),
-                            "SELECT url, title, last_visit_date + " + std::to_string(kUnixEpochMicros) +
-                                ", hidden FROM moz_places WHERE last_visit_date IS NOT NULL ORDER BY id",
-                            0, out);
+        std::vector<StoreProblem> problems;
+        const StoreResult r = readStatUrls(file("places.sqlite"),
+                                           "SELECT url, title, last_visit_date + " + std::to_string(kUnixEpochMicros) +
+                                               ", hidden FROM moz_places WHERE last_visit_date IS NOT NULL ORDER BY id",
+                                           0, out, problems);
+        noteProblems(problems);
+        return r;
     }
 
     StoreResult add(const std::string&, const std::string&) override { return StoreResult::Failed; }
 
     StoreResult forget(const std::optional<std::string>& url) override {
+        const std::string places = file("places.sqlite"), favicons = file("favicons.sqlite");
         ProfileDatabases dbs;
-        const StoreResult r = dbs.lockForWriting({file("places.sqlite"), file("favicons.sqlite")});
+        const StoreResult r = dbs.lockForWriting({places, favicons});
         if (r == StoreResult::InUse)
             return r;
-        bool ok = r == StoreResult::Done;
-        if (ok) {
+        bool held = true;
+        if (r == StoreResult::Done) {
             std::vector<std::string> kept;
-            if (SqliteDb* db = dbs.get(file("places.sqlite")))
-                ok = forgetInPlaces(*db, url, kept) && ok;
-            else
-                ok = false; // without places nothing tells which icons belong to bookmarks
-            if (SqliteDb* db = dbs.get(file("favicons.sqlite")); db && ok)
-                ok = forgetInFavicons(*db, url, kept);
-            if (!ok) {
-                dbs.rollback();
-                return StoreResult::Failed;
+            SqliteDb* db = dbs.get(places);
+            if (db && !forgetInPlaces(*db, url, kept)) {
+                dbs.giveUp(places, "its tables could not be cleaned");
+                db = nullptr;
             }
-            ok = dbs.commit(true);
+            if (db)
+                held = !url || anyTargets(*db);
+            // Without places nothing tells which icons belong to bookmarks: the icons wait.
+            if (SqliteDb* icons = dbs.get(favicons)) {
+                if (!db)
+                    dbs.giveUp(favicons, "its icons wait until places.sqlite can be cleaned");
+                else if (!forgetInFavicons(*icons, url, kept))
+                    dbs.giveUp(favicons, "its tables could not be cleaned");
+            }
+            dbs.commit(true);
         }
-        if (!url) {
-            ok = removeFileIfThere(file("sessionstore.jsonlz4")) && ok;
-            ok = removeFilesIn(file("sessionstore-backups")) && ok;
+        noteProblems(dbs.problems());
+        bool ok = !dbs.failures();
+        if (held) {
+            ok = removeSessionFile(file("sessionstore.jsonlz4")) && ok;
+            ok = removeSessionFilesIn(file("sessionstore-backups")) && ok;
         }
         return ok ? StoreResult::Done : StoreResult::Failed;
     }
@@ -57,10 +67,13 @@ private:
             return false;
         const std::string targets = " IN (SELECT id FROM temp.targets)";
         const std::string kept = " IN (SELECT id FROM temp.kept)";
-        std::string keepers = "SELECT id FROM temp.targets WHERE id IN (SELECT id FROM moz_places WHERE foreign_count > 0)";
+        // Older schemas have no foreign_count: the bookmarks and keywords then tell on their own.
+        std::string keepers = "SELECT id FROM temp.targets WHERE 0";
+        if (db.hasColumn("moz_places", "foreign_count"))
+            keepers += " OR id IN (SELECT id FROM moz_places WHERE foreign_count > 0)";
         if (db.hasTable("moz_bookmarks"))
             keepers += " OR id IN (SELECT fk FROM moz_bookmarks WHERE fk NOT NULL)";
-        if (db.hasTable("moz_keywords"))
+        if (db.hasTable("moz_keywords") && db.hasColumn("moz_keywords", "place_id"))
             keepers += " OR id IN (SELECT place_id FROM moz_keywords WHERE place_id NOT NULL)";
         bool ok = db.exec("CREATE TEMP TABLE targets(id INTEGER PRIMARY KEY)") &&
                   runWhereTables(db, {}, "INSERT INTO temp.targets SELECT id FROM moz_places" +
@@ -73,10 +86,13 @@ private:
              runWhereTables(db, {"moz_historyvisits"}, "DELETE FROM moz_historyvisits WHERE place_id" + targets) &&
              runWhereTables(db, {"moz_inputhistory"}, "DELETE FROM moz_inputhistory WHERE place_id" + targets) &&
              runWhereTables(db, {"moz_places_metadata"},
-                            "DELETE FROM moz_places_metadata WHERE place_id" + targets + " OR referrer_place_id" + targets) &&
-             runWhereTables(db, {"moz_places_metadata_search_queries", "moz_places_metadata"},
+                            "DELETE FROM moz_places_metadata WHERE place_id" + targets +
+                                (db.hasColumn("moz_places_metadata", "referrer_place_id") ? " OR referrer_place_id" + targets
+                                                                                          : std::string())) &&
+             (!db.hasColumn("moz_places_metadata", "search_query_id") ||
+              runWhereTables(db, {"moz_places_metadata_search_queries", "moz_places_metadata"},
                             "DELETE FROM moz_places_metadata_search_queries WHERE id NOT IN (SELECT search_query_id "
-                            "FROM moz_places_metadata WHERE search_query_id NOT NULL)") &&
+                            "FROM moz_places_metadata WHERE search_query_id NOT NULL)")) &&
              runWhereTables(db, {"moz_newtab_shortcuts_interaction"},
                             "DELETE FROM moz_newtab_shortcuts_interaction WHERE place_id" + targets) &&
              runWhereTables(db, {"moz_annos"}, "DELETE FROM moz_annos WHERE place_id" + targets + " AND place_id NOT" + kept) &&
@@ -86,8 +102,9 @@ private:
              db.exec("UPDATE moz_places SET visit_count = 0, last_visit_date = NULL, typed = 0 WHERE id" + kept) &&
              (!db.hasColumn("moz_places", "recalc_frecency") ||
               db.exec("UPDATE moz_places SET recalc_frecency = 1 WHERE id" + kept)) &&
-             runWhereTables(db, {"moz_origins"},
-                            "DELETE FROM moz_origins WHERE id NOT IN (SELECT origin_id FROM moz_places WHERE origin_id NOT NULL)");
+             (!db.hasColumn("moz_places", "origin_id") ||
+              runWhereTables(db, {"moz_origins"},
+                             "DELETE FROM moz_origins WHERE id NOT IN (SELECT origin_id FROM moz_places WHERE origin_id NOT NULL)"));
         if (!url)
             ok = runWhereTables(db, {"moz_previews_tombstones"}, "DELETE FROM moz_previews_tombstones") && ok;
         SqliteStatement urls = db.prepare("SELECT url FROM moz_places WHERE id" + kept);

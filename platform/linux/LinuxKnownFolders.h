@@ -15,7 +15,10 @@ public:
     std::string systemDirectory() override;
     std::string fromRegistryPath(const std::string& path) override;
     std::string homePath() override { return m_env.home; }
+    std::vector<std::string> homePaths() override;
     std::string usersPath() override;
+    std::vector<std::string> systemFolders() override;
+    RunAs runAs() override;
 
 private:
     Environment m_env;

@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxRecycleBin.h"
 
+#include "platform/linux/Descriptors.h"
 #include "platform/linux/LinuxFolder.h"
 #include "platform/linux/LinuxShell.h"
 #include "platform/linux/MountTable.h"
@@ -12,6 +13,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace platform::linux {
 namespace {
@@ -75,12 +77,24 @@ bool isRealFolder(const std::string& path, bool needSticky = false) {
     return ::lstat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode) && (!needSticky || (st.st_mode & S_ISVTX));
 }
 
-std::string percentDecoded(const std::string& text) {
+int hexValue(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return -1;
+}
+
+std::string percentDecoded(std::string_view text) {
     std::string out;
+    out.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '%' && i + 2 < text.size() && std::isxdigit(static_cast<unsigned char>(text[i + 1])) &&
-            std::isxdigit(static_cast<unsigned char>(text[i + 2]))) {
-            out += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
+        const int high = text[i] == '%' && i + 2 < text.size() ? hexValue(text[i + 1]) : -1;
+        const int low = high >= 0 ? hexValue(text[i + 2]) : -1;
+        if (low >= 0) {
+            out += static_cast<char>(high * 16 + low);
             i += 2;
         } else {
             out += text[i];
@@ -89,25 +103,8 @@ std::string percentDecoded(const std::string& text) {
     return out;
 }
 
-/// The Path= of a .trashinfo file in `info`, made absolute against the filesystem's `top`.
-std::string originalPath(int info, const std::string& name, const std::string& top) {
-    const int fd = ::openat(info, (name + ".trashinfo").c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
-    if (fd < 0)
-        return {};
-    std::string text;
-    char buf[4096];
-    for (ssize_t n; (n = ::read(fd, buf, sizeof buf)) > 0 && text.size() < 65536;)
-        text.append(buf, static_cast<std::size_t>(n));
-    ::close(fd);
-    const std::size_t at = text.find("\nPath=");
-    if (at == std::string::npos)
-        return {};
-    const std::size_t end = text.find('\n', at + 1);
-    std::string path = percentDecoded(text.substr(at + 6, end == std::string::npos ? std::string::npos : end - at - 6));
-    if (!path.empty() && path[0] != '/' && !top.empty())
-        path = top + "/" + path;
-    return path;
-}
+/// The largest .trashinfo file read: a real one holds a path and a date.
+constexpr std::size_t TrashInfoLimit = 64 * 1024;
 
 /// The top of the filesystem a per-mount trash folder belongs to ("" for the home trash, whose
 /// entries record absolute paths).
@@ -126,7 +123,21 @@ struct Bin {
     std::vector<std::string> names;
 };
 
-std::vector<Bin> readBins(const std::vector<std::string>& folders, const std::string& uid) {
+/// Where the item `name` of a bin came from, by its record in the bin's `info` folder; a record
+/// that is no regular file is not read and goes to `refused`.
+std::string originalPath(int info, const std::string& infoFolder, const std::string& name, const std::string& top,
+                         std::vector<RefusedRecord>& refused) {
+    const std::string record = name + ".trashinfo";
+    const FileText file = readRegularFile(info, record, TrashInfoLimit);
+    if (file.result == ReadResult::Read)
+        return trashInfoOriginalPath(file.text, top);
+    if (file.result != ReadResult::Missing)
+        refused.push_back({infoFolder + "/" + record, readProblem(file.result, file.st.st_mode) + "; not read"});
+    return {};
+}
+
+std::vector<Bin> readBins(const std::vector<std::string>& folders, const std::string& uid,
+                          std::vector<RefusedRecord>& refused) {
     std::vector<Bin> bins;
     for (const std::string& folder : folders) {
         Bin bin{folder, {}, {}};
@@ -140,7 +151,8 @@ std::vector<Bin> readBins(const std::vector<std::string>& folders, const std::st
             for (const std::string& name : entryNames(files.get())) {
                 TrashItem item;
                 item.path = folder + "/files/" + name;
-                item.originalPath = info ? originalPath(info.get(), name, topOf(folder, uid)) : std::string();
+                if (info)
+                    item.originalPath = originalPath(info.get(), folder + "/info", name, topOf(folder, uid), refused);
                 item.bytes = treeSize(files.get(), name, st.st_dev);
                 bin.items.push_back(item);
                 bin.names.push_back(name);
@@ -174,7 +186,43 @@ void removeLeftovers(const std::string& folder) {
 
 } // namespace
 
+std::string trashInfoOriginalPath(std::string_view text, const std::string& top) {
+    bool inGroup = false;
+    while (!text.empty()) {
+        const std::size_t end = text.find('\n');
+        std::string_view line = text.substr(0, end);
+        text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
+        if (!line.empty() && line.back() == '\r')
+            line.remove_suffix(1);
+        if (line.starts_with('[')) {
+            inGroup = line == "[Trash Info]";
+            continue;
+        }
+        if (!inGroup || !line.starts_with("Path="))
+            continue;
+        std::string path = percentDecoded(line.substr(5));
+        // No path holds a NUL: a record that decodes to one records nothing usable.
+        if (path.empty() || path.find('\0') != std::string::npos)
+            return {};
+        if (path[0] != '/' && !top.empty())
+            path = top + "/" + path;
+        return path;
+    }
+    return {};
+}
+
 LinuxRecycleBin::LinuxRecycleBin(Environment env) : m_env(std::move(env)) {}
+
+void LinuxRecycleBin::refuse(const std::string& path, const std::string& reason) {
+    for (const RefusedRecord& known : m_refused)
+        if (known.path == path)
+            return;
+    m_refused.push_back({path, reason});
+}
+
+std::vector<RefusedRecord> LinuxRecycleBin::takeRefused() {
+    return std::exchange(m_refused, {});
+}
 
 
 std::vector<std::string> LinuxRecycleBin::trashFolders(const std::string& root) const {
@@ -220,14 +268,20 @@ std::vector<std::string> LinuxRecycleBin::trashFolders(const std::string& root) 
 
 std::vector<TrashItem> LinuxRecycleBin::items(const std::string& root) {
     std::vector<TrashItem> all;
-    for (const Bin& bin : readBins(trashFolders(root), std::to_string(::getuid())))
+    std::vector<RefusedRecord> refused;
+    for (const Bin& bin : readBins(trashFolders(root), std::to_string(::getuid()), refused))
         all.insert(all.end(), bin.items.begin(), bin.items.end());
+    for (const RefusedRecord& record : refused)
+        refuse(record.path, record.reason);
     return all;
 }
 
 bool LinuxRecycleBin::empty(const std::string& root, unsigned flags, RecycleBinUi& ui) {
     const std::vector<std::string> folders = trashFolders(root);
-    const std::vector<Bin> bins = readBins(folders, std::to_string(::getuid()));
+    std::vector<RefusedRecord> refused;
+    const std::vector<Bin> bins = readBins(folders, std::to_string(::getuid()), refused);
+    for (const RefusedRecord& record : refused)
+        refuse(record.path, record.reason);
     std::size_t count = 0;
     std::uint64_t bytes = 0;
     for (const Bin& bin : bins) {
@@ -267,11 +321,20 @@ bool LinuxRecycleBin::empty(const std::string& root, unsigned flags, RecycleBinU
 }
 
 std::vector<std::string> LinuxRecycleBin::recentDocuments() {
-    return recentlyUsedUris(recentlyUsedPath());
+    const std::string path = recentlyUsedPath();
+    RecentlyUsedRead read = readRecentlyUsed(path);
+    if (!read.problem.empty())
+        refuse(path, read.problem);
+    return std::move(read.uris);
 }
 
 bool LinuxRecycleBin::clearRecentDocuments() {
-    return clearRecentlyUsed(recentlyUsedPath());
+    const std::string path = recentlyUsedPath();
+    std::string problem;
+    const bool cleared = clearRecentlyUsed(path, &problem);
+    if (!problem.empty())
+        refuse(path, problem);
+    return cleared;
 }
 
 } // namespace platform::linux

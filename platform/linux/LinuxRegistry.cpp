@@ -1,33 +1,18 @@
 #include "platform/linux/LinuxRegistry.h"
 
+#include "platform/linux/Descriptors.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <limits>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace platform::linux {
 namespace {
-
-bool readWhole(const std::string& path, std::string& out, struct stat& st) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0)
-        return false;
-    bool ok = ::fstat(fd, &st) == 0;
-    out.clear();
-    char buf[65536];
-    for (ssize_t n; ok && (n = ::read(fd, buf, sizeof buf)) != 0;) {
-        if (n < 0) {
-            ok = errno == EINTR;
-            continue;
-        }
-        out.append(buf, static_cast<std::size_t>(n));
-    }
-    ::close(fd);
-    return ok;
-}
 
 bool writeAll(int fd, const std::string& text) {
     std::size_t done = 0;
@@ -91,15 +76,19 @@ bool LinuxRegistry::serverRunning() const {
 
 bool LinuxRegistry::load() {
     struct stat st {};
+    m_refused = false;
     if (::stat(hivePath().c_str(), &st) != 0) {
         m_loaded = false;
         return false;
     }
     if (m_loaded && stampOf(st) == m_stamp)
         return true;
-    std::string text;
-    m_loaded = readWhole(hivePath(), text, st) && m_hive.parse(std::move(text));
-    m_stamp = stampOf(st);
+    // The hive is read only as a regular file: a FIFO or a device in its place would block the
+    // read or feed it without end.
+    FileText file = readRegularFile(AT_FDCWD, hivePath(), std::numeric_limits<std::size_t>::max(), true);
+    m_refused = file.result != ReadResult::Read && file.result != ReadResult::Missing;
+    m_loaded = file.result == ReadResult::Read && m_hive.parse(std::move(file.text));
+    m_stamp = stampOf(file.st);
     return m_loaded;
 }
 
@@ -167,7 +156,7 @@ long LinuxRegistry::resolve(RegKey root, const std::string& subKey, std::string&
     if (!pathOf(root, base))
         return RegResult::InvalidHandle;
     if (!load())
-        return RegResult::FileNotFound;
+        return m_refused ? RegResult::AccessDenied : RegResult::FileNotFound;
     path = joinKey(base, subKey);
     return RegResult::Success;
 }

@@ -62,6 +62,7 @@ private:
     std::string m_serverRoot;
     WineHive m_hive;
     bool m_loaded = false;
+    bool m_refused = false; ///< the hive exists but is no regular file that could be read
     FileStamp m_stamp;
     std::map<RegKey, std::string> m_handles;
     RegKey m_nextHandle = 0x100;

@@ -3,6 +3,7 @@
 #include "platform/linux/CacheFolder.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <optional>
 #include <unordered_map>
@@ -168,6 +169,7 @@ UrlCacheEnum LinuxUrlCache::findFirst(void* buffer, std::uint32_t& size) {
     if (!m_probe) {
         m_catalogue = discover();
         m_inUse = m_catalogue->held;
+        m_problems.clear();
         m_probe = std::make_unique<Enumeration>(m_catalogue);
     }
     if (!m_probe->peek()) {
@@ -241,6 +243,7 @@ bool LinuxUrlCache::deleteEntry(const std::string& url) {
         const std::string entries = cacheEntriesFolder(cache.family, cache.folder);
         const bool wasCurrent = cache.complete && cache.stamp == folderStamp(entries);
         if (!removeCacheEntry(cache.family, cache.folder, location.name)) {
+            m_problems.push_back({entries + "/" + location.name, std::string("could not be deleted: ") + std::strerror(errno)});
             kept.push_back(location);
             deleted = false;
             continue;
@@ -254,6 +257,32 @@ bool LinuxUrlCache::deleteEntry(const std::string& url) {
     else
         found->second = std::move(kept);
     return deleted;
+}
+
+std::size_t LinuxUrlCache::deleteUnlisted() {
+    // Found anew: a profile whose browser started since the listing is left alone now.
+    m_catalogue = discover();
+    m_inUse = m_catalogue->held;
+    std::size_t removed = 0;
+    std::vector<std::string> bases;
+    for (const BrowserProfile& profile : m_catalogue->profiles) {
+        if (std::find(m_inUse.begin(), m_inUse.end(), profile.folder) != m_inUse.end())
+            continue;
+        bases = {profile.folder};
+        for (const std::string& folder : profile.caches) {
+            removed += removeCacheRest(profile.family, folder, m_problems);
+            // The caches beside the disk cache sit in the folder that holds it: "<base>/Cache/Cache_Data"
+            // or "<base>/cache2".
+            const std::string suffix = profile.family == BrowserFamily::Chromium ? "/Cache/Cache_Data" : "/cache2";
+            if (folder.ends_with(suffix))
+                bases.push_back(folder.substr(0, folder.size() - suffix.size()));
+        }
+        std::sort(bases.begin(), bases.end());
+        bases.erase(std::unique(bases.begin(), bases.end()), bases.end());
+        for (const std::string& base : bases)
+            removed += removeSideCaches(profile.family, base, m_problems);
+    }
+    return removed;
 }
 
 } // namespace platform::linux

@@ -4,7 +4,8 @@
 // it. The entries an enumeration has read are remembered by address, so deleting a long list of
 // them ("Wipe Cache") finds each one without reading the caches again; a cache folder is read
 // again only when an address is not known and the folder has changed since it was read. A profile
-// whose browser holds it is neither read nor changed, and is named by storesInUse().
+// whose browser holds it is neither read nor changed, and is named by storesInUse(). Entry files
+// whose key cannot be read, and the caches beside the disk cache, are reached by deleteUnlisted().
 
 #include "platform/UrlCache.h"
 #include "platform/linux/BrowserProfiles.h"
@@ -24,7 +25,9 @@ public:
     bool findNext(UrlCacheEnum enumeration, void* buffer, std::uint32_t& size) override;
     void findClose(UrlCacheEnum enumeration) override;
     bool deleteEntry(const std::string& url) override;
+    std::size_t deleteUnlisted() override;
     std::vector<std::string> storesInUse() const override { return m_inUse; }
+    std::vector<StoreProblem> storeProblems() const override { return m_problems; }
 
 private:
     struct Catalogue;
@@ -39,6 +42,7 @@ private:
     std::map<UrlCacheEnum, std::unique_ptr<Enumeration>> m_open;
     UrlCacheEnum m_lastHandle = 0;
     std::vector<std::string> m_inUse;
+    std::vector<StoreProblem> m_problems;
 };
 
 } // namespace platform::linux

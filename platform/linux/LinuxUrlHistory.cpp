@@ -8,15 +8,53 @@
 namespace platform::linux {
 namespace {
 
-void noteInUse(std::vector<std::string>& inUse, const std::string& folder) {
-    if (std::find(inUse.begin(), inUse.end(), folder) == inUse.end())
-        inUse.push_back(folder);
+using State = LinuxUrlHistory::State;
+
+void noteInUse(State& state, const std::string& folder) {
+    if (std::find(state.inUse.begin(), state.inUse.end(), folder) == state.inUse.end())
+        state.inUse.push_back(folder);
+}
+
+/// Notes what became of one profile's history; true when all of it was done.
+bool note(State& state, const BrowserProfile& profile, StoreResult result, const ProfileHistory* history) {
+    if (result == StoreResult::InUse) {
+        noteInUse(state, profile.folder);
+        return false;
+    }
+    // A file is named once, with the first reason found: a database the clear left out is read
+    // again by the listing that follows.
+    const auto name = [&state](const StoreProblem& problem) {
+        if (std::none_of(state.problems.begin(), state.problems.end(),
+                         [&](const StoreProblem& p) { return p.file == problem.file; }))
+            state.problems.push_back(problem);
+    };
+    if (history)
+        for (const StoreProblem& problem : history->problems())
+            name(problem);
+    if (result == StoreResult::Failed && (!history || history->problems().empty()))
+        name({profile.folder, "its history could not be reached"});
+    return result == StoreResult::Done;
+}
+
+/// Forgets `url` (every address when empty) in every profile not held.
+bool forgetEverywhere(State& state, const Environment& env, const std::optional<std::string>& url) {
+    state.clear();
+    bool ok = true;
+    for (const BrowserProfile& profile : findBrowserProfiles(env)) {
+        if (profileHeld(profile)) {
+            ok = note(state, profile, StoreResult::InUse, nullptr) && ok;
+            continue;
+        }
+        const auto history = profileHistory(profile);
+        ok = note(state, profile, history->forget(url), history.get()) && ok;
+    }
+    return ok;
 }
 
 class LinuxUrlHistoryEnum final : public UrlHistoryEnum {
 public:
-    LinuxUrlHistoryEnum(std::vector<BrowserProfile> profiles, std::shared_ptr<std::vector<std::string>> inUse)
-        : m_profiles(std::move(profiles)), m_inUse(std::move(inUse)) {}
+    LinuxUrlHistoryEnum(std::vector<BrowserProfile> profiles, std::shared_ptr<State> state)
+        : m_profiles(std::move(profiles)), m_state(std::move(state)) {}
 
     bool setFilter(const std::string& urlStartsWith, std::uint32_t flags) override {
         m_prefix = urlStartsWith;
@@ -45,16 +83,24 @@ public:
             const BrowserProfile& profile = m_profiles[m_nextProfile++];
             m_records.clear();
             m_position = 0;
-            if (profileHeld(profile) || profileHistory(profile)->read(m_records) == StoreResult::InUse) {
-                m_records.clear();
-                noteInUse(*m_inUse, profile.folder);
+            if (profileHeld(profile)) {
+                noteInUse(*m_state, profile.folder);
+                continue;
             }
+            const auto history = profileHistory(profile);
+            const StoreResult result = history->read(m_records);
+            // A profile that has no history database yet has nothing to tell; one whose database
+            // cannot be read is named, with what could be read of it still listed.
+            if (result == StoreResult::InUse)
+                m_records.clear();
+            if (result != StoreResult::Failed || !history->problems().empty())
+                note(*m_state, profile, result, history.get());
         }
     }
 
 private:
     std::vector<BrowserProfile> m_profiles;
-    std::shared_ptr<std::vector<std::string>> m_inUse;
+    std::shared_ptr<State> m_state;
     std::size_t m_nextProfile = 0;
     std::vector<StatUrl> m_records;
     std::size_t m_position = 0;
@@ -65,51 +111,35 @@ private:
 } // namespace
 
 LinuxUrlHistory::LinuxUrlHistory(Environment env)
-    : m_env(std::move(env)), m_inUse(std::make_shared<std::vector<std::string>>()) {}
+    : m_env(std::move(env)), m_state(std::make_shared<State>()) {}
 
 bool LinuxUrlHistory::addUrl(const std::string& url, const std::string& title, std::uint32_t) {
-    m_inUse->clear();
+    m_state->clear();
     for (const BrowserProfile& profile : findBrowserProfiles(m_env)) {
         if (profileHeld(profile)) {
-            noteInUse(*m_inUse, profile.folder);
+            noteInUse(*m_state, profile.folder);
             continue;
         }
         const StoreResult result = profileHistory(profile)->add(url, title);
         if (result == StoreResult::Done)
             return true;
         if (result == StoreResult::InUse)
-            noteInUse(*m_inUse, profile.folder);
+            noteInUse(*m_state, profile.folder);
     }
     return false;
 }
 
 bool LinuxUrlHistory::deleteUrl(const std::string& url, std::uint32_t) {
-    m_inUse->clear();
-    bool ok = true;
-    for (const BrowserProfile& profile : findBrowserProfiles(m_env)) {
-        const StoreResult result = profileHeld(profile) ? StoreResult::InUse : profileHistory(profile)->forget(url);
-        if (result == StoreResult::InUse)
-            noteInUse(*m_inUse, profile.folder);
-        ok = ok && result == StoreResult::Done;
-    }
-    return ok;
+    return forgetEverywhere(*m_state, m_env, url);
 }
 
 std::unique_ptr<UrlHistoryEnum> LinuxUrlHistory::enumUrls() {
-    m_inUse->clear();
-    return std::make_unique<LinuxUrlHistoryEnum>(findBrowserProfiles(m_env), m_inUse);
+    // What the change before found stays to be told: listing is how a change is checked.
+    return std::make_unique<LinuxUrlHistoryEnum>(findBrowserProfiles(m_env), m_state);
 }
 
 bool LinuxUrlHistory::clearHistory() {
-    m_inUse->clear();
-    bool ok = true;
-    for (const BrowserProfile& profile : findBrowserProfiles(m_env)) {
-        const StoreResult result = profileHeld(profile) ? StoreResult::InUse : profileHistory(profile)->forget(std::nullopt);
-        if (result == StoreResult::InUse)
-            noteInUse(*m_inUse, profile.folder);
-        ok = ok && result == StoreResult::Done;
-    }
-    return ok;
+    return forgetEverywhere(*m_state, m_env, std::nullopt);
 }
 
 } // namespace platform::linux

@@ -26,12 +26,22 @@ public:
     bool deleteUrl(const std::string& url, std::uint32_t flags) override;
     std::unique_ptr<UrlHistoryEnum> enumUrls() override;
     bool clearHistory() override;
-    std::vector<std::string> storesInUse() const override { return *m_inUse; }
+    std::vector<std::string> storesInUse() const override { return m_state->inUse; }
+    std::vector<StoreProblem> storeProblems() const override { return m_state->problems; }
+    /// What the last call found, shared with the enumerators, which find held and failing
+    /// profiles as they reach them.
+    struct State {
+        std::vector<std::string> inUse;
+        std::vector<StoreProblem> problems;
+        void clear() {
+            inUse.clear();
+            problems.clear();
+        }
+    };
 
 private:
     Environment m_env;
-    /// Shared with the enumerators, which find held profiles as they reach them.
-    std::shared_ptr<std::vector<std::string>> m_inUse;
+    std::shared_ptr<State> m_state;
 };
 
 } // namespace platform::linux

@@ -1,6 +1,9 @@
 #include "platform/linux/ProfileDatabases.h"
 
+#include <cerrno>
+#include <cstring>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace platform::linux {
 namespace {
@@ -14,7 +17,19 @@ bool isRegularFile(const std::string& path) {
     return ::lstat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode);
 }
 
+/// Why SQLite could not open `path`: the system's words when the file itself cannot be opened.
+std::string openFailure(const std::string& path, bool write) {
+    if (::access(path.c_str(), write ? R_OK | W_OK : R_OK) != 0)
+        return std::string("cannot be opened: ") + std::strerror(errno);
+    return "SQLite cannot open it";
+}
+
 } // namespace
+
+void ProfileDatabases::noteFailure(const std::string& file, const std::string& reason) {
+    m_failures = true;
+    m_problems.push_back(StoreProblem{file, reason});
+}
 
 ProfileDatabases::~ProfileDatabases() {
     rollback();
@@ -34,7 +49,7 @@ StoreResult ProfileDatabases::open(const std::vector<std::string>& paths, bool w
             continue;
         Open entry{path, write ? SqliteDb::open(path, kBusyMillis) : SqliteDb::openReadOnly(path, kBusyMillis)};
         if (!entry.db) {
-            m_failures = true;
+            noteFailure(path, openFailure(path, write));
             continue;
         }
         SqliteDb& db = *entry.db;
@@ -49,6 +64,20 @@ StoreResult ProfileDatabases::open(const std::vector<std::string>& paths, bool w
             ready = db.exec("PRAGMA secure_delete = ON") && db.exec("PRAGMA temp_store = MEMORY") &&
                     (entry.wal || db.value("PRAGMA journal_mode = DELETE").has_value()) && db.exec("BEGIN IMMEDIATE");
             entry.inTransaction = ready;
+            if (ready) {
+                // Checked under the write lock, so that nothing changes the file between the check
+                // and the change.
+                const auto integrity = db.value("PRAGMA integrity_check(1)");
+                if (!integrity && db.lastFailureWasLock()) {
+                    rollback();
+                    return StoreResult::InUse;
+                }
+                if (integrity != "ok") {
+                    db.exec("ROLLBACK");
+                    noteFailure(path, "is damaged (its integrity check fails); left as it is");
+                    continue;
+                }
+            }
         } else if (ready) {
             ready = db.exec("PRAGMA temp_store = MEMORY") && db.value("SELECT count(*) FROM sqlite_master").has_value();
         }
@@ -57,7 +86,10 @@ StoreResult ProfileDatabases::open(const std::vector<std::string>& paths, bool w
                 rollback();
                 return StoreResult::InUse;
             }
-            m_failures = true; // damaged or not a database: the others are still cleaned
+            // Damaged or not a database: named, and the others are still cleaned.
+            noteFailure(path, (access(path.c_str(), R_OK) != 0 ? std::string("cannot be read: ") + std::strerror(errno)
+                                                               : "is damaged or is no database (" + db.lastError() + ")") +
+                                  "; left as it is");
             continue;
         }
         m_open.push_back(std::move(entry));
@@ -77,6 +109,7 @@ bool ProfileDatabases::commit(bool compact) {
     for (Open& o : m_open) {
         if (o.inTransaction) {
             if (!o.db->exec("COMMIT")) {
+                noteFailure(o.path, "its change could not be saved (" + o.db->lastError() + ")");
                 o.db->exec("ROLLBACK");
                 ok = false;
             }
@@ -87,13 +120,29 @@ bool ProfileDatabases::commit(bool compact) {
         for (Open& o : m_open) {
             // VACUUM writes the database anew without free pages; in WAL mode the new pages go to
             // the log first, so the log is checkpointed into the database and cut to nothing.
-            ok = o.db->exec("VACUUM") && ok;
+            bool compacted = o.db->exec("VACUUM");
             if (o.wal)
-                ok = o.db->value("PRAGMA wal_checkpoint(TRUNCATE)").value_or("1") == "0" && ok;
+                compacted = o.db->value("PRAGMA wal_checkpoint(TRUNCATE)").value_or("1") == "0" && compacted;
+            if (!compacted)
+                noteFailure(o.path, "its deleted rows may remain in free pages (" + o.db->lastError() + ")");
+            ok = compacted && ok;
         }
     }
     m_open.clear();
     return ok;
+}
+
+void ProfileDatabases::giveUp(const std::string& path, const std::string& reason) {
+    for (auto it = m_open.begin(); it != m_open.end(); ++it) {
+        if (it->path != path)
+            continue;
+        const std::string detail = it->db->lastError();
+        if (it->inTransaction)
+            it->db->exec("ROLLBACK");
+        m_open.erase(it);
+        noteFailure(path, reason + (detail == "not an error" ? "" : " (" + detail + ")") + "; left as it was");
+        return;
+    }
 }
 
 void ProfileDatabases::rollback() {

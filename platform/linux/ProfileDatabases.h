@@ -5,6 +5,7 @@
 // is rebuilt (VACUUM) and its journal or write-ahead log emptied, so that no deleted byte stays in
 // any of its files.
 
+#include "platform/UrlCache.h" // StoreProblem
 #include "platform/linux/Sqlite.h"
 
 #include <memory>
@@ -24,7 +25,8 @@ public:
 
     /// Opens each of `paths` that exists and takes its write lock. InUse when one stays locked by
     /// another process (nothing is then held); Failed when none could be opened; otherwise Done,
-    /// also when a damaged one had to be left out (failures() tells).
+    /// also when a damaged one had to be left out (problems() names it). A database that fails its
+    /// integrity check is left out whole: rewriting part of a damaged file could lose the rest.
     StoreResult lockForWriting(const std::vector<std::string>& paths);
     /// Opens each of `paths` that exists for reading only, through connections that cannot change
     /// any file of the profile; InUse when one is locked.
@@ -36,9 +38,15 @@ public:
     bool commit(bool compact);
     /// Gives up every change.
     void rollback();
+    /// Gives up the change of the database at `path` alone, leaving it as it was, and names it
+    /// with `reason`.
+    void giveUp(const std::string& path, const std::string& reason);
     /// Whether a database had to be left out or a step failed.
     bool failures() const { return m_failures; }
-    void noteFailure() { m_failures = true; }
+    /// Notes that `file` was not (fully) cleaned, for `reason`.
+    void noteFailure(const std::string& file, const std::string& reason);
+    /// Each database left out or whose change failed, with the reason.
+    const std::vector<StoreProblem>& problems() const { return m_problems; }
 
 private:
     struct Open {
@@ -51,6 +59,7 @@ private:
 
     std::vector<Open> m_open;
     bool m_failures = false;
+    std::vector<StoreProblem> m_problems;
 };
 
 } // namespace platform::linux

@@ -3,6 +3,7 @@
 #include "platform/linux/Descriptors.h"
 
 #include <cerrno>
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -22,11 +23,14 @@ bool runWhereTables(SqliteDb& db, std::initializer_list<const char*> tables, con
 }
 
 StoreResult readStatUrls(const std::string& path, const std::string& sql, std::int64_t keptMicros,
-                         std::vector<StatUrl>& out) {
+                         std::vector<StatUrl>& out, std::vector<StoreProblem>& problems) {
     ProfileDatabases dbs;
-    if (const StoreResult r = dbs.openForReading({path}); r != StoreResult::Done)
+    const StoreResult r = dbs.openForReading({path});
+    problems.insert(problems.end(), dbs.problems().begin(), dbs.problems().end());
+    if (r != StoreResult::Done)
         return r;
-    SqliteStatement rows = dbs.get(path)->prepare(sql);
+    SqliteDb& db = *dbs.get(path);
+    SqliteStatement rows = db.prepare(sql);
     while (rows.step()) {
         StatUrl record;
         record.cbSize = 40;
@@ -39,7 +43,28 @@ StoreResult readStatUrls(const std::string& path, const std::string& sql, std::i
         record.dwFlags = rows.integer(3) == 0 ? kStatUrlTopLevel : 0;
         out.push_back(std::move(record));
     }
-    return rows.failed() ? StoreResult::Failed : StoreResult::Done;
+    if (!rows.failed())
+        return StoreResult::Done;
+    problems.push_back({path, "could not be read whole (" + db.lastError() + ")"});
+    return StoreResult::Failed;
+}
+
+bool anyTargets(SqliteDb& db) {
+    return db.value("SELECT count(*) FROM temp.targets").value_or("1") != "0";
+}
+
+bool ProfileHistory::removeSessionFile(const std::string& path) {
+    if (removeFileIfThere(path))
+        return true;
+    noteProblem(path, std::string("could not be deleted: ") + std::strerror(errno));
+    return false;
+}
+
+bool ProfileHistory::removeSessionFilesIn(const std::string& path) {
+    if (removeFilesIn(path))
+        return true;
+    noteProblem(path, std::string("not every file in it could be deleted: ") + std::strerror(errno));
+    return false;
 }
 
 FileTime fileTimeFromMicros1601(std::int64_t micros) {

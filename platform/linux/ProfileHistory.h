@@ -31,14 +31,27 @@ public:
     virtual StoreResult read(std::vector<StatUrl>& out) = 0;
     /// Records a visit of `url` now; Failed where the store cannot take it safely.
     virtual StoreResult add(const std::string& url, const std::string& title) = 0;
-    /// Removes every record of visiting `url`, or of every address when `url` is empty.
+    /// Removes every record of visiting `url`, or of every address when `url` is empty. The
+    /// session files go too (for one address, where the profile's history held it): they keep
+    /// the addresses of open tabs and their back-and-forward lists.
     virtual StoreResult forget(const std::optional<std::string>& url) = 0;
+    /// Each file the last call could not read or clean, with the reason.
+    const std::vector<StoreProblem>& problems() const { return m_problems; }
 
 protected:
     std::string file(const std::string& name) const { return m_profile.folder + "/" + name; }
+    void noteProblems(const std::vector<StoreProblem>& problems) {
+        m_problems.insert(m_problems.end(), problems.begin(), problems.end());
+    }
+    void noteProblem(const std::string& file, const std::string& reason) { m_problems.push_back({file, reason}); }
+    /// Removes the file `path` when it is there, naming it when it stays; true when it is gone.
+    bool removeSessionFile(const std::string& path);
+    /// The same for every file directly in the folder `path`.
+    bool removeSessionFilesIn(const std::string& path);
 
 private:
     BrowserProfile m_profile;
+    std::vector<StoreProblem> m_problems;
 };
 
 /// The history of `profile`, by its browser family.
@@ -53,7 +66,9 @@ bool runWhereTables(SqliteDb& db, std::initializer_list<const char*> tables, con
 /// title, the last visit in microseconds since 1601-01-01 UTC, and whether the page is hidden.
 /// Each expires `keptMicros` after its last visit; with 0 it has no expiry.
 StoreResult readStatUrls(const std::string& path, const std::string& sql, std::int64_t keptMicros,
-                         std::vector<StatUrl>& out);
+                         std::vector<StatUrl>& out, std::vector<StoreProblem>& problems);
+/// Whether `db`'s temp.targets (the places or urls being forgotten) holds any row.
+bool anyTargets(SqliteDb& db);
 
 /// A FILETIME from microseconds since 1601-01-01 UTC.
 FileTime fileTimeFromMicros1601(std::int64_t micros);

@@ -34,6 +34,13 @@ bool exists(const std::string& path) {
     return ::lstat(path.c_str(), &st) == 0;
 }
 
+/// Whether `path` is there and is something other than a regular file (a FIFO, socket, device,
+/// folder): a FIFO opened for reading would wait for a writer that never comes.
+bool notRegular(const std::string& path) {
+    struct stat st {};
+    return ::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode);
+}
+
 int fileClose(sqlite3_file* f) {
     File* file = fileOf(f);
     if (file->emptyLog || !real(file))
@@ -164,6 +171,8 @@ int open(sqlite3_vfs*, sqlite3_filename name, sqlite3_file* f, int flags, int* o
             *outFlags = SQLITE_OPEN_READONLY | SQLITE_OPEN_WAL;
         return SQLITE_OK;
     }
+    if (notRegular(name))
+        return SQLITE_CANTOPEN;
     const int readOnly = (flags & ~(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_EXCLUSIVE |
                                     SQLITE_OPEN_DELETEONCLOSE)) |
                          SQLITE_OPEN_READONLY;

@@ -1,5 +1,8 @@
 #include "platform/linux/RecentlyUsed.h"
 
+#include "platform/linux/Descriptors.h"
+
+#include <fcntl.h>
 #include <glib.h>
 #include <sys/stat.h>
 
@@ -20,11 +23,23 @@ std::vector<std::string> takeUris(GBookmarkFile* file, bool loaded) {
     return uris;
 }
 
+/// A list far larger than any desktop keeps is not one to parse.
+constexpr std::size_t ListLimit = 64 * 1024 * 1024;
+
+const std::string LinkKept = "is a symbolic link (the usual way to switch recording off); left as it is";
+
 } // namespace
 
-std::vector<std::string> recentlyUsedUris(const std::string& path) {
-    GBookmarkFile* file = g_bookmark_file_new();
-    return takeUris(file, g_bookmark_file_load_from_file(file, path.c_str(), nullptr));
+RecentlyUsedRead readRecentlyUsed(const std::string& path) {
+    RecentlyUsedRead read;
+    const FileText file = readRegularFile(AT_FDCWD, path, ListLimit);
+    if (file.result == ReadResult::Read)
+        read.uris = recentlyUsedUrisIn(file.text);
+    else if (file.result == ReadResult::Link)
+        read.problem = LinkKept;
+    else if (file.result != ReadResult::Missing)
+        read.problem = readProblem(file.result, file.st.st_mode) + "; left as it is";
+    return read;
 }
 
 std::vector<std::string> recentlyUsedUrisIn(const std::string& text) {
@@ -32,10 +47,15 @@ std::vector<std::string> recentlyUsedUrisIn(const std::string& text) {
     return takeUris(file, g_bookmark_file_load_from_data(file, text.data(), text.size(), nullptr));
 }
 
-bool clearRecentlyUsed(const std::string& path) {
+bool clearRecentlyUsed(const std::string& path, std::string* problem) {
     struct stat st {};
     if (::lstat(path.c_str(), &st) != 0)
         return true; // nothing recorded
+    if (!S_ISREG(st.st_mode)) {
+        if (problem)
+            *problem = S_ISLNK(st.st_mode) ? LinkKept : readProblem(ReadResult::NotRegular, st.st_mode) + "; left as it is";
+        return false;
+    }
     GBookmarkFile* empty = g_bookmark_file_new();
     gsize length = 0;
     gchar* data = g_bookmark_file_to_data(empty, &length, nullptr);
@@ -43,7 +63,7 @@ bool clearRecentlyUsed(const std::string& path) {
     if (!data)
         return false;
     // Written to a temporary file that is synced and renamed over the old one: a reader sees the
-    // old list or the empty one, never half a file. A link is replaced, not written through.
+    // old list or the empty one, never half a file.
     const bool ok = g_file_set_contents_full(path.c_str(), data, static_cast<gssize>(length),
                                              G_FILE_SET_CONTENTS_CONSISTENT, static_cast<int>(st.st_mode & 0777),
                                              nullptr);

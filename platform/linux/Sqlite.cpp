@@ -151,6 +151,10 @@ bool SqliteDb::hasColumn(const std::string& table, const std::string& column) {
     return st.step();
 }
 
+std::string SqliteDb::lastError() const {
+    return sqlite3_errmsg(m_db);
+}
+
 bool SqliteDb::lastFailureWasLock() const {
     const int code = sqlite3_errcode(m_db) & 0xff;
     return code == SQLITE_BUSY || code == SQLITE_LOCKED;

@@ -65,6 +65,8 @@ public:
     bool hasColumn(const std::string& table, const std::string& column);
     /// Whether the last call failed because another connection holds a lock.
     bool lastFailureWasLock() const;
+    /// SQLite's words for the last failure.
+    std::string lastError() const;
     sqlite3* handle() const { return m_db; }
 
 private:

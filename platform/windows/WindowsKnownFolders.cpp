@@ -43,12 +43,41 @@ WindowsKnownFolders::WindowsKnownFolders() {
         m_home = narrow(path);
     m_home = withoutTrailingSeparator(m_home);
     // Every profile lives beside this user's: "C:\Users\me" or "C:\Documents and Settings\me".
+    wchar_t windowsFolder[MAX_PATH + 1];
+    n = ::GetWindowsDirectoryW(windowsFolder, MAX_PATH + 1);
+    if (n > 0 && n <= MAX_PATH) {
+        const std::string windows = narrow(windowsFolder, static_cast<int>(n));
+        if (windows.size() >= 3)
+            m_systemFolders.push_back(windows.substr(0, 3)); // the system drive's root
+        m_systemFolders.push_back(withoutTrailingSeparator(windows));
+    }
+    if (!m_system.empty())
+        m_systemFolders.push_back(m_system);
+    for (const int id : {CSIDL_PROGRAM_FILES, CSIDL_PROGRAM_FILESX86, CSIDL_COMMON_APPDATA})
+        if (SUCCEEDED(::SHGetFolderPathW(nullptr, id, nullptr, SHGFP_TYPE_CURRENT, path)))
+            m_systemFolders.push_back(withoutTrailingSeparator(narrow(path)));
     const auto cut = m_home.find_last_of("\\/");
     if (cut != std::string::npos && cut > 2) {
         const std::string parent = m_home.substr(0, cut);
         if (isFolder(parent))
             m_users = parent;
     }
+}
+
+} // namespace platform::windows
+
+namespace platform::windows {
+
+RunAs WindowsKnownFolders::runAs() {
+    HANDLE token = nullptr;
+    if (!::OpenProcessToken(::GetCurrentProcess(), TOKEN_QUERY, &token))
+        return RunAs::User;
+    TOKEN_ELEVATION elevation {};
+    DWORD size = 0;
+    const bool elevated = ::GetTokenInformation(token, TokenElevation, &elevation, sizeof elevation, &size) &&
+                          elevation.TokenIsElevated != 0;
+    ::CloseHandle(token);
+    return elevated ? RunAs::Administrator : RunAs::User;
 }
 
 } // namespace platform::windows

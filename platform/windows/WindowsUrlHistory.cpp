@@ -2,11 +2,10 @@
 
 #include "platform/windows/WinText.h"
 
+#include <cstdio>
 #include <windows.h>
 #include <objbase.h>
 #include <urlhist.h>
-
-#include <memory>
 
 namespace platform::windows {
 namespace {
@@ -14,61 +13,38 @@ namespace {
 // CLSID_CUrlHistory, the system's history store.
 constexpr CLSID UrlHistoryClass = {0x3C374A40, 0xBAE4, 0x11CF, {0xBF, 0x7D, 0x00, 0xAA, 0x00, 0x69, 0x46, 0xEE}};
 
+// How the store is named when it cannot be reached: it has no file of its own to name.
+const char* const kStoreName = "the URL history store";
+
+/// "not implemented (0x80004001)": the system's words for `result`, with its number.
+std::string describe(HRESULT result) {
+    wchar_t* text = nullptr;
+    std::string words;
+    if (::FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                         static_cast<DWORD>(result), 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr) && text) {
+        words = narrow(text);
+        ::LocalFree(text);
+        while (!words.empty() && (words.back() == '\n' || words.back() == '\r' || words.back() == ' ' || words.back() == '.'))
+            words.pop_back();
+    }
+    if (words.empty())
+        words = result == E_NOTIMPL ? "not implemented" : "failed";
+    char number[16];
+    std::snprintf(number, sizeof number, "0x%08lX", static_cast<unsigned long>(result));
+    return words + " (" + number + ")";
+}
+
 FileTime fileTime(const FILETIME& t) {
     return FileTime{t.dwLowDateTime, t.dwHighDateTime};
 }
 
-/// COM on the calling thread for as long as this lives. The store is an apartment-threaded object:
-/// each call makes its own on the thread that calls, so no thread is left in an apartment that
-/// another one entered, and COM is left on the thread that started it.
-class ComScope {
-public:
-    // S_FALSE: this thread had COM already, and is left with it; a thread in the other apartment
-    // model (RPC_E_CHANGED_MODE) can still use the store.
-    ComScope() : m_started(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
-    ~ComScope() {
-        if (m_started)
-            ::CoUninitialize();
-    }
-    ComScope(const ComScope&) = delete;
-    ComScope& operator=(const ComScope&) = delete;
-
-private:
-    bool m_started;
-};
-
-/// The system's history store, made on the calling thread; null when the system has none.
-IUrlHistoryStg2* createStore() {
-    void* created = nullptr;
-    if (FAILED(::CoCreateInstance(UrlHistoryClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUrlHistoryStg2, &created)))
-        return nullptr;
-    return static_cast<IUrlHistoryStg2*>(created);
-}
-
-/// A store and COM for one call.
-class Store {
-public:
-    Store() : m_store(createStore()) {}
-    ~Store() {
-        if (m_store)
-            m_store->Release();
-    }
-    Store(const Store&) = delete;
-    Store& operator=(const Store&) = delete;
-    IUrlHistoryStg2* get() const { return m_store; }
-
-private:
-    ComScope m_com; // first made, last gone
-    IUrlHistoryStg2* m_store;
-};
-
 class WindowsUrlHistoryEnum final : public UrlHistoryEnum {
 public:
-    WindowsUrlHistoryEnum(std::unique_ptr<Store> store, IEnumSTATURL* enumerator)
-        : m_store(std::move(store)), m_enum(enumerator) {}
+    explicit WindowsUrlHistoryEnum(IEnumSTATURL* enumerator) : m_enum(enumerator) {}
     ~WindowsUrlHistoryEnum() override { m_enum->Release(); }
     WindowsUrlHistoryEnum(const WindowsUrlHistoryEnum&) = delete;
     WindowsUrlHistoryEnum& operator=(const WindowsUrlHistoryEnum&) = delete;
+
     bool setFilter(const std::string& urlStartsWith, std::uint32_t flags) override {
         const std::wstring prefix = widen(urlStartsWith);
         return SUCCEEDED(m_enum->SetFilter(prefix.empty() ? nullptr : prefix.c_str(), flags));
@@ -94,33 +70,68 @@ public:
     }
 
 private:
-    std::unique_ptr<Store> m_store; // outlives the enumerator: declared first
     IEnumSTATURL* m_enum;
 };
 
 } // namespace
 
+WindowsUrlHistory::~WindowsUrlHistory() {
+    if (m_store)
+        m_store->Release();
+    if (m_comStarted)
+        ::CoUninitialize();
+}
+
+IUrlHistoryStg2* WindowsUrlHistory::store() {
+    if (m_tried) {
+        if (!m_store)
+            succeeded(m_created);
+        return m_store;
+    }
+    m_tried = true;
+    // S_FALSE: this thread had COM already; a thread in the other apartment model can still use it.
+    const HRESULT started = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    m_comStarted = SUCCEEDED(started);
+    void* created = nullptr;
+    m_created = ::CoCreateInstance(UrlHistoryClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUrlHistoryStg2, &created);
+    if (succeeded(m_created))
+        m_store = static_cast<IUrlHistoryStg2*>(created);
+    return m_store;
+}
+
+bool WindowsUrlHistory::succeeded(HRESULT result) {
+    if (SUCCEEDED(result))
+        return true;
+    // Named once: the listing that follows a change meets the same refusal.
+    if (m_problems.empty())
+        m_problems.push_back({kStoreName, "cannot be reached: " + describe(result)});
+    return false;
+}
+
 bool WindowsUrlHistory::addUrl(const std::string& url, const std::string& title, std::uint32_t flags) {
-    const Store s;
-    return s.get() && SUCCEEDED(s.get()->AddUrl(widen(url).c_str(), widen(title).c_str(), flags));
+    m_problems.clear();
+    IUrlHistoryStg2* s = store();
+    return s && succeeded(s->AddUrl(widen(url).c_str(), widen(title).c_str(), flags));
 }
 
 bool WindowsUrlHistory::deleteUrl(const std::string& url, std::uint32_t flags) {
-    const Store s;
-    return s.get() && SUCCEEDED(s.get()->DeleteUrl(widen(url).c_str(), flags));
+    m_problems.clear();
+    IUrlHistoryStg2* s = store();
+    return s && succeeded(s->DeleteUrl(widen(url).c_str(), flags));
 }
 
 std::unique_ptr<UrlHistoryEnum> WindowsUrlHistory::enumUrls() {
-    auto s = std::make_unique<Store>();
+    IUrlHistoryStg2* s = store();
     IEnumSTATURL* enumerator = nullptr;
-    if (!s->get() || FAILED(s->get()->EnumUrls(&enumerator)) || !enumerator)
+    if (!s || !succeeded(s->EnumUrls(&enumerator)) || !enumerator)
         return nullptr;
-    return std::make_unique<WindowsUrlHistoryEnum>(std::move(s), enumerator);
+    return std::make_unique<WindowsUrlHistoryEnum>(enumerator);
 }
 
 bool WindowsUrlHistory::clearHistory() {
-    const Store s;
-    return s.get() && SUCCEEDED(s.get()->ClearHistory());
+    m_problems.clear();
+    IUrlHistoryStg2* s = store();
+    return s && succeeded(s->ClearHistory());
 }
 
 } // namespace platform::windows

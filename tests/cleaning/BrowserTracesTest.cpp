@@ -58,7 +58,12 @@ struct Zone {
 } // namespace
 
 TEST_F(BrowserTraces, ShowCacheListsEveryEntryInEnumerationOrderAndWipeCacheDeletesOnlyTheListed) {
-    const auto expected = platform::cachedAddresses(home.platform().urlCache());
+    // An address that both browsers cached is one line.
+    const auto all = platform::cachedAddresses(home.platform().urlCache());
+    std::vector<std::string> expected;
+    for (const std::string& address : all)
+        if (std::find(expected.begin(), expected.end(), address) == expected.end())
+            expected.push_back(address);
     ASSERT_FALSE(expected.empty());
     cleaner.ShowCache();
     EXPECT_EQ(view.lines(), expected);
@@ -69,8 +74,8 @@ TEST_F(BrowserTraces, ShowCacheListsEveryEntryInEnumerationOrderAndWipeCacheDele
     cleaner.DeleteListedCacheEntries();
     EXPECT_EQ(view.lineCount(), 0u);
     auto left = platform::cachedAddresses(home.freshPlatform()->urlCache());
-    auto others = expected; // the address goes from every profile that cached it
-    std::erase(others, expected.front());
+    auto others = all;
+    std::erase(others, expected.front()); // the address goes from every profile that cached it
     EXPECT_EQ(left, others);
 
     cleaner.DeleteListedCacheEntries(); // a second press finds the list empty: nothing goes

@@ -10,12 +10,17 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <map>
+#include <optional>
+#include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using testsupport::readFile;
@@ -70,8 +75,8 @@ TEST_F(TraceCli, CleanAllAsksWithTheCountsAndPreviewNamesWhatItThenRemoves) {
     const std::string before = everything();
     auto r = runCli("clean-all");
     EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(contains(r.err, "Overwrite and delete 2 temp files, and delete 0 cache entries, 0 history entries and "
-                                "1 cookie record file?"))
+    EXPECT_TRUE(contains(r.err, "Overwrite and delete 2 temp files and 1 folder in " + tmp.string() +
+                                    ", and delete 0 cache entries, 0 history entries and 1 cookie record file?"))
         << r.err;
     r = runCli("preview");
     EXPECT_EQ(r.code, 0) << r.seen();
@@ -112,20 +117,33 @@ TEST_F(TraceCli, AutocleanCleansOnceEachTimeTheBrowserClosesUntilCtrlC) {
     EXPECT_TRUE(fs::exists(tmp / "one.txt")); // AutoClean leaves the temporary folder alone
     EXPECT_EQ(cli.stop(SIGINT), 0);
     const std::string printed = readFile(out);
-    EXPECT_TRUE(contains(printed, "the browser closed; cleaned 0 cache entries, 1 cookie record file and the history"))
+    EXPECT_TRUE(contains(printed, "the browser closed; cleaned 0 cache entries, 1 cookie record file and 0 history entries"))
         << printed;
     EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 1);
     fs::remove(out);
 }
 
-TEST(BrowserCli, CacheAndHistoryCommandsPrintALineAnEntryAndPreviewNamesEachCacheLine) {
+/// The number written just before `what` in `text`; -1 when `what` is not there.
+long countBefore(const std::string& text, const std::string& what) {
+    const auto at = text.find(" " + what);
+    if (at == std::string::npos)
+        return -1;
+    auto start = text.find_last_not_of("0123456789", at - 1);
+    return std::stol(text.substr(start + 1, at - start - 1));
+}
+
+TEST(BrowserCli, CacheAndHistoryCommandsPrintALineAnEntryAndEveryCountAgrees) {
     testsupport::BrowserHome home;
     const auto before = home.snapshot();
-    const std::vector<std::string> cached = platform::cachedAddresses(home.platform().urlCache());
+    // An address both browsers cached is one line, one entry to delete: deleting it reaches both.
+    std::vector<std::string> cached;
+    for (const std::string& address : platform::cachedAddresses(home.platform().urlCache()))
+        if (std::find(cached.begin(), cached.end(), address) == cached.end())
+            cached.push_back(address);
     EXPECT_EQ(linesOf(runCli("show-cache").out), cached);
-    // The same address cached by two profiles is two lines of the preview, as it is two deletions.
     std::vector<std::string> previewed;
-    for (const auto& line : linesOf(runCli("preview").out))
+    const std::string preview = runCli("preview").out;
+    for (const auto& line : linesOf(preview))
         if (line.rfind("cache entry: ", 0) == 0)
             previewed.push_back(line.substr(13));
     EXPECT_EQ(previewed, cached);
@@ -144,18 +162,177 @@ TEST(BrowserCli, CacheAndHistoryCommandsPrintALineAnEntryAndPreviewNamesEachCach
     EXPECT_EQ(r.code, 1);
     EXPECT_TRUE(contains(r.err, added + ": is not in the history")) << r.err;
 
-    EXPECT_EQ(runCli("wipe-cache --yes").code, 0);
-    EXPECT_EQ(runCli("history clear --yes").code, 0);
+    // The question, the preview and the summary count the same entries.
+    const long addresses = static_cast<long>(testsupport::visitedPages().size());
+    r = runCli("clean-all");
+    EXPECT_EQ(countBefore(r.err, "cache entries,"), static_cast<long>(cached.size())) << r.err;
+    EXPECT_EQ(countBefore(r.err, "history entries and"), addresses) << r.err;
+    EXPECT_EQ(countBefore(preview, "cache entries,"), static_cast<long>(cached.size())) << preview;
+    EXPECT_EQ(countBefore(preview, "history entries\n"), addresses) << preview;
+    r = runCli("clean-all --yes");
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_EQ(countBefore(r.err, "cache entries deleted"), static_cast<long>(cached.size())) << r.err;
+    EXPECT_EQ(countBefore(r.err, "history entries deleted"), addresses) << r.err;
     EXPECT_EQ(runCli("show-cache").out + runCli("history list").out, "");
 }
 
-TEST(BrowserCli, AProfileInUseIsNamedOnStderrAndTheExitCodeIsOne) {
+TEST(BrowserCli, EveryStoreLeftAloneOrDamagedIsNamedTheRestIsCleanedAndTheExitCodeIsOne) {
     testsupport::BrowserHome home;
+    // Chromium's History cut short, Firefox's places of random bytes: both named and left as they
+    // are, while everything else of both profiles is cleaned.
+    const fs::path history = home.chromiumProfile() / "History";
+    const fs::path places = home.firefoxProfile() / "places.sqlite";
+    fs::resize_file(history, fs::file_size(history) / 2);
+    fs::remove(places.string() + "-wal");
+    std::ofstream(places, std::ios::binary | std::ios::trunc) << std::string(8192, '\x5a') << "random";
+    const std::string damaged = readFile(history);
+    for (const char* command : {"history list", "preview"}) {
+        const auto r = runCli(command);
+        EXPECT_EQ(r.code, 1) << command;
+        EXPECT_TRUE(contains(r.err, places.string() + ": ")) << command << ": " << r.err;
+    }
+    auto r = runCli("clean-all --yes");
+    EXPECT_EQ(r.code, 1) << r.seen();
+    EXPECT_TRUE(contains(r.err, history.string() + ": is damaged")) << r.err;
+    EXPECT_TRUE(contains(r.err, places.string() + ": is damaged")) << r.err;
+    EXPECT_EQ(readFile(history), damaged);
+    EXPECT_TRUE(fs::is_empty(home.chromiumProfile() / "Sessions"));
+    EXPECT_FALSE(fs::exists(home.firefoxProfile() / "sessionstore.jsonlz4"));
+    EXPECT_EQ(runCli("show-cache").out, "");
+    r = runCli("history remove " + testsupport::visitedPages()[1].url);
+    EXPECT_EQ(r.code, 1);
+    EXPECT_TRUE(contains(r.err, places.string() + ": ")) << r.err;
+
     testsupport::ChildProcess firefox("lock-holder-f"); // no browser watcher looks for it
     fs::create_symlink("127.0.0.1:+" + std::to_string(firefox.pid()), home.firefoxProfile() / "lock");
     for (const char* command : {"show-cache", "clean-all --yes"}) {
-        const auto r = runCli(command);
+        r = runCli(command);
         EXPECT_EQ(r.code, 1) << command << ": " << r.seen();
         EXPECT_TRUE(contains(r.err, home.firefoxProfile().string() + ": its browser is running")) << command << ": " << r.err;
+    }
+}
+
+namespace {
+
+/// Every entry below `root` (links not followed) with its owner, mode and what it holds.
+std::map<std::string, std::string> ownedSnapshot(const fs::path& root) {
+    std::map<std::string, std::string> seen;
+    for (auto it = fs::recursive_directory_iterator(root); it != fs::recursive_directory_iterator(); ++it) {
+        struct stat st {};
+        ::lstat(it->path().c_str(), &st);
+        const std::string what = S_ISREG(st.st_mode) ? readFile(it->path())
+                                 : S_ISLNK(st.st_mode) ? "link:" + fs::read_symlink(it->path()).string()
+                                                       : std::string();
+        seen[it->path().lexically_relative(root).string()] =
+            std::to_string(st.st_uid) + ":" + std::to_string(st.st_mode) + ":" + what;
+    }
+    return seen;
+}
+
+void writeOwned(const fs::path& path, const std::string& text, uid_t owner) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path) << text;
+    ASSERT_EQ(::lchown(path.c_str(), owner, owner), 0) << path;
+}
+
+} // namespace
+
+// The temporary folder comes from TMPDIR, which can name anything. Each row is one run of
+// clean-all (--yes within the scratch world) over a fresh scratch world: a home with its files, a folder of another user, and
+// a shared sticky folder holding another user's file, root's file, X server locks, a service's
+// private folder and the files of the user who ran sudo.
+TEST(TempFolderCli, ATemporaryFolderThatIsNoneIsRefusedWholeAndSharedOnesLoseOnlyTheUsersFiles) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "other users' files need root to be made";
+    constexpr uid_t SudoUser = 4242, Other = 4343;
+    struct Row {
+        const char* what;
+        std::string tmpdir; ///< relative to the world, or absolute
+        std::optional<uid_t> sudoUid;
+        int code;
+        std::string reason; ///< on stderr, after the folder's name; empty: no refusal
+        std::vector<std::string> gone;
+    };
+    const std::vector<Row> rows = {
+        {"the home folder", "home/u", {}, 1, "is your home folder", {}},
+        {"the home folder spelled otherwise", "home/u/Documents/..", {}, 1, "is your home folder", {}},
+        {"above the home folder", "home", {}, 1, "holds your home folder", {}},
+        {"the root folder", "/", {}, 1, "is the system folder /;", {}},
+        {"a system folder", "/usr", {}, 1, "is the system folder /usr;", {}},
+        {"inside a system folder", "/usr/share", {}, 1, "lies inside the system folder /usr;", {}},
+        {"another user's folder", "other", {}, 1, "belongs to another user and is not a shared temporary folder", {}},
+        {"shared, root without sudo", "shared", {}, 1, "is shared by all users, and run as root without sudo", {}},
+        {"shared, root through sudo", "shared", SudoUser, 0, "", {"shared/mine.txt", "shared/mysub", "shared/mysub/a.txt"}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        testsupport::ScratchDir world;
+        const fs::path w = world.path();
+        writeOwned(w / "home/u/Documents/plan.txt", "plan", 0);
+        writeOwned(w / "home/u/.bashrc", "rc", 0);
+        writeOwned(w / "other/theirs.txt", "theirs", Other);
+        ASSERT_EQ(::chown((w / "other").c_str(), Other, Other), 0);
+        fs::create_directories(w / "shared");
+        fs::permissions(w / "shared", fs::perms::all | fs::perms::sticky_bit);
+        writeOwned(w / "shared/theirs.txt", "theirs", Other);
+        writeOwned(w / "shared/root.txt", "root's", 0);
+        writeOwned(w / "shared/mine.txt", "mine", SudoUser);
+        writeOwned(w / "shared/mysub/a.txt", "a", SudoUser);
+        ASSERT_EQ(::chown((w / "shared/mysub").c_str(), SudoUser, SudoUser), 0);
+        writeOwned(w / "shared/.X0-lock", "       123\n", SudoUser);
+        writeOwned(w / "shared/.X11-unix/X0", "x", SudoUser);
+        writeOwned(w / "shared/systemd-private-0123-x.service-a/tmp/s.txt", "service", SudoUser);
+        ASSERT_EQ(::chown((w / "shared/systemd-private-0123-x.service-a").c_str(), SudoUser, SudoUser), 0);
+        const auto before = ownedSnapshot(w);
+
+        const std::string tmpdir = row.tmpdir[0] == '/' ? row.tmpdir : (w / row.tmpdir).string();
+        const std::string env = "env " + std::string(row.sudoUid ? "SUDO_UID=" + std::to_string(*row.sudoUid) : "-u SUDO_UID") +
+                                " HOME=" + testsupport::shellQuoted(w / "home/u") + " TMPDIR=" + testsupport::shellQuoted(tmpdir);
+        // The machine's own folders are never offered a --yes: should the refusal ever fail, the
+        // question comes and, with no terminal to ask on, is answered No.
+        const bool machine = row.tmpdir[0] == '/';
+        const auto r = testsupport::runCommand("timeout 60 " + env + " " + SCOURMILL_CLI + " clean-all" +
+                                               (machine ? "" : " --yes"));
+        EXPECT_EQ(r.code, row.code) << r.seen();
+        if (!row.reason.empty()) {
+            EXPECT_TRUE(contains(r.err, "skipped " + tmpdir + ": " + row.reason)) << r.err;
+            EXPECT_FALSE(contains(r.err, "Overwrite and delete")) << r.err; // refused before the question
+        }
+        auto expected = before;
+        for (const std::string& gone : row.gone)
+            expected.erase(gone);
+        EXPECT_EQ(ownedSnapshot(w), expected);
+    }
+}
+
+// A FIFO planted as a trash record or as the registry hive, and a recent-documents list that is a
+// link to /dev/null (recording switched off): each command names each one and never waits.
+TEST(RecordsCli, PlantedRecordsAreNamedLeftAsTheyAreAndNeverWaitedFor) {
+    for (const char* command : {"preview", "clean-item --yes 'Do Em All'", "clean-item 'Recent Documents'"}) {
+        SCOPED_TRACE(command);
+        testsupport::ScratchDir world;
+        const fs::path data = world.path() / "data", prefix = world.path() / "wine";
+        fs::create_directories(data / "Trash/info");
+        world.write("data/Trash/files/item.txt", "trashed");
+        ASSERT_EQ(::mkfifo((data / "Trash/info/item.txt.trashinfo").c_str(), 0600), 0);
+        fs::create_symlink("/dev/null", data / "recently-used.xbel");
+        fs::create_directories(prefix);
+        ASSERT_EQ(::mkfifo((prefix / "user.reg").c_str(), 0600), 0);
+
+        const std::string env = "env XDG_DATA_HOME=" + testsupport::shellQuoted(data) +
+                                " WINEPREFIX=" + testsupport::shellQuoted(prefix);
+        const auto r = testsupport::runCommand("timeout 60 " + env + " " + SCOURMILL_CLI + " " + command);
+        EXPECT_EQ(r.code, 1) << r.seen();
+        const bool all = std::string(command) != "clean-item 'Recent Documents'";
+        if (all) {
+            EXPECT_TRUE(contains(r.err, (data / "Trash/info/item.txt.trashinfo").string() + ": is a FIFO, not a regular file"))
+                << r.err;
+        }
+        EXPECT_TRUE(contains(r.err, (data / "recently-used.xbel").string() + ": is a symbolic link")) << r.err;
+        EXPECT_TRUE(contains(r.err, "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RecentDocs: "
+                                    "the registry cannot be read"))
+            << r.err;
+        EXPECT_EQ(fs::read_symlink(data / "recently-used.xbel"), "/dev/null");
+        EXPECT_TRUE(fs::is_fifo(fs::symlink_status(prefix / "user.reg")));
     }
 }

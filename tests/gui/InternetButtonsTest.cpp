@@ -10,8 +10,10 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Hive.h"
 #include "tests/support/QtTestMain.h"
+#include "tests/support/Scratch.h"
 
 #include <QAction>
+#include <QLabel>
 #include <QListWidget>
 #include <QSignalSpy>
 #include <QTest>
@@ -19,6 +21,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <set>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using ggcommand::GGCommand;
@@ -37,6 +41,8 @@ class InternetButtonsTest : public QObject {
         fs::create_directories(path.parent_path());
         std::ofstream(path) << text;
     }
+    /// The status line at the foot of the window.
+    QString status() { return m_app->main.findChild<QLabel*>("Label1")->text(); }
 
 private slots:
     void init() {
@@ -61,26 +67,61 @@ private slots:
     void showCacheListsTheEntriesAndWipeCacheDeletesExactlyThose() {
         auto* list = m_app->main.findChild<QListWidget*>("List1");
         const auto cached = platform::cachedAddresses(m_home->freshPlatform()->urlCache());
+        const std::set<std::string> addresses(cached.begin(), cached.end()); // one line for both browsers
         QVERIFY(!cached.empty());
         list->clear();
         QTest::mouseClick(button(1), Qt::LeftButton);
-        QCOMPARE(list->count(), int(cached.size()));
+        QCOMPARE(list->count(), int(addresses.size()));
         QCOMPARE(list->item(0)->text().toStdString(), cached[0]);
+        const QString entries = QString::number(addresses.size()) + " cache entries";
+        QCOMPARE(status(), entries + " listed");
 
         QTest::mouseClick(button(2), Qt::LeftButton);
         QCOMPARE(list->count(), 0);
         QVERIFY(platform::cachedAddresses(m_home->freshPlatform()->urlCache()).empty());
+        QCOMPARE(status(), entries + " removed");
     }
 
-    void fullCleanButtonAndTrayEntryEmptyTheTempFolderAndCookieRecords() {
+    void fullCleanButtonAndTrayEntryEmptyTheTempFolderAndCookieRecordsAndTellWhatWasLeft() {
+        // Firefox runs: its profile stays, and the status line says so.
+        testsupport::ChildProcess firefox("lock-holder-f");
+        fs::create_symlink("127.0.0.1:+" + std::to_string(firefox.pid()), m_home->firefoxProfile() / "lock");
         QTest::mouseClick(button(3), Qt::LeftButton);
         QVERIFY(fs::is_empty(tmp));
         QVERIFY(!fs::exists(cookies / "index.dat"));
         QCOMPARE(m_app->main.findChild<QListWidget*>("List1")->count(), 0);
+        const QString pages = QString::number(testsupport::visitedPages().size());
+        QVERIFY2(status().endsWith(" cache entries, 2 temp files, 1 cookie record file, " + pages +
+                                   " history entries removed. Firefox is running: its cache and history were left "
+                                   "alone; close it and clean again"),
+                 qPrintable(status()));
+        fs::remove(m_home->firefoxProfile() / "lock");
 
         write(tmp / "again.txt", "again");
         m_app->main.findChild<QAction*>("Mnu_All")->trigger();
         QVERIFY(fs::is_empty(tmp));
+    }
+
+    void aTemporaryFolderThatIsTheHomeStopsTheWholeCleanAndTheWindowSaysWhy() {
+        auto* warning = m_app->main.findChild<QLabel*>("lblWarning");
+        // Run as root, the window says so from the start; as a user it has nothing to say.
+        QCOMPARE(!warning->isHidden(), ::geteuid() == 0);
+        QCOMPARE(warning->text().contains("root"), ::geteuid() == 0);
+
+        const QByteArray savedTemp = qgetenv("TMPDIR");
+        const fs::path home = qgetenv("HOME").toStdString();
+        write(home / "Documents/plan.txt", "plan");
+        qputenv("TMPDIR", home.string().c_str());
+        m_app = std::make_unique<testsupport::MainWindowUnderTest>();
+        qputenv("TMPDIR", savedTemp);
+        warning = m_app->main.findChild<QLabel*>("lblWarning");
+        QTest::mouseClick(button(3), Qt::LeftButton);
+        QVERIFY(!warning->isHidden());
+        QVERIFY2(warning->text().contains(QString::fromStdString(home.string() + " is your home folder")),
+                 qPrintable(warning->text()));
+        QCOMPARE(testsupport::readFile(home / "Documents/plan.txt"), std::string("plan"));
+        QVERIFY(fs::exists(cookies / "index.dat")); // nothing of the clean was done
+        fs::remove_all(home / "Documents");
     }
 
     void theWindowStaysLiveWhileALargeFileIsOverwritten() {

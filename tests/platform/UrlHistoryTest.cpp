@@ -13,9 +13,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <fstream>
 #include <sqlite3.h>
 #include <set>
+#include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using namespace testsupport;
@@ -78,6 +81,50 @@ void leaveRowInLog(const fs::path& places, const std::string& url) {
     sqlite3_close(db);
 }
 
+/// Writes `text` to `path`, making its folders.
+void put(const fs::path& path, const std::string& text) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+/// Adds the cache files no listing can name, each holding a visited address: entries whose key
+/// cannot be read (a bad key, metadata never written), entries waiting for deletion, and the
+/// caches kept beside the disk caches.
+void addUnlistedCacheFiles(const BrowserHome& home) {
+    const std::string trace = "body of scourmill-alpha-7f3a";
+    const fs::path chromiumBase = home.chromiumCache().parent_path().parent_path();
+    put(home.chromiumCache() / "00000000deadbeef_0", std::string("\x30\x5c\x72\xa8\x1b\xd1\x0e\xfc\x05\0\0\0\0\0\0\0", 16) + trace);
+    put(home.chromiumCache() / "todelete_00000000deadbeef_0", trace);
+    put(chromiumBase / "Code Cache/js/0123456789abcdef_0", trace);
+    put(chromiumBase / "Code Cache/wasm/0123456789abcdef_0", trace);
+    put(home.chromiumProfile() / "GPUCache/data_1", trace);
+    put(home.chromiumProfile() / "DawnWebGPUCache/data_1", trace);
+    put(home.chromiumProfile() / "Shared Dictionary/cache/0123456789abcdef_0", trace);
+    put(home.firefoxCache() / "entries/0123456789ABCDEF0123456789ABCDEF01234567", trace); // cut before its metadata
+    put(home.firefoxCache() / "doomed/1", trace);
+    put(home.firefoxCache() / "trash12345/entries/0123456789ABCDEF0123456789ABCDEF0123456A", trace);
+    put(home.firefoxCache().parent_path() / "thumbnails/0a1b2c.png", trace);
+}
+
+/// Alters the profiles' databases to the schemas of older browsers: Firefox without foreign_count,
+/// origins, page metadata and visit sources; Chromium without clusters, visited links and
+/// annotations.
+void makeSchemasOlder(const BrowserHome& home) {
+    const auto sql = [](const fs::path& db, const std::string& statements) {
+        const auto r = runCommand("sqlite3 " + shellQuoted(db) + " " + shellQuoted(statements));
+        ASSERT_EQ(r.code, 0) << r.err;
+    };
+    sql(home.firefoxProfile() / "places.sqlite",
+        "DROP INDEX moz_places_originidindex; ALTER TABLE moz_places DROP COLUMN origin_id; DROP TABLE moz_origins; "
+        "ALTER TABLE moz_places DROP COLUMN foreign_count; DROP TABLE IF EXISTS moz_places_metadata_search_queries; "
+        "DROP TABLE IF EXISTS moz_places_metadata; ALTER TABLE moz_historyvisits DROP COLUMN source;");
+    std::string drops;
+    for (const char* table : {"clusters", "clusters_and_visits", "cluster_keywords", "cluster_visit_duplicates",
+                              "visited_links", "content_annotations", "context_annotations"})
+        drops += std::string("DROP TABLE IF EXISTS ") + table + ";";
+    sql(home.chromiumProfile() / "History", drops);
+}
+
 bool has(const std::vector<std::string>& urls, const std::string& url) {
     return std::find(urls.begin(), urls.end(), url) != urls.end();
 }
@@ -103,6 +150,15 @@ TEST(UrlHistory, ReadingChangesNoFileWhateverStateTheLogIsIn) {
     fs::remove(wal);
     EXPECT_EQ(readLeavesAll("no log").size(), 2 * visitedPages().size());
     EXPECT_FALSE(fs::exists(wal));
+
+    // A FIFO planted as the log is never opened to wait on: reading ends (an alarm ends the
+    // program should it not) and leaves the FIFO where it was.
+    ASSERT_EQ(::mkfifo(wal.c_str(), 0600), 0);
+    ::alarm(60);
+    listHistory(home.freshPlatform()->urlHistory());
+    ::alarm(0);
+    EXPECT_TRUE(fs::is_fifo(fs::symlink_status(wal)));
+    fs::remove(wal);
 
     // Rows that reached only the log are read from it, without the -shm SQLite would make.
     const std::string logged = kSite + "scourmill-logged-0e71.html";
@@ -181,15 +237,30 @@ TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
     ASSERT_FALSE(filesHolding(home, visitTraces()).empty());
     ASSERT_TRUE(fs::exists(home.firefoxProfile() / "sessionstore.jsonlz4"));
 
+    addUnlistedCacheFiles(home);
+    const fs::path unreadable = home.chromiumCache() / "0000000000c0ffee_0";
+    put(unreadable, "body of scourmill-gamma-2e6b");
+    fs::permissions(unreadable, fs::perms::none);
+
     platform::Platform& platform = home.platform();
     ASSERT_TRUE(platform.urlHistory().clearHistory());
-    for (const std::string& url : platform::cachedAddresses(platform.urlCache()))
-        platform.urlCache().deleteEntry(url);
+    // An address both browsers cached is deleted from both at once.
+    const auto cached = platform::cachedAddresses(platform.urlCache());
+    for (const std::string& url : std::set<std::string>(cached.begin(), cached.end()))
+        EXPECT_TRUE(platform.urlCache().deleteEntry(url)) << url;
+    EXPECT_GE(platform.urlCache().deleteUnlisted(), 12u);
 
     EXPECT_EQ(filesHolding(home, visitTraces()), std::vector<std::string>{});
+    EXPECT_FALSE(fs::exists(unreadable));
     EXPECT_TRUE(listHistory(platform.urlHistory()).empty());
     EXPECT_TRUE(platform::cachedAddresses(platform.urlCache()).empty());
     EXPECT_TRUE(platform.urlHistory().storesInUse().empty());
+    EXPECT_TRUE(platform.urlHistory().storeProblems().empty());
+    EXPECT_TRUE(platform.urlCache().storeProblems().empty());
+    // The caches stay caches: the simple cache's marker and the folders the browser writes into.
+    EXPECT_TRUE(fs::exists(home.chromiumCache() / "index"));
+    EXPECT_TRUE(fs::is_directory(home.firefoxCache() / "entries"));
+    EXPECT_FALSE(fs::exists(home.firefoxCache() / "trash12345"));
     for (const auto& [path, bytes] : home.snapshot()) {
         const std::string name = path.filename().string();
         if (name.ends_with("-wal") || name.ends_with("-journal")) {
@@ -207,18 +278,23 @@ TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
         EXPECT_EQ(integrityOf(db), "ok\n") << db;
 }
 
-TEST(UrlHistory, DeletingOneAddressForgetsItInEveryDatabase) {
+TEST(UrlHistory, DeletingOneAddressForgetsItInEveryDatabaseAndSessionFileOfOlderSchemasToo) {
     BrowserHome home;
+    makeSchemasOlder(home);
     platform::UrlHistory& history = home.platform().urlHistory();
     const std::string gamma = visitedPages()[3].url;
     ASSERT_TRUE(history.deleteUrl(gamma, 0));
+    EXPECT_TRUE(history.storeProblems().empty());
 
     const auto urls = urlsOf(listHistory(history));
     EXPECT_EQ(urls.size(), 2 * visitedPages().size() - 2);
     EXPECT_EQ(std::count(urls.begin(), urls.end(), gamma), 0);
-    const std::vector<std::string> dbFiles = {"History", "Favicons", "Top Sites", "Shortcuts", "Network Action Predictor",
-                                              "ukm_db", "places.sqlite", "favicons.sqlite"};
-    EXPECT_EQ(filesHolding(home, {"scourmill-gamma-2e6b", "Gamma Title 2e6b"}, dbFiles), std::vector<std::string>{});
+    // Not in any byte of the profiles: the session files that named it went with it.
+    auto left = filesHolding(home, {"scourmill-gamma-2e6b", "Gamma Title 2e6b"});
+    std::erase_if(left, [](const std::string& file) { return file.find("/.cache/") != std::string::npos; });
+    EXPECT_EQ(left, std::vector<std::string>{});
+    EXPECT_FALSE(fs::exists(home.firefoxProfile() / "sessionstore.jsonlz4"));
+    EXPECT_TRUE(fs::is_empty(home.chromiumProfile() / "Sessions"));
     EXPECT_FALSE(filesHolding(home, {"scourmill-beta-91c2"}, {"History"}).empty()) << "other addresses stay";
 
     // The bookmarked address loses its visits but keeps its place.

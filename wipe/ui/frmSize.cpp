@@ -9,6 +9,7 @@
 #include "wipe/ui/GaugeLines.h"
 #include "wipe/ui/OverwriteLimits.h"
 
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QCoreApplication>
@@ -51,7 +52,7 @@ QStringList sortedNames(QStringList names) {
 frmSize::frmSize(platform::Platform& platform, QWidget* parent, core::Prompts* prompts, const QString& startFolder)
     : QWidget(parent, Qt::Window), m_platform(platform),
       m_ownPrompts(prompts ? nullptr : std::make_unique<prompts::MessageBoxPrompts>(this)),
-      m_prompts(prompts ? prompts : m_ownPrompts.get()), m_engine(platform, *this, m_quiet) {
+      m_prompts(prompts ? prompts : m_ownPrompts.get()), m_engine(platform, *this, m_quiet, &m_verified) {
     setObjectName("frmSize");
     setWindowTitle("Tavi SecureDelete");
     buildControls();
@@ -129,6 +130,9 @@ void frmSize::buildControls() {
     m_text2 = named(new QLineEdit(this), "Text2");
     m_text2->setReadOnly(true);
     m_text2->setGeometry(452, 216, 60, 24);
+    // Read each file back from the device after its last pass and compare, before it is deleted.
+    m_chkVerify = named(new QCheckBox("Verify", this), "chkVerify");
+    m_chkVerify->setGeometry(520, 216, 72, 24);
 
     named(new QLabel("File Type:", this), "lblFileType")->setGeometry(8, 242, 220, 18);
     m_cboFileType = named(new QComboBox(this), "cboFileType");
@@ -145,7 +149,8 @@ void frmSize::buildControls() {
 
     // While a wipe runs only "End wipe" and "&Cancel" stay live: another wipe or another folder
     // started from inside the running one would pull the ground from under it.
-    m_lockedWhileRunning = {ok, wipeDir, m_filFiles, m_dirDirectory, m_drvDrive, m_cboFileType, m_txtFileName};
+    m_lockedWhileRunning = {ok,           wipeDir,        m_filFiles,   m_dirDirectory,
+                            m_drvDrive,   m_cboFileType,  m_txtFileName, m_chkVerify};
 
     connect(ok, &QPushButton::clicked, this, &frmSize::CmdOK_Click);
     connect(cancel, &QPushButton::clicked, this, &frmSize::cmdCancel_Click);
@@ -219,7 +224,11 @@ void frmSize::runWipe(const std::function<void()>& wipe) {
     m_busy = true;
     for (QWidget* control : m_lockedWhileRunning)
         control->setEnabled(false);
+    m_verified.clear();
+    m_engine.setVerify(m_chkVerify->isChecked());
     widgets::guarded(wipe);
+    if (m_chkVerify->isChecked())
+        m_text1->setText(text(m_verified.text()));
     for (QWidget* control : m_lockedWhileRunning)
         control->setEnabled(true);
     m_busy = false;

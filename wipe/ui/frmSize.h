@@ -8,6 +8,7 @@
 #include "controls/widgets/ToolRun.h"
 #include "wipe/SecureDelete.h"
 #include "wipe/SecureDeleteView.h"
+#include "wipe/VerifyReport.h"
 
 #include <QWidget>
 
@@ -15,6 +16,7 @@
 #include <memory>
 #include <vector>
 
+class QCheckBox;
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -85,6 +87,7 @@ private:
     std::unique_ptr<core::Prompts> m_ownPrompts;
     core::Prompts* m_prompts;
     core::QuietSink m_quiet;
+    wipe::VerifyReport m_verified;
     wipe::SecureDelete m_engine;
     QString m_path;
     QString m_pattern = "*.*";
@@ -95,6 +98,7 @@ private:
     QComboBox *m_drvDrive = nullptr, *m_cboFileType = nullptr;
     QListWidget *m_dirDirectory = nullptr, *m_filFiles = nullptr;
     QLineEdit *m_txtFileName = nullptr, *m_text1 = nullptr, *m_text2 = nullptr;
+    QCheckBox* m_chkVerify = nullptr;
     QLabel *m_lblDirName = nullptr, *m_label2 = nullptr, *m_limits = nullptr;
     GaugeLines* m_gauge = nullptr;
 };
