@@ -153,6 +153,20 @@ void CleanIT::mruListScheme(const std::string& key) {
     DeleteRegValue(CurrentUserRoot, key, "MRUList");
 }
 
+void CleanIT::allValuesScheme(const std::string& key) {
+    auto& registry = m_platform.registry();
+    RegKey handle = 0;
+    std::vector<std::string> names;
+    if (registry.openKey(CurrentUserRoot, key, handle) != RegResult::Success)
+        return;
+    const long listed = registry.valueNames(handle, names);
+    registry.closeKey(handle);
+    if (listed != RegResult::Success)
+        return;
+    for (const std::string& name : names)
+        DeleteRegValue(CurrentUserRoot, key, name);
+}
+
 void CleanIT::reportRefusedRecords() {
     for (const platform::RefusedRecord& record : m_platform.recycleBin().takeRefused())
         if (m_problems)
@@ -160,6 +174,11 @@ void CleanIT::reportRefusedRecords() {
 }
 
 void CleanIT::CleanRecentDocs() {
+#ifdef _WIN32
+    // The shell's call removes the RecentDocs key whole, every value whether MRUList names it or
+    // not: each is deleted here first, so that a preview lists it and the summary counts it.
+    allValuesScheme(RecentDocsKey);
+#endif
     const bool cleared = m_platform.recycleBin().clearRecentDocuments();
     const auto refused = m_platform.recycleBin().takeRefused();
     for (const platform::RefusedRecord& record : refused)

@@ -86,6 +86,8 @@ private:
     void countedScheme(const std::string& key, const std::string& stem, int first);
     void firstValueScheme(const std::string& key, const std::string& stem);
     void mruListScheme(const std::string& key);
+    /// Deletes every value of `key`.
+    void allValuesScheme(const std::string& key);
     /// Tells the problem sink about the bin's records refused since last asked.
     void reportRefusedRecords();
 

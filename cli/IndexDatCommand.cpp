@@ -16,6 +16,7 @@
 #include "indexdat/RawReport.h"
 
 #include <cstdio>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,13 +24,15 @@
 namespace cli {
 namespace {
 
+// Through std::cout, which shows text on a Windows console in any language (cli/Terminal.h) and
+// passes the bytes unchanged to a file or pipe.
 void put(std::string_view bytes) {
-    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+    std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 void putLine(const std::string& line) {
     put(line);
-    std::fputc('\n', stdout);
+    std::cout.put('\n');
 }
 
 void find(Context& ctx, std::string folder, const std::string& pattern) {
@@ -47,7 +50,7 @@ void find(Context& ctx, std::string folder, const std::string& pattern) {
         putLine(indexdat::countsText(files, dirs));
         putLine(indexdat::totalText(total));
     } catch (const indexdat::SearchOverflow& e) {
-        std::fflush(stdout);
+        std::cout.flush();
         ctx.problems.skipped(start, std::string("search ended: ") + e.what());
     }
 }
@@ -58,7 +61,7 @@ void report(Context& ctx, const std::vector<std::string>& paths, bool nulSeparat
     for (const std::string& path : paths) {
         const bool read = scan.scan(path, [separator](std::string_view entry) {
             put(entry);
-            std::fputc(separator, stdout);
+            std::cout.put(separator);
             return true;
         });
         if (!read)
@@ -122,7 +125,11 @@ void addIndexDatCommand(CLI::App& app, Context& ctx) {
         "find", "List the files named like PATTERN in DIR and below, then the counts line (files/folders) "
                 "and the total size line");
     findCmd->add_option("DIR", opt->folder,
+#ifdef _WIN32
+                        "Folder to search in (default: the folder of the users' profiles, else the home folder)");
+#else
                         "Folder to search in (default: the Wine prefix's users folder, else the home folder)");
+#endif
     findCmd->add_option("--pattern", opt->pattern, "File name or wildcard pattern to find")
         ->type_name("PATTERN")
         ->default_str(indexdat::DefaultPattern);

@@ -6,6 +6,8 @@
 // changed. --quiet silences both.
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 namespace cli {
 
@@ -20,6 +22,14 @@ bool escapesWork(Stream stream);
 std::size_t terminalColumns(Stream stream);
 /// Whether stderr is a terminal (a bar redrawn in place would garble a file or a pipe).
 bool stderrIsTerminal();
+/// The program's arguments as UTF-8, whatever the system's code page. On Windows they are read
+/// from the wide command line: the C runtime's `argv` holds them in the ANSI code page, where a
+/// Cyrillic or CJK file name has already become question marks.
+std::vector<std::string> utf8Arguments(int argc, char** argv);
+/// Sets up stdout and stderr for UTF-8 text. On Windows both end lines in LF alike, and text for
+/// a console goes through the console's own wide-character call, which shows every character
+/// whatever its code page; a file or pipe gets the UTF-8 bytes unchanged.
+void setUpStandardStreams();
 /// --quiet: no progress bars and no closing summary; questions, problems and errors still show.
 void setQuiet(bool quiet);
 bool quiet();

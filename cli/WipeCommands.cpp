@@ -8,6 +8,7 @@
 #include "cli/Interrupt.h"
 #include "cli/ProgressBar.h"
 #include "core/NumberFormat.h"
+#include "wipe/Engine.h"
 #include "wipe/FileError.h"
 #include "wipe/FreeSpaceWipe.h"
 #include "wipe/Gutmann.h"
@@ -180,6 +181,10 @@ void shredFiles(Context& ctx, const std::vector<std::string>& paths, bool verify
 
 void shredFolder(Context& ctx, const std::string& dir, bool verify) {
     requireFolder(ctx.platform.fileSystem(), dir);
+    // A filesystem's root ("/", "C:\") is refused before anything is asked or written.
+    std::string why;
+    if (!wipe::Engine(ctx.platform, nullptr, nullptr).locate(dir, why))
+        throw UsageError(dir + ": " + why);
     warnOfLimits(ctx, dir);
     TerminalSecureDeleteView view(ctx);
     wipe::SecureDelete shred(ctx.platform, view, ctx.problems, &ctx.verdicts);
@@ -211,10 +216,17 @@ void addWipeCommands(CLI::App& app, Context& ctx) {
         cmd->add_flag("--verify", *verify,
                       "After the last pass, read the temporary file back from the device (past the system's "
                       "cache) and compare it with what the pass wrote; a difference is named with its offset");
+#ifdef _WIN32
+        cmd->footer("Ctrl-C stops after the current increment and removes the temporary file. A file of "
+                    "that name that is kept makes the wipe refuse.\n"
+                    "Overwriting cannot reach SSD spare blocks, Volume Shadow Copies and System Restore "
+                    "points, or the NTFS log: see the README.");
+#else
         cmd->footer("Ctrl-C, SIGTERM, SIGHUP or SIGQUIT stops after the current increment and removes the "
                     "temporary file. A file of that name that is kept makes the wipe refuse.\n"
                     "Overwriting cannot reach copy-on-write or journaled copies, SSD spare blocks, or the "
                     "blocks reserved for root when run as a user: see the README.");
+#endif
         ctx.summary.changes(cmd);
         cmd->callback([&ctx, dir, yes, removable, verify] {
             ctx.prompts.setAssumeYes(*yes);

@@ -106,9 +106,13 @@ void addWipeMemoryCommand(CLI::App& app, Context& ctx) {
                     "memory-limited group, below the group's limit; the run stops before taking more "
                     "(default: a 16th of the RAM or of the group's limit; never less than 256)")
         ->type_name("MIB");
+#ifdef _WIN32
+    cmd->footer("Ctrl-C stops at the next pass; the memory is given back at once.");
+#else
     cmd->footer("While it runs, this process is the first the system ends should memory run out, so no "
                 "other program can pay for the wipe. Ctrl-C stops at the next pass; the memory is given "
                 "back at once.");
+#endif
     ctx.summary.changes(cmd);
     cmd->callback([&ctx, options, size] {
         options->sizeGiven = size->count() > 0;

@@ -12,21 +12,23 @@
 #include <algorithm>
 #include <iostream>
 
-#ifdef _WIN32
-#include <fcntl.h>
-#include <io.h>
-#endif
+#include <string>
+#include <vector>
 
 #ifndef SCOURMILL_VERSION
 #define SCOURMILL_VERSION "0"
 #endif
 
 int main(int argc, char** argv) {
-#ifdef _WIN32
-    // Output is bytes: a record file's raw dump and the listed entries must reach a file or pipe
-    // unchanged, without a carriage return put before every line feed.
-    ::_setmode(::_fileno(stdout), _O_BINARY);
-#endif
+    cli::setUpStandardStreams();
+    // Every path and pattern is UTF-8 from here on, on every system.
+    std::vector<std::string> arguments = cli::utf8Arguments(argc, argv);
+    std::vector<char*> pointers;
+    for (std::string& a : arguments)
+        pointers.push_back(a.data());
+    pointers.push_back(nullptr);
+    argc = static_cast<int>(arguments.size());
+    argv = pointers.data();
     CLI::App app{"Tavi Scourmill command line: erases what the browser and common programs leave behind, "
                  "overwrites files, folders, free space and memory, and inspects index.dat record files.",
                  "scourmill-cli"};

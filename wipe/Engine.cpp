@@ -156,7 +156,8 @@ std::optional<Engine::Target> Engine::locate(const std::string& path, std::strin
     }
     if (root.empty()) {
         std::error_code ec;
-        root = std::filesystem::current_path(ec).string();
+        const std::u8string current = std::filesystem::current_path(ec).u8string(); // UTF-8 on every system
+        root.assign(current.begin(), current.end());
         if (ec) {
             why = "the working folder cannot be read";
             return std::nullopt;

@@ -1,5 +1,7 @@
 #include "platform/windows/WinFiles.h"
 
+#include "platform/windows/WinText.h"
+
 #include <aclapi.h>
 #include <winternl.h>
 
@@ -54,6 +56,66 @@ bool ownedByUser(HANDLE handle) {
 
 } // namespace
 
+std::wstring systemPath(const std::string& path) {
+    std::wstring wide = widen(path);
+    const bool drive = wide.size() >= 3 && wide[1] == L':' && (wide[2] == L'\\' || wide[2] == L'/');
+    const bool unc = wide.size() >= 3 && (wide[0] == L'\\' || wide[0] == L'/') && (wide[1] == L'\\' || wide[1] == L'/') &&
+                     wide[2] != L'?' && wide[2] != L'.';
+    if (!drive && !unc)
+        return wide;
+    // The prefix turns off the system's own tidying: "." and "..", forward slashes and doubled
+    // separators are resolved here first.
+    std::wstring full(wide.size() + 1, L'\0');
+    DWORD n = ::GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    if (n >= full.size()) {
+        full.resize(n);
+        n = ::GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    }
+    if (n == 0 || n >= full.size())
+        return wide;
+    full.resize(n);
+    if (unc)
+        return L"\\\\?\\UNC\\" + full.substr(2);
+    return L"\\\\?\\" + full;
+}
+
+std::wstring plainPath(const std::wstring& path) {
+    if (path.rfind(L"\\\\?\\UNC\\", 0) == 0)
+        return L"\\\\" + path.substr(8);
+    if (path.rfind(L"\\\\?\\", 0) == 0)
+        return path.substr(4);
+    return path;
+}
+
+bool isLinkTag(DWORD tag) {
+    return tag == 0 || IsReparseTagNameSurrogate(tag);
+}
+
+DWORD linkAttributes(DWORD attributes, DWORD tag) {
+    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && !isLinkTag(tag))
+        attributes &= ~static_cast<DWORD>(FILE_ATTRIBUTE_REPARSE_POINT);
+    return attributes;
+}
+
+DWORD reparseTagOf(HANDLE handle) {
+    FILE_ATTRIBUTE_TAG_INFO info{};
+    if (!::GetFileInformationByHandleEx(handle, FileAttributeTagInfo, &info, sizeof info) ||
+        !(info.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT))
+        return 0;
+    return info.ReparseTag;
+}
+
+DWORD reparseTagAt(const std::wstring& path) {
+    const HANDLE handle = ::CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return 0;
+    const DWORD tag = reparseTagOf(handle);
+    ::CloseHandle(handle);
+    return tag;
+}
+
 bool isGone(DWORD error) {
     return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
@@ -63,7 +125,8 @@ std::int64_t unixSeconds(const FILETIME& time) {
     return (ticks - 116444736000000000LL) / 10000000LL;
 }
 
-bool isDriveRoot(const std::wstring& path) {
+bool isDriveRoot(const std::wstring& given) {
+    const std::wstring path = plainPath(given);
     return (path.size() == 2 || path.size() == 3) && path[1] == L':' && (path.size() == 2 || path[2] == L'\\' || path[2] == L'/');
 }
 
@@ -80,7 +143,10 @@ bool describeHandle(HANDLE handle, FileInfo& fi, DWORD extraAttributes) {
     BY_HANDLE_FILE_INFORMATION info{};
     if (!::GetFileInformationByHandle(handle, &info))
         return false;
-    applyAttributes(fi, info.dwFileAttributes | (extraAttributes & FILE_ATTRIBUTE_REPARSE_POINT),
+    DWORD attributes = info.dwFileAttributes;
+    if (attributes & FILE_ATTRIBUTE_REPARSE_POINT)
+        attributes = linkAttributes(attributes, reparseTagOf(handle));
+    applyAttributes(fi, attributes | (extraAttributes & FILE_ATTRIBUTE_REPARSE_POINT),
                     (static_cast<std::uint64_t>(info.nFileSizeHigh) << 32) | info.nFileSizeLow);
     fi.device = info.dwVolumeSerialNumber;
     fi.mount = info.dwVolumeSerialNumber;

@@ -12,6 +12,28 @@
 
 namespace platform::windows {
 
+/// The form of the UTF-8 `path` that every file call of the Windows backend takes. An absolute
+/// path (C:\... or \\server\share\...) is made full and given the \\?\ (or \\?\UNC\)
+/// prefix, which lifts the 260-character limit whatever the system's long-path
+/// setting; a path that already has a prefix, a relative one and a drive letter alone stay as they
+/// are.
+std::wstring systemPath(const std::string& path);
+/// `path` without the \\?\ prefix, for the checks that look at its plain form.
+std::wstring plainPath(const std::wstring& path);
+
+/// Whether a reparse point with tag `tag` is a link: only name surrogates (symbolic links,
+/// junctions, mount points) stand for another name. Any other tag (cloud files on demand,
+/// deduplicated and compressed files) marks data the filesystem keeps its own way, and such an
+/// entry is a file or folder like any other. Tag 0 is no tag a system gives: the tag could not be
+/// read (Wine opens what a host link points to), and the entry is taken for a link.
+bool isLinkTag(DWORD tag);
+/// `attributes` as the program sees them: the reparse bit kept only for a link.
+DWORD linkAttributes(DWORD attributes, DWORD tag);
+/// The reparse tag of the open `handle`; 0 when it carries none or the system does not say.
+DWORD reparseTagOf(HANDLE handle);
+/// The reparse tag of the entry at `path` (a systemPath()), opened as itself; 0 when unknown.
+DWORD reparseTagAt(const std::wstring& path);
+
 /// Whether an error code says that the thing asked for is not there (any more).
 bool isGone(DWORD error);
 /// A FILETIME as seconds since 1970-01-01 UTC.
@@ -19,11 +41,11 @@ std::int64_t unixSeconds(const FILETIME& time);
 /// Whether `path` is a drive's root ("D:" or "D:\\"). Wine marks the root of a drive that its
 /// configuration maps to a host folder as a reparse point; a root is never a link all the same.
 bool isDriveRoot(const std::wstring& path);
-/// Fills attributes, isRegular and size from the attribute bits; a reparse point is a link and
-/// never a folder, and only a plain file has a size.
+/// Fills attributes, isRegular and size from the attribute bits, already passed through
+/// linkAttributes(); a link is never a folder, and only a plain file has a size.
 void applyAttributes(FileInfo& fi, DWORD attributes, std::uint64_t size);
 /// Fills `fi` from what the open `handle` says about its file: attributes (the reparse bit kept
-/// from `extraAttributes`), size, volume and file number, links, time and owner. `fi.mount` is the
+/// for a link by its tag, or taken from `extraAttributes`), size, volume and file number, links, time and owner. `fi.mount` is the
 /// volume. False when the system answers nothing.
 bool describeHandle(HANDLE handle, FileInfo& fi, DWORD extraAttributes = 0);
 

@@ -1,5 +1,6 @@
 #include "platform/windows/WindowsDrives.h"
 
+#include "platform/windows/WinFiles.h"
 #include "platform/windows/WinText.h"
 
 #include <windows.h>
@@ -81,7 +82,7 @@ bool spaceAt(const std::wstring& root, DiskSpace& out) {
 std::wstring volumeRoot(const std::string& path) {
     const std::wstring asked = widen(path.empty() ? std::string(".") : path);
     if (!isBareDrive(asked))
-        return rootOfFinal(finalPath(asked));
+        return rootOfFinal(finalPath(systemPath(path)));
     // A drive without a medium has no volume to ask, but is still its own root.
     const std::wstring drive = asked.substr(0, 2) + L"\\";
     const std::wstring root = rootOfFinal(drive);
@@ -169,7 +170,8 @@ Storage WindowsDrives::storage(const std::string& path) {
 }
 
 bool WindowsDrives::isDirectory(const std::string& path) {
-    return ::PathIsDirectoryW(widen(path).c_str()) != FALSE;
+    const DWORD attributes = ::GetFileAttributesW(systemPath(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
 } // namespace platform::windows

@@ -24,8 +24,11 @@ std::optional<FileInfo> describe(const std::wstring& path, const std::string& na
     WIN32_FILE_ATTRIBUTE_DATA data{};
     if (!::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data))
         return std::nullopt;
-    if (isDriveRoot(path))
+    const bool root = isDriveRoot(plainPath(path));
+    if (root)
         data.dwFileAttributes &= ~static_cast<DWORD>(FILE_ATTRIBUTE_REPARSE_POINT);
+    else if (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)
+        data.dwFileAttributes = linkAttributes(data.dwFileAttributes, reparseTagAt(path));
     FileInfo fi;
     fi.name = name;
     applyAttributes(fi, data.dwFileAttributes, (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow);
@@ -37,7 +40,7 @@ std::optional<FileInfo> describe(const std::wstring& path, const std::string& na
                                         FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
     if (handle == INVALID_HANDLE_VALUE)
         return fi;
-    if (describeHandle(handle, fi) && isDriveRoot(path))
+    if (describeHandle(handle, fi) && root)
         applyAttributes(fi, fi.attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_REPARSE_POINT), 0);
     ::CloseHandle(handle);
     return fi;
@@ -71,7 +74,8 @@ bool enterable(const std::wstring& dir) {
     const DWORD attributes = ::GetFileAttributesW(dir.empty() ? L"." : dir.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return false;
-    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY) || ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && !isDriveRoot(dir))) {
+    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY) ||
+        ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && !isDriveRoot(plainPath(dir)) && isLinkTag(reparseTagAt(dir)))) {
         ::SetLastError(ERROR_DIRECTORY);
         return false;
     }
@@ -138,7 +142,7 @@ bool wildcardMatch(const std::wstring& name, const std::wstring& pattern) {
 
 bool WindowsFileSystem::list(const std::string& dir, const std::string& pattern,
                              const std::function<bool(const FileInfo&)>& visit) {
-    const std::wstring folder = widen(dir);
+    const std::wstring folder = systemPath(dir);
     const std::wstring wanted = pattern.empty() ? L"*" : widen(pattern);
     return enumerate(folder, wanted, [&](const WIN32_FIND_DATAW& data) {
         // The system also matches short 8.3 names ("*.htm" finds "a.html"); only long names count.
@@ -151,8 +155,9 @@ bool WindowsFileSystem::list(const std::string& dir, const std::string& pattern,
 
 bool WindowsFileSystem::names(const std::string& dir,
                               const std::function<bool(const std::string& name, EntryKind kind)>& visit) {
-    return enumerate(widen(dir), L"*", [&](const WIN32_FIND_DATAW& data) {
-        const DWORD a = data.dwFileAttributes;
+    return enumerate(systemPath(dir), L"*", [&](const WIN32_FIND_DATAW& data) {
+        // For a reparse point the find data's first reserved field holds its tag.
+        const DWORD a = linkAttributes(data.dwFileAttributes, data.dwReserved0);
         const EntryKind kind = (a & FILE_ATTRIBUTE_REPARSE_POINT) ? EntryKind::Link
                                : (a & FILE_ATTRIBUTE_DIRECTORY)   ? EntryKind::Directory
                                : (a & FILE_ATTRIBUTE_DEVICE)      ? EntryKind::Other
@@ -170,7 +175,7 @@ std::optional<FileInfo> WindowsFileSystem::info(const std::string& path) {
     while (trimmed.size() > 3 && (trimmed.back() == '\\' || trimmed.back() == '/'))
         trimmed.pop_back();
     const auto cut = trimmed.find_last_of("\\/");
-    return describe(widen(trimmed), cut == std::string::npos || trimmed.size() <= 3 ? trimmed : trimmed.substr(cut + 1));
+    return describe(systemPath(trimmed), cut == std::string::npos || trimmed.size() <= 3 ? trimmed : trimmed.substr(cut + 1));
 }
 
 std::unique_ptr<Folder> WindowsFileSystem::openFolder(const std::string& path) {
@@ -178,10 +183,12 @@ std::unique_ptr<Folder> WindowsFileSystem::openFolder(const std::string& path) {
 }
 
 bool WindowsFileSystem::removeFile(const std::string& path) {
-    const std::wstring name = widen(path);
-    const DWORD attributes = ::GetFileAttributesW(name.c_str());
+    const std::wstring name = systemPath(path);
+    DWORD attributes = ::GetFileAttributesW(name.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return isGone(::GetLastError());
+    if (attributes & FILE_ATTRIBUTE_REPARSE_POINT)
+        attributes = linkAttributes(attributes, reparseTagAt(name));
     if (attributes & FILE_ATTRIBUTE_DIRECTORY) {
         if (attributes & FILE_ATTRIBUTE_REPARSE_POINT)
             return removeFolderLink(name);
@@ -193,11 +200,11 @@ bool WindowsFileSystem::removeFile(const std::string& path) {
 }
 
 bool WindowsFileSystem::removeDirectory(const std::string& path) {
-    const std::wstring name = widen(path);
+    const std::wstring name = systemPath(path);
     const DWORD attributes = ::GetFileAttributesW(name.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return isGone(::GetLastError());
-    if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) {
+    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && isLinkTag(reparseTagAt(name))) {
         ::SetLastError(ERROR_DIRECTORY); // a link is no folder; removeFile() takes it
         return false;
     }
@@ -205,22 +212,22 @@ bool WindowsFileSystem::removeDirectory(const std::string& path) {
 }
 
 bool WindowsFileSystem::createDirectory(const std::string& path) {
-    return ::CreateDirectoryW(widen(path).c_str(), nullptr) != 0;
+    return ::CreateDirectoryW(systemPath(path).c_str(), nullptr) != 0;
 }
 
 bool WindowsFileSystem::makeNormal(const std::string& path) {
-    const std::wstring name = widen(path);
+    const std::wstring name = systemPath(path);
     const DWORD attributes = ::GetFileAttributesW(name.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return false;
-    if (attributes & FILE_ATTRIBUTE_REPARSE_POINT)
+    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && isLinkTag(reparseTagAt(name)))
         return true; // the link's own attributes do not stand in the way of removing it
     return ::SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL) != 0;
 }
 
 bool WindowsFileSystem::isInUse(const std::string& path) {
     // An exclusive open fails while any other handle with data access is open, in any process.
-    const HANDLE handle = ::CreateFileW(widen(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+    const HANDLE handle = ::CreateFileW(systemPath(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         const DWORD error = ::GetLastError();

@@ -31,11 +31,12 @@ constexpr auto IdBothDirectoryInformation = static_cast<FILE_INFORMATION_CLASS>(
 struct Record {
     std::wstring name;
     DWORD attributes = 0;
+    DWORD tag = 0; ///< the reparse tag, for a reparse point
     std::uint64_t id = 0;
     std::uint64_t size = 0;
     FILETIME written{};
 
-    bool isLink() const { return attributes & FILE_ATTRIBUTE_REPARSE_POINT; }
+    bool isLink() const { return linkAttributes(attributes, tag) & FILE_ATTRIBUTE_REPARSE_POINT; }
     bool isFolder() const { return (attributes & FILE_ATTRIBUTE_DIRECTORY) && !isLink(); }
 };
 
@@ -75,6 +76,9 @@ bool readRecords(HANDLE folder, const std::wstring* only, std::vector<Record>& o
             const bool dots = record.name == L"." || record.name == L"..";
             if (!dots && (!only || record.name.size() == only->size())) {
                 record.attributes = r->FileAttributes;
+                // For a reparse point the record's EA size field holds its tag.
+                if (r->FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)
+                    record.tag = r->EaSize;
                 record.id = static_cast<std::uint64_t>(r->FileId.QuadPart);
                 record.size = static_cast<std::uint64_t>(r->EndOfFile.QuadPart);
                 record.written.dwLowDateTime = r->LastWriteTime.LowPart;
@@ -163,7 +167,8 @@ std::string lastComponent(const std::string& path) {
 FileInfo describeEntry(HANDLE folder, const Record& record, const FileInfo& self) {
     FileInfo fi;
     fi.name = narrow(record.name);
-    applyAttributes(fi, record.attributes, record.size);
+    const DWORD attributes = linkAttributes(record.attributes, record.tag);
+    applyAttributes(fi, attributes, record.size);
     fi.modified = unixSeconds(record.written);
     fi.index = record.id;
     fi.device = self.device;
@@ -178,7 +183,7 @@ FileInfo describeEntry(HANDLE folder, const Record& record, const FileInfo& self
     const HANDLE handle = openRecord(folder, record, FILE_READ_ATTRIBUTES | READ_CONTROL, ShareAll, 0);
     if (handle != INVALID_HANDLE_VALUE) {
         FileInfo opened;
-        if (describeHandle(handle, opened, record.attributes)) {
+        if (describeHandle(handle, opened, attributes)) {
             opened.name = fi.name;
             fi = opened;
         }
@@ -190,18 +195,20 @@ FileInfo describeEntry(HANDLE folder, const Record& record, const FileInfo& self
 } // namespace
 
 std::unique_ptr<WindowsFolder> WindowsFolder::open(const std::string& path) {
-    std::wstring name = widen(path.empty() ? std::string(".") : path);
-    while (name.size() > 3 && (name.back() == L'\\' || name.back() == L'/'))
-        name.pop_back();
-    const bool root = isDriveRoot(name);
-    if (root && name.size() == 2)
-        name += L'\\'; // "D:" alone is the drive's current folder
+    std::string given = path.empty() ? std::string(".") : path;
+    while (given.size() > 3 && (given.back() == '\\' || given.back() == '/'))
+        given.pop_back();
+    const bool root = isDriveRoot(widen(given));
+    if (root && given.back() != '\\' && given.back() != '/')
+        given += '\\'; // "D:" alone is the drive's current folder, "\\?\D:" the volume itself
+    const std::wstring name = systemPath(given);
     // The last component is looked at as the folder lists it: under Wine that is the only place a
     // host link shows as one.
     const DWORD attributes = ::GetFileAttributesW(name.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return nullptr;
-    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY) || ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && !root)) {
+    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY) ||
+        ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && !root && isLinkTag(reparseTagAt(name)))) {
         ::SetLastError(ERROR_DIRECTORY);
         return nullptr;
     }
@@ -211,7 +218,7 @@ std::unique_ptr<WindowsFolder> WindowsFolder::open(const std::string& path) {
         return nullptr;
     BY_HANDLE_FILE_INFORMATION info{};
     if (!::GetFileInformationByHandle(handle, &info) || !(info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) ||
-        ((info.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) && !root)) {
+        ((linkAttributes(info.dwFileAttributes, reparseTagOf(handle)) & FILE_ATTRIBUTE_REPARSE_POINT) && !root)) {
         ::CloseHandle(handle);
         ::SetLastError(ERROR_DIRECTORY);
         return nullptr;
@@ -290,8 +297,11 @@ std::unique_ptr<RawFile> WindowsFolder::openFile(const std::string& name, Create
         ::SetLastError(record->isLink() ? ERROR_CANT_RESOLVE_FILENAME : ERROR_DIRECTORY);
         return nullptr;
     }
-    const HANDLE handle = record ? openRecord(m_handle, *record, GENERIC_READ | GENERIC_WRITE, 0, FILE_NON_DIRECTORY_FILE)
-                                 : openBelow(m_handle, wide, GENERIC_READ | GENERIC_WRITE, 0,
+    // No other handle may read or write while this one is open; deleting is shared, so that the
+    // name can go while the file is still held (cut, then removed, by the same run).
+    const HANDLE handle = record ? openRecord(m_handle, *record, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_DELETE,
+                                              FILE_NON_DIRECTORY_FILE)
+                                 : openBelow(m_handle, wide, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_DELETE,
                                              // CREATE_NEW: a file put there since the look above is not taken over
                                              create == Create::Exclusive ? FILE_CREATE : FILE_OPEN_IF,
                                              FILE_NON_DIRECTORY_FILE);

@@ -1,5 +1,6 @@
 #include "platform/windows/WindowsKnownFolders.h"
 
+#include "platform/windows/WinFiles.h"
 #include "platform/windows/WinText.h"
 
 #include <windows.h>
@@ -22,7 +23,7 @@ std::string environment(const wchar_t* name) {
 }
 
 bool isFolder(const std::string& path) {
-    const DWORD attributes = ::GetFileAttributesW(widen(path).c_str());
+    const DWORD attributes = ::GetFileAttributesW(systemPath(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 

@@ -67,7 +67,7 @@ public:
         return fi;
     }
 
-    // Opened with share mode 0: no other handle can be open at the same time.
+    // Opened with no read or write sharing: no other handle can read or write it at the same time.
     bool openElsewhere() const override { return false; }
 
 private:
@@ -82,7 +82,7 @@ std::unique_ptr<RawFile> adoptPlainFile(HANDLE handle, bool forWriting) {
     BY_HANDLE_FILE_INFORMATION info{};
     DWORD error = ERROR_INVALID_PARAMETER;
     if (::GetFileType(handle) == FILE_TYPE_DISK && ::GetFileInformationByHandle(handle, &info)) {
-        if (info.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)
+        if (linkAttributes(info.dwFileAttributes, reparseTagOf(handle)) & FILE_ATTRIBUTE_REPARSE_POINT)
             error = ERROR_CANT_RESOLVE_FILENAME;
         else if (info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
             error = ERROR_DIRECTORY;
@@ -98,11 +98,12 @@ std::unique_ptr<RawFile> adoptPlainFile(HANDLE handle, bool forWriting) {
 
 namespace {
 
-/// Refuses a path that names a reparse point before anything opens it; the handle check
+/// Refuses a path that names a link before anything opens it; the handle check
 /// afterwards catches one that appears in between.
 bool namesLink(const std::wstring& path) {
     const DWORD attributes = ::GetFileAttributesW(path.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_REPARSE_POINT))
+    if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_REPARSE_POINT) ||
+        !isLinkTag(reparseTagAt(path)))
         return false;
     ::SetLastError(ERROR_CANT_RESOLVE_FILENAME);
     return true;
@@ -142,11 +143,11 @@ std::unique_ptr<RawFile> openPlain(const std::wstring& path, DWORD access, DWORD
 } // namespace
 
 std::unique_ptr<RawFile> WindowsRawFiles::open(const std::string& path) {
-    return openPlain(widen(path), GENERIC_READ | GENERIC_WRITE, 0, OPEN_ALWAYS, true);
+    return openPlain(systemPath(path), GENERIC_READ | GENERIC_WRITE, 0, OPEN_ALWAYS, true);
 }
 
 std::unique_ptr<RawFile> WindowsRawFiles::openForReading(const std::string& path) {
-    return openPlain(widen(path), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING,
+    return openPlain(systemPath(path), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING,
                      false);
 }
 
@@ -162,7 +163,12 @@ std::string WindowsRawFiles::errorText(int code) const {
     wchar_t text[256];
     const DWORD length = ::FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
                                           static_cast<DWORD>(code), 0, text, 256, nullptr);
-    return length < 1 ? std::string() : narrow(text, static_cast<int>(length));
+    // The system's texts end in a full stop and CR LF (some in CR CR LF); the message they go into
+    // carries on after them on the same line.
+    DWORD end = length;
+    while (end > 0 && (text[end - 1] == L'\r' || text[end - 1] == L'\n' || text[end - 1] == L' '))
+        --end;
+    return end < 1 ? std::string() : narrow(text, static_cast<int>(end));
 }
 
 } // namespace platform::windows

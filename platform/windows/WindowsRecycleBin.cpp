@@ -1,5 +1,6 @@
 #include "platform/windows/WindowsRecycleBin.h"
 
+#include "platform/windows/WinFiles.h"
 #include "platform/windows/WinText.h"
 
 #include <windows.h>
@@ -108,12 +109,13 @@ std::vector<TrashItem> WindowsRecycleBin::items(const std::string& root) {
             item.path = text(value, child);
         // The bin's columns: 0 the name, 1 the folder it was deleted from.
         SHELLDETAILS name{}, from{};
-        if (SUCCEEDED(bin.p->GetDetailsOf(child, 0, &name)) && SUCCEEDED(bin.p->GetDetailsOf(child, 1, &from))) {
-            const std::string folder = text(from.str, child);
-            if (!folder.empty())
-                item.originalPath = folder + (folder.back() == '\\' ? "" : "\\") + text(name.str, child);
-        }
-        item.bytes = bytesOf(widen(item.path));
+        // Each text is read (and so freed) on its own: one column may answer when the other fails.
+        const bool named = SUCCEEDED(bin.p->GetDetailsOf(child, 0, &name));
+        const std::string shownName = named ? text(name.str, child) : std::string();
+        const std::string folder = SUCCEEDED(bin.p->GetDetailsOf(child, 1, &from)) ? text(from.str, child) : std::string();
+        if (named && !folder.empty())
+            item.originalPath = folder + (folder.back() == '\\' ? "" : "\\") + shownName;
+        item.bytes = bytesOf(systemPath(item.path));
         ::CoTaskMemFree(child);
         if (!item.path.empty() && sameDrive(item.originalPath.empty() ? item.path : item.originalPath, root))
             out.push_back(std::move(item));

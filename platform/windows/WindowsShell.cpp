@@ -3,6 +3,7 @@
 #include "platform/windows/WinText.h"
 
 #include <windows.h>
+#include <objbase.h>
 #include <shellapi.h>
 
 namespace platform::windows {
@@ -10,9 +11,14 @@ namespace platform::windows {
 bool WindowsShell::open(const std::string& target) {
     if (target.empty())
         return false;
-    // No verb: the handler's default action; results above 32 mean it started.
+    // The handler the shell picks may be a COM object that needs this thread in an apartment.
+    const HRESULT com = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+    // No verb: the handler's default action; no working folder: the program's own. Results above
+    // 32 mean it started.
     const auto result = reinterpret_cast<INT_PTR>(
-        ::ShellExecuteW(nullptr, nullptr, widen(target).c_str(), nullptr, L"C:\\", SW_SHOWNORMAL));
+        ::ShellExecuteW(nullptr, nullptr, widen(target).c_str(), nullptr, nullptr, SW_SHOWNORMAL));
+    if (SUCCEEDED(com))
+        ::CoUninitialize();
     return result > 32;
 }
 

@@ -3,6 +3,7 @@
 // registry, WinINet's cache, and shredding and free-space wiping on a drive of its own whose raw
 // bytes show whether the data is gone.
 
+#include "platform/windows/WinText.h"
 #include "tests/indexdat/RecordFile.h"
 #include "tests/support/CliProcess.h"
 #include "tests/support/Scratch.h"
@@ -26,8 +27,16 @@ using testsupport::ScratchDir;
 
 namespace {
 
+/// `path` as UTF-8: what a user's command line holds, whatever the ANSI code page.
+std::string utf8(const fs::path& path) {
+    return platform::windows::narrow(path.wstring());
+}
+
 std::string q(const fs::path& path) {
-    return testsupport::shellQuoted(path);
+    std::string quoted(1, '"');
+    quoted += utf8(path);
+    quoted += '"';
+    return quoted;
 }
 
 std::vector<std::string> lines(const std::string& text) {
@@ -39,6 +48,7 @@ std::vector<std::string> lines(const std::string& text) {
 }
 
 const std::wstring RunMru = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RunMRU";
+const std::wstring RecentDocs = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RecentDocs";
 
 } // namespace
 
@@ -73,7 +83,7 @@ TEST(WindowsCli, IndexdatReportFindsEveryMarkerToTheLastBytesAndRawKeepsEveryByt
     EXPECT_EQ(r.code, 1); // a folder and a device are no record files
 }
 
-TEST(WindowsCli, CleanItemRunMenuDeletesTheValuesFromTheRegistry) {
+TEST(WindowsCli, CleanItemDeletesTheListsValuesFromTheRegistryAndCountsThem) {
     if (!testsupport::underWine())
         GTEST_SKIP() << "would clean this user's own Run menu list; runs under Wine in a scratch prefix";
     for (const auto& [name, text] : std::vector<std::pair<std::wstring, std::wstring>>{
@@ -89,6 +99,17 @@ TEST(WindowsCli, CleanItemRunMenuDeletesTheValuesFromTheRegistry) {
     // Only the letters MRUList names, and MRUList itself.
     EXPECT_EQ(testsupport::registryValueNames(RunMru), std::vector<std::wstring>{L"c"});
     ::RegDeleteTreeW(HKEY_CURRENT_USER, RunMru.c_str());
+
+    // The shell's own call takes the recent documents' key whole; the summary counts every value.
+    for (const auto& [name, text] : std::vector<std::pair<std::wstring, std::wstring>>{
+             {L"MRUList", L"ba"}, {L"a", L"a.txt"}, {L"b", L"b.txt"}, {L"c", L"c.txt"}})
+        ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, RecentDocs.c_str(), name.c_str(), REG_SZ, text.c_str(),
+                                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
+                  ERROR_SUCCESS);
+    r = runCli("clean-item \"Recent Documents\"");
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_TRUE(testsupport::registryValueNames(RecentDocs).empty());
+    EXPECT_NE(r.err.find("4 registry values removed"), std::string::npos) << r.err;
 }
 
 TEST(WindowsCli, ShowCacheListsWinInetsOwnEntriesAndWipeCacheDeletesThem) {
@@ -188,4 +209,79 @@ TEST(WindowsCli, ShredDirLeavesALinkedFolderAlone) {
         EXPECT_EQ(r.code, 0) << r.seen();
         EXPECT_FALSE(fs::exists(dir.path() / "victim"));
     }
+}
+
+TEST(WindowsCli, EveryCommandTakesNamesOutsideTheAnsiCodePage) {
+    ScratchDir dir;
+    for (const std::wstring name : {L"\u0416\u0443\u0440\u043D\u0430\u043B", L"\u65E5\u672C\u8A9E", L"caf\u00E9"}) {
+        const fs::path file = dir.path() / (name + L".txt");
+        std::ofstream(file, std::ios::binary) << "secret";
+        auto r = runCli("shred --yes " + q(file));
+        EXPECT_EQ(r.code, 0) << r.seen();
+        EXPECT_FALSE(fs::exists(file));
+
+        const fs::path folder = dir.path() / name;
+        fs::create_directories(folder / name);
+        std::ofstream(folder / (name + L".log"), std::ios::binary) << "secret";
+        std::ofstream(folder / name / (name + L".log"), std::ios::binary) << "secret";
+        r = runCli("shred-dir --yes " + q(folder));
+        EXPECT_EQ(r.code, 0) << r.seen();
+        EXPECT_FALSE(fs::exists(folder));
+
+        const fs::path records = dir.path() / (name + L"-records");
+        fs::create_directories(records);
+        const fs::path record = records / (name + L".dat");
+        std::ofstream(record, std::ios::binary) << testsupport::RecordFile().url("Visited: u@http://a.example/x").bytes();
+        r = runCli("indexdat report " + q(record));
+        EXPECT_EQ(r.code, 0) << r.seen();
+        EXPECT_EQ(r.out, "http://a.example/x\n");
+        r = runCli("indexdat find " + q(records) + " --pattern " + q(name + L"*"));
+        EXPECT_EQ(r.code, 0) << r.seen();
+        EXPECT_NE(r.out.find(utf8(name + L".dat")), std::string::npos) << r.out;
+    }
+}
+
+TEST(WindowsCli, PathsPastTwoHundredSixtyCharactersWorkPlainAndInTheirLongForm) {
+    ScratchDir dir;
+    const fs::path top = dir.path() / std::string(40, 'a');
+    fs::path deep = top;
+    for (char c = 'b'; c < 'j'; ++c)
+        deep /= std::string(40, c);
+    fs::create_directories(deep);
+    ASSERT_GT(utf8(deep).size(), 300u);
+    const fs::path plain = deep / "plain.txt", prefixed = deep / "prefixed.txt";
+    std::ofstream(plain, std::ios::binary) << "secret";
+    std::ofstream(prefixed, std::ios::binary) << "secret";
+    auto r = runCli("shred --yes " + q(plain));
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_FALSE(fs::exists(plain));
+    r = runCli("shred --yes " + q(L"\\\\?\\" + prefixed.wstring()));
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_FALSE(fs::exists(prefixed));
+    std::ofstream(deep / "last.txt", std::ios::binary) << "secret";
+    r = runCli("indexdat find " + q(top) + " --pattern last.txt");
+    EXPECT_NE(r.out.find(utf8(deep / "last.txt")), std::string::npos) << r.out;
+    r = runCli("shred-dir --yes " + q(top));
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_FALSE(fs::exists(top));
+}
+
+TEST(WindowsCli, SystemErrorTextsEndWhereTheMessageDoes) {
+    ScratchDir dir;
+    const fs::path file = dir.write("held.txt", "secret");
+    // Held open with no sharing: the program cannot open it, and says why in the system's words.
+    const HANDLE held = ::CreateFileW(file.wstring().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(held, INVALID_HANDLE_VALUE);
+    const auto r = runCli("shred --yes " + q(file));
+    ::CloseHandle(held);
+    EXPECT_EQ(r.code, 1) << r.seen();
+    EXPECT_NE(r.err.find("held.txt"), std::string::npos) << r.err;
+    EXPECT_EQ(r.err.find('\r'), std::string::npos) << r.seen();
+    EXPECT_EQ(r.err.find(". ;"), std::string::npos) << r.err;
+    EXPECT_EQ(r.err.find(".\n;"), std::string::npos) << r.err;
+
+    // A drive's root is refused before anything is asked (no --yes: were it not, nothing answers).
+    const auto root = runCli("shred-dir C:\\");
+    EXPECT_EQ(root.code, 2) << root.seen();
+    EXPECT_NE(root.err.find("is the root of a filesystem"), std::string::npos) << root.err;
 }

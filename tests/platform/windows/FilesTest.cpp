@@ -2,6 +2,7 @@
 // outside the ANSI code page, and links to folders that no listing or deletion goes through.
 
 #include "platform/Platform.h"
+#include "platform/windows/WinFiles.h"
 #include "tests/support/Scratch.h"
 #include "tests/support/Wine.h"
 
@@ -15,17 +16,6 @@
 
 namespace fs = std::filesystem;
 using testsupport::ScratchDir;
-
-namespace {
-
-/// A name no ANSI code page holds whole: Latin, Greek and CJK letters together.
-const std::string Unicode = "R\xC3\xA9sum\xC3\xA9-\xCE\xB1\xCE\xB2-\xE6\x97\xA5\xE6\x9C\xAC.dat";
-
-fs::path u8path(const std::string& text) {
-    return fs::path(std::u8string(text.begin(), text.end()));
-}
-
-} // namespace
 
 class WindowsFilesTest : public ::testing::Test {
 protected:
@@ -77,7 +67,10 @@ TEST_F(WindowsFilesTest, ErrorTextsComeFromFormatMessage) {
     EXPECT_FALSE(raw.open(at("no\\such\\folder\\f.bin")));
     EXPECT_EQ(raw.lastError(), ERROR_PATH_NOT_FOUND);
     const std::string text = raw.errorText(ERROR_PATH_NOT_FOUND);
-    EXPECT_FALSE(text.empty());
+    ASSERT_FALSE(text.empty());
+    // A text goes into the middle of a line: nothing of the system's line end stays.
+    EXPECT_EQ(text.find_first_of("\r\n"), std::string::npos) << text;
+    EXPECT_NE(text.back(), ' ');
     EXPECT_NE(text, raw.errorText(ERROR_ACCESS_DENIED));
     EXPECT_EQ(raw.errorText(0x2BADBEEF), "");
     raw.setLastError(0);
@@ -85,29 +78,32 @@ TEST_F(WindowsFilesTest, ErrorTextsComeFromFormatMessage) {
     EXPECT_FALSE(raw.open(dir.str())); // a folder is no file to write
 }
 
-TEST_F(WindowsFilesTest, NamesOutsideTheAnsiCodePageKeepEveryCharacter) {
-    const std::string path = at(Unicode);
-    {
-        auto file = raw.open(path);
-        ASSERT_TRUE(file);
-        EXPECT_EQ(file->write("secret", 6), 6u);
-    }
-    // The host's own view of the name: the same UTF-16, so the same file.
-    EXPECT_EQ(testsupport::readFile(u8path(path)), "secret");
-    const auto found = listed(dir.str(), "*.dat");
-    ASSERT_EQ(found.count(Unicode), 1u);
-    EXPECT_EQ(found.at(Unicode).size, 6u);
-    EXPECT_TRUE(found.at(Unicode).isRegular);
-    EXPECT_TRUE(found.at(Unicode).ownedByUser);
-    EXPECT_EQ(found.at(Unicode).links, 1u);
-    EXPECT_TRUE(files.matches(Unicode, "r\xC3\xA9SUM*"));
-    EXPECT_EQ(files.info(path)->name, Unicode);
-    auto reader = raw.openForReading(path);
-    ASSERT_TRUE(reader);
-    reader.reset();
-    EXPECT_TRUE(files.removeFile(path));
-    EXPECT_FALSE(fs::exists(u8path(path)));
-    EXPECT_TRUE(files.removeFile(path)); // already gone
+TEST(WindowsReparseTags, OnlyNameSurrogatesAreLinks) {
+    using platform::windows::isLinkTag;
+    using platform::windows::linkAttributes;
+    for (const DWORD tag : {0xA000000CUL /* symbolic link */, 0xA0000003UL /* junction, mount point */,
+                            0xA000001DUL /* WSL symbolic link */, 0UL /* not read: taken for a link */})
+        EXPECT_TRUE(isLinkTag(tag)) << std::hex << tag;
+    for (const DWORD tag : {0x9000001AUL /* cloud file */, 0x9000601AUL /* cloud file, sixth kind */,
+                            0x80000013UL /* deduplicated */, 0x80000017UL /* compressed (WOF) */,
+                            0x8000001BUL /* app execution alias */})
+        EXPECT_FALSE(isLinkTag(tag)) << std::hex << tag;
+    const DWORD folder = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+    EXPECT_EQ(linkAttributes(folder, 0x9000001A), DWORD{FILE_ATTRIBUTE_DIRECTORY}); // a cloud folder is a folder
+    EXPECT_EQ(linkAttributes(folder, 0xA0000003), folder);
+    EXPECT_EQ(linkAttributes(FILE_ATTRIBUTE_ARCHIVE, 0), DWORD{FILE_ATTRIBUTE_ARCHIVE});
+}
+
+TEST(WindowsPaths, AbsolutePathsTakeTheLongFormAndOthersStay) {
+    using platform::windows::systemPath;
+    EXPECT_EQ(systemPath("C:\\a\\.\\b\\..\\c.txt"), L"\\\\?\\C:\\a\\c.txt");
+    EXPECT_EQ(systemPath("C:/a/b"), L"\\\\?\\C:\\a\\b");
+    EXPECT_EQ(systemPath("\\\\server\\share\\f"), L"\\\\?\\UNC\\server\\share\\f");
+    EXPECT_EQ(systemPath("\\\\?\\C:\\x"), L"\\\\?\\C:\\x");
+    EXPECT_EQ(systemPath("\\\\.\\PhysicalDrive0"), L"\\\\.\\PhysicalDrive0");
+    EXPECT_EQ(systemPath("relative\\f"), L"relative\\f");
+    EXPECT_EQ(systemPath("C:"), L"C:");
+    EXPECT_EQ(systemPath("C:\\\xD0\x96.txt"), L"\\\\?\\C:\\\u0416.txt");
 }
 
 TEST_F(WindowsFilesTest, WildcardsFollowTheSystemsRulesWithoutLetterCase) {
