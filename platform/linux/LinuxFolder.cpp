@@ -78,34 +78,36 @@ std::unique_ptr<RawFile> LinuxFolder::openFile(const std::string& name, Create c
     return openRawAt(m_fd.get(), name, create != Create::Never, create == Create::Exclusive);
 }
 
-std::unique_ptr<RawFile> LinuxFolder::openForOverwrite(const std::string& name) {
+std::unique_ptr<RawFile> LinuxFolder::openForOverwrite(const std::string& name, Refusal& why) {
+    const auto refuse = [&why](Refusal reason) -> std::unique_ptr<RawFile> {
+        why = reason;
+        return nullptr;
+    };
     // The entry itself, pinned without opening it for reading or writing: a pipe is not waited on,
     // a device is not started, and whatever takes the name from here on is not what gets written.
     const UniqueFd entry(::openat(m_fd.get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (!entry)
-        return nullptr;
+        return refuse(errno == ENOENT ? Refusal::NotAFile : Refusal::CannotOpen);
     const auto facts = factsAt(entry.get(), "", false);
     const auto folder = factsAt(m_fd.get(), "", false);
     if (!facts || !folder)
-        return nullptr;
-    const auto refuse = [](int code) -> std::unique_ptr<RawFile> {
-        errno = code;
-        return nullptr;
-    };
+        return refuse(Refusal::CannotOpen);
     if (!S_ISREG(facts->mode))
-        return refuse(EINVAL);
+        return refuse(Refusal::NotAFile);
     if (facts->mount != folder->mount)
-        return refuse(EXDEV);
+        return refuse(Refusal::MountPoint);
     if (facts->links > 1)
-        return refuse(EMLINK);
+        return refuse(Refusal::OtherNames);
     if (fileInUse(facts->device, facts->inode, entry.get()))
-        return refuse(EBUSY);
+        return refuse(Refusal::InUse);
     // Only now, with the file known to have this one name, may it be made writable.
     const std::string self = "/proc/self/fd/" + std::to_string(entry.get());
     if (!(facts->mode & S_IWUSR) && ::chmod(self.c_str(), (facts->mode & 07777) | S_IRUSR | S_IWUSR) != 0)
-        return nullptr;
+        return refuse(Refusal::CannotOpen);
     // Reopened through the pinned descriptor: the very file checked above.
-    return adoptRaw(::open(self.c_str(), O_RDWR | O_CLOEXEC));
+    auto file = adoptRaw(::open(self.c_str(), O_RDWR | O_CLOEXEC));
+    why = file ? Refusal::None : errno == EBUSY ? Refusal::InUse : Refusal::CannotOpen;
+    return file;
 }
 
 bool LinuxFolder::isInUse(const std::string& name) {

@@ -224,6 +224,15 @@ const std::vector<Entry>& entries() {
              core::SilentPrompts silent;
              cleaning::CleanIT(native(), silent, &p).EmptyRecycleBin("", true, true, true);
          }},
+        {"recent documents", true, true,
+         [](Scene& s) {
+             s.folder = std::getenv("XDG_DATA_HOME"), s.name = "recently-used.xbel";
+             fs::remove_all(s.item()); // what an earlier case left
+         },
+         [](Scene&, Problems& p, Verdicts&) {
+             core::SilentPrompts silent;
+             cleaning::CleanIT(native(), silent, &p).CleanRecentDocs();
+         }},
         {"free-space temporary file", true, false, [](Scene& s) { s.folder = s.work.path(), s.name = "WNXTEMP.000"; },
          [](Scene& s, Problems& p, Verdicts&) {
              testsupport::FreeSpaceRecorder view;
