@@ -22,7 +22,7 @@ FileInfo LinuxFolder::self() const {
     return facts ? describe(m_path, *facts) : FileInfo{};
 }
 
-bool LinuxFolder::list(const std::function<bool(const FileInfo&)>& visit) {
+bool LinuxFolder::readNames(const std::function<bool(const char* name, unsigned char type)>& visit) const {
     // A listing of its own, so that this folder's descriptor keeps its place for the *at calls.
     UniqueFd copy(::openat(m_fd.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     DIR* d = copy ? ::fdopendir(copy.get()) : nullptr;
@@ -33,31 +33,22 @@ bool LinuxFolder::list(const std::function<bool(const FileInfo&)>& visit) {
         const char* n = e->d_name;
         if (n[0] == '.' && (n[1] == 0 || (n[1] == '.' && n[2] == 0)))
             continue;
-        const auto facts = factsAt(m_fd.get(), n, false);
-        if (!facts)
-            continue; // gone between the listing and the question
-        if (!visit(describe(n, *facts)))
+        if (!visit(n, e->d_type))
             break;
     }
     ::closedir(d);
     return true;
 }
 
+bool LinuxFolder::list(const std::function<bool(const FileInfo&)>& visit) {
+    return readNames([&](const char* name, unsigned char) {
+        const auto facts = factsAt(m_fd.get(), name, false);
+        return !facts || visit(describe(name, *facts)); // gone between the listing and the question
+    });
+}
+
 bool LinuxFolder::names(const std::function<bool(const std::string& name, EntryKind kind)>& visit) {
-    UniqueFd copy(::openat(m_fd.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    DIR* d = copy ? ::fdopendir(copy.get()) : nullptr;
-    if (!d)
-        return false;
-    copy.release();
-    while (const dirent* e = ::readdir(d)) {
-        const char* n = e->d_name;
-        if (n[0] == '.' && (n[1] == 0 || (n[1] == '.' && n[2] == 0)))
-            continue;
-        if (!visit(n, kindOfListed(e->d_type)))
-            break;
-    }
-    ::closedir(d);
-    return true;
+    return readNames([&](const char* name, unsigned char type) { return visit(name, kindOfListed(type)); });
 }
 
 std::optional<FileInfo> LinuxFolder::entry(const std::string& name) {
