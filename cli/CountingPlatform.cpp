@@ -63,8 +63,8 @@ public:
     std::unique_ptr<platform::RawFile> openFile(const std::string& name, Create create) override {
         return counted(m_real->openFile(name, create), m_ledger);
     }
-    std::unique_ptr<platform::RawFile> openForOverwrite(const std::string& name) override {
-        return counted(m_real->openForOverwrite(name), m_ledger);
+    std::unique_ptr<platform::RawFile> openForOverwrite(const std::string& name, Refusal& why) override {
+        return counted(m_real->openForOverwrite(name, why), m_ledger);
     }
     bool isInUse(const std::string& name) override { return m_real->isInUse(name); }
     bool removeFile(const std::string& name) override { return m_real->removeFile(name); }

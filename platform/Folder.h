@@ -62,14 +62,21 @@ public:
     std::unique_ptr<RawFile> openFile(const std::string& name, bool create) {
         return openFile(name, create ? Create::IfMissing : Create::Never);
     }
+    /// Why openForOverwrite() gave no file.
+    enum class Refusal {
+        None,
+        NotAFile,   ///< a link, pipe, socket, device or folder (or nothing) has the name
+        MountPoint, ///< something is mounted there
+        OtherNames, ///< the file has other hard links
+        InUse,      ///< open or mapped by a process, or backing a loop device
+        CannotOpen, ///< the system refused to open it: RawFiles::lastError() says why
+    };
     /// Opens the existing plain file `name` to be written over: never through a link, never a file
     /// with other hard links, a mount point or anything but a plain file, and never one that some
     /// process has open or mapped (a loop device's backing file included). The checks are made on
     /// the opened file itself, and only then is a read-only file made writable, so that no other
-    /// name of it ever has its permissions changed. Null on failure, with RawFiles::lastError() set:
-    /// EMLINK other names, EBUSY in use, EXDEV a mount point, EINVAL not a plain file (the Windows
-    /// codes of the same meaning there).
-    virtual std::unique_ptr<RawFile> openForOverwrite(const std::string& name);
+    /// name of it ever has its permissions changed. Null on failure, with `why` set.
+    virtual std::unique_ptr<RawFile> openForOverwrite(const std::string& name, Refusal& why);
     /// Whether the entry `name` is open or mapped in some process, or backs a loop device, judged
     /// by which file it is (never by a path's text, which may be too long for the system to take).
     /// Where an exclusive open refuses a file in use by itself (Windows), false.
@@ -87,15 +94,22 @@ public:
     virtual std::intptr_t nativeHandle() const { return -1; }
 };
 
-inline std::unique_ptr<RawFile> Folder::openForOverwrite(const std::string& name) {
+inline std::unique_ptr<RawFile> Folder::openForOverwrite(const std::string& name, Refusal& why) {
     // Systems whose exclusive open refuses a file in use: the entry's facts decide the rest.
     const auto facts = entry(name);
-    if (!facts || !facts->isRegular || facts->links > 1 || facts->mount != self().mount)
+    why = !facts || !facts->isRegular        ? Refusal::NotAFile
+          : facts->mount != self().mount     ? Refusal::MountPoint
+          : facts->links > 1                 ? Refusal::OtherNames
+                                             : Refusal::None;
+    if (why != Refusal::None)
         return nullptr;
     makeNormal(name);
     auto file = openFile(name, false);
     const auto held = file ? file->info() : std::nullopt;
-    return held && held->sameFileAs(*facts) ? std::move(file) : nullptr;
+    if (held && held->sameFileAs(*facts))
+        return file;
+    why = file ? Refusal::NotAFile : Refusal::CannotOpen; // another file took the name meanwhile
+    return nullptr;
 }
 
 } // namespace platform

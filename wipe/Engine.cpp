@@ -1,7 +1,6 @@
 #include "wipe/Engine.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <new>
 #include <filesystem>
 #include <map>
@@ -26,8 +25,8 @@ constexpr std::uint64_t FnvStart = 0xcbf29ce484222325ULL;
 /// the read-back.
 class FileWriter final : public PassWriter {
 public:
-    FileWriter(RawFile& file, std::uint64_t length, Ranges data)
-        : m_file(file), m_length(length), m_end(length), m_data(std::move(data)) {}
+    FileWriter(RawFile& file, platform::RawFiles& raw, std::uint64_t length, Ranges data)
+        : m_file(file), m_raw(raw), m_length(length), m_end(length), m_data(std::move(data)) {}
 
     std::uint64_t length() const override { return m_end; }
 
@@ -77,7 +76,7 @@ private:
     bool put(std::uint64_t at, const unsigned char* bytes, std::uint64_t count) {
         if (m_file.seek(static_cast<std::int64_t>(at), RawFile::From::Begin) != static_cast<std::int64_t>(at) ||
             m_file.write(bytes, count) != count) {
-            m_error = errno == 0 ? EIO : errno;
+            m_error = m_raw.lastError();
             return false;
         }
         m_bytes += count;
@@ -88,6 +87,7 @@ private:
     }
 
     RawFile& m_file;
+    platform::RawFiles& m_raw;
     std::uint64_t m_length; ///< at the start: holes are looked for only below it
     std::uint64_t m_end;    ///< now, the scheme's own writes past the start's end included
     Ranges m_data;
@@ -259,25 +259,29 @@ core::Verdict Engine::overwrite(Folder& folder, const std::string& name, Overwri
     if (entry->links > 1)
         return notWritten("has other hard links, which would lose their contents too");
 
-    auto file = folder.openForOverwrite(name);
-    if (!file) {
-        const int code = raw.lastError();
-        if (code == EBUSY)
-            return left("is open or mapped in a running program; left alone");
-        if (code == EMLINK)
-            return notWritten("has other hard links, which would lose their contents too");
-        if (code == EXDEV)
-            return left("is a mount point; left in place");
-        if (code == EINVAL || code == ENOENT)
-            return left("was replaced during the run; left alone");
-        return notWritten("cannot be opened for writing: " + errorText(raw, code));
+    using Refusal = Folder::Refusal;
+    auto why = Refusal::None;
+    auto file = folder.openForOverwrite(name, why);
+    switch (file ? Refusal::None : why) {
+    case Refusal::None:
+        break;
+    case Refusal::InUse:
+        return left("is open or mapped in a running program; left alone");
+    case Refusal::OtherNames:
+        return notWritten("has other hard links, which would lose their contents too");
+    case Refusal::MountPoint:
+        return left("is a mount point; left in place");
+    case Refusal::NotAFile:
+        return left("was replaced during the run; left alone");
+    case Refusal::CannotOpen:
+        return notWritten("cannot be opened for writing: " + errorText(raw, raw.lastError()));
     }
     const auto held = file->info();
     if (!held || !held->sameFileAs(*entry))
         return left("was replaced during the run; left alone");
 
     scheme.starting(v.item);
-    FileWriter writer(*file, held->size, dataWithin(*file, held->size));
+    FileWriter writer(*file, raw, held->size, dataWithin(*file, held->size));
     const int passes = held->size == 0 ? 0 : scheme.passes(); // nothing in it to overwrite
     for (int pass = 1; pass <= passes; ++pass) {
         writer.remember(options.verify && pass == passes);

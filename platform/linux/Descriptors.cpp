@@ -6,6 +6,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <fstream>
+#include <functional>
 #include <linux/loop.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -52,6 +53,19 @@ bool loopBacks(const std::string& name, std::uint64_t device, std::uint64_t inod
     std::ifstream in(sys + "/backing_file");
     std::string path;
     return std::getline(in, path) && ::stat(path.c_str(), &st) == 0 && st.st_dev == device && st.st_ino == inode;
+}
+
+/// Whether `seen` says yes to some process, asked by its id ("1234") one process at a time.
+bool anyProcess(const std::function<bool(const std::string& pid)>& seen) {
+    DIR* proc = ::opendir("/proc");
+    if (!proc)
+        return false;
+    bool found = false;
+    while (const dirent* p = found ? nullptr : ::readdir(proc))
+        if (p->d_name[0] >= '0' && p->d_name[0] <= '9')
+            found = seen(p->d_name);
+    ::closedir(proc);
+    return found;
 }
 
 } // namespace
@@ -142,63 +156,40 @@ FileInfo describe(const std::string& name, const Facts& f) {
 }
 
 bool openInSomeProcess(std::uint64_t device, std::uint64_t inode, int ownFd) {
-    DIR* proc = ::opendir("/proc");
-    if (!proc)
-        return false;
     const std::string self = std::to_string(::getpid());
-    bool found = false;
-    while (!found) {
-        const dirent* p = ::readdir(proc);
-        if (!p)
-            break;
-        if (p->d_name[0] < '0' || p->d_name[0] > '9')
-            continue;
-        const bool mine = self == p->d_name;
-        const std::string fdDir = std::string("/proc/") + p->d_name + "/fd";
-        DIR* fds = ::opendir(fdDir.c_str());
+    const std::string own = std::to_string(ownFd);
+    return anyProcess([&](const std::string& pid) {
+        DIR* fds = ::opendir(("/proc/" + pid + "/fd").c_str());
         if (!fds)
-            continue; // another user's process, or gone
-        while (const dirent* f = ::readdir(fds)) {
-            if (f->d_name[0] == '.' || (mine && std::to_string(ownFd) == f->d_name))
+            return false; // another user's process, or gone
+        bool found = false;
+        while (const dirent* f = found ? nullptr : ::readdir(fds)) {
+            if (f->d_name[0] == '.' || (pid == self && own == f->d_name))
                 continue;
             struct stat st {};
             // stat (not lstat) on the fd link gives the open file itself.
-            if (::fstatat(::dirfd(fds), f->d_name, &st, 0) == 0 && st.st_dev == device && st.st_ino == inode) {
-                found = true;
-                break;
-            }
+            found = ::fstatat(::dirfd(fds), f->d_name, &st, 0) == 0 && st.st_dev == device && st.st_ino == inode;
         }
         ::closedir(fds);
-    }
-    ::closedir(proc);
-    return found;
+        return found;
+    });
 }
 
 bool mappedInSomeProcess(std::uint64_t device, std::uint64_t inode) {
-    DIR* proc = ::opendir("/proc");
-    if (!proc)
-        return false;
-    bool found = false;
     std::string line;
-    while (!found) {
-        const dirent* p = ::readdir(proc);
-        if (!p)
-            break;
-        if (p->d_name[0] < '0' || p->d_name[0] > '9')
-            continue;
+    return anyProcess([&](const std::string& pid) {
         // Each line: address perms offset major:minor inode [path]; the numbers name the file
         // whatever has become of its path.
-        std::ifstream maps(std::string("/proc/") + p->d_name + "/maps");
-        while (!found && std::getline(maps, line)) {
+        std::ifstream maps("/proc/" + pid + "/maps");
+        while (std::getline(maps, line)) {
             unsigned major = 0, minor = 0;
             unsigned long long node = 0;
             if (std::sscanf(line.c_str(), "%*s %*s %*s %x:%x %llu", &major, &minor, &node) == 3 && node == inode &&
                 ::makedev(major, minor) == device)
-                found = true;
+                return true;
         }
-    }
-    ::closedir(proc);
-    return found;
+        return false;
+    });
 }
 
 bool backsLoopDevice(std::uint64_t device, std::uint64_t inode) {

@@ -22,7 +22,7 @@ FileInfo LinuxFolder::self() const {
     return facts ? describe(m_path, *facts) : FileInfo{};
 }
 
-bool LinuxFolder::list(const std::function<bool(const FileInfo&)>& visit) {
+bool LinuxFolder::readNames(const std::function<bool(const char* name, unsigned char type)>& visit) const {
     // A listing of its own, so that this folder's descriptor keeps its place for the *at calls.
     UniqueFd copy(::openat(m_fd.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     DIR* d = copy ? ::fdopendir(copy.get()) : nullptr;
@@ -33,31 +33,22 @@ bool LinuxFolder::list(const std::function<bool(const FileInfo&)>& visit) {
         const char* n = e->d_name;
         if (n[0] == '.' && (n[1] == 0 || (n[1] == '.' && n[2] == 0)))
             continue;
-        const auto facts = factsAt(m_fd.get(), n, false);
-        if (!facts)
-            continue; // gone between the listing and the question
-        if (!visit(describe(n, *facts)))
+        if (!visit(n, e->d_type))
             break;
     }
     ::closedir(d);
     return true;
 }
 
+bool LinuxFolder::list(const std::function<bool(const FileInfo&)>& visit) {
+    return readNames([&](const char* name, unsigned char) {
+        const auto facts = factsAt(m_fd.get(), name, false);
+        return !facts || visit(describe(name, *facts)); // gone between the listing and the question
+    });
+}
+
 bool LinuxFolder::names(const std::function<bool(const std::string& name, EntryKind kind)>& visit) {
-    UniqueFd copy(::openat(m_fd.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    DIR* d = copy ? ::fdopendir(copy.get()) : nullptr;
-    if (!d)
-        return false;
-    copy.release();
-    while (const dirent* e = ::readdir(d)) {
-        const char* n = e->d_name;
-        if (n[0] == '.' && (n[1] == 0 || (n[1] == '.' && n[2] == 0)))
-            continue;
-        if (!visit(n, kindOfListed(e->d_type)))
-            break;
-    }
-    ::closedir(d);
-    return true;
+    return readNames([&](const char* name, unsigned char type) { return visit(name, kindOfListed(type)); });
 }
 
 std::optional<FileInfo> LinuxFolder::entry(const std::string& name) {
@@ -78,34 +69,36 @@ std::unique_ptr<RawFile> LinuxFolder::openFile(const std::string& name, Create c
     return openRawAt(m_fd.get(), name, create != Create::Never, create == Create::Exclusive);
 }
 
-std::unique_ptr<RawFile> LinuxFolder::openForOverwrite(const std::string& name) {
+std::unique_ptr<RawFile> LinuxFolder::openForOverwrite(const std::string& name, Refusal& why) {
+    const auto refuse = [&why](Refusal reason) -> std::unique_ptr<RawFile> {
+        why = reason;
+        return nullptr;
+    };
     // The entry itself, pinned without opening it for reading or writing: a pipe is not waited on,
     // a device is not started, and whatever takes the name from here on is not what gets written.
     const UniqueFd entry(::openat(m_fd.get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (!entry)
-        return nullptr;
+        return refuse(errno == ENOENT ? Refusal::NotAFile : Refusal::CannotOpen);
     const auto facts = factsAt(entry.get(), "", false);
     const auto folder = factsAt(m_fd.get(), "", false);
     if (!facts || !folder)
-        return nullptr;
-    const auto refuse = [](int code) -> std::unique_ptr<RawFile> {
-        errno = code;
-        return nullptr;
-    };
+        return refuse(Refusal::CannotOpen);
     if (!S_ISREG(facts->mode))
-        return refuse(EINVAL);
+        return refuse(Refusal::NotAFile);
     if (facts->mount != folder->mount)
-        return refuse(EXDEV);
+        return refuse(Refusal::MountPoint);
     if (facts->links > 1)
-        return refuse(EMLINK);
+        return refuse(Refusal::OtherNames);
     if (fileInUse(facts->device, facts->inode, entry.get()))
-        return refuse(EBUSY);
+        return refuse(Refusal::InUse);
     // Only now, with the file known to have this one name, may it be made writable.
     const std::string self = "/proc/self/fd/" + std::to_string(entry.get());
     if (!(facts->mode & S_IWUSR) && ::chmod(self.c_str(), (facts->mode & 07777) | S_IRUSR | S_IWUSR) != 0)
-        return nullptr;
+        return refuse(Refusal::CannotOpen);
     // Reopened through the pinned descriptor: the very file checked above.
-    return adoptRaw(::open(self.c_str(), O_RDWR | O_CLOEXEC));
+    auto file = adoptRaw(::open(self.c_str(), O_RDWR | O_CLOEXEC));
+    why = file ? Refusal::None : errno == EBUSY ? Refusal::InUse : Refusal::CannotOpen;
+    return file;
 }
 
 bool LinuxFolder::isInUse(const std::string& name) {

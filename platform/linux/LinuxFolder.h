@@ -21,7 +21,7 @@ public:
     std::unique_ptr<Folder> openFolder(const std::string& name) override;
     using Folder::openFile;
     std::unique_ptr<RawFile> openFile(const std::string& name, Create create) override;
-    std::unique_ptr<RawFile> openForOverwrite(const std::string& name) override;
+    std::unique_ptr<RawFile> openForOverwrite(const std::string& name, Refusal& why) override;
     bool isInUse(const std::string& name) override;
     bool removeFile(const std::string& name) override;
     bool removeFolder(const std::string& name) override;
@@ -29,6 +29,8 @@ public:
     std::intptr_t nativeHandle() const override { return m_fd.get(); }
 
 private:
+    /// Calls `visit` with each entry's name and the listing's type for it ("." and ".." left out).
+    bool readNames(const std::function<bool(const char* name, unsigned char type)>& visit) const;
     LinuxFolder(UniqueFd fd, std::string path) : m_fd(std::move(fd)), m_path(std::move(path)) {}
 
     UniqueFd m_fd;

@@ -52,17 +52,15 @@ struct Problems final : core::ProblemSink {
     void skipped(const std::string& item, const std::string& reason) override { items[item] = reason; }
 };
 
-/// A child that holds `file` mapped, its descriptor long closed, until the scene ends.
-pid_t mapInChild(const fs::path& file) {
+/// A child process that runs `setUp` and then waits until the scene ends; its pid, or -1 when
+/// `setUp` failed.
+pid_t childThat(const std::function<bool()>& setUp) {
     int ready[2];
     if (::pipe(ready) != 0)
         return -1;
     const pid_t pid = ::fork();
     if (pid == 0) {
-        const int fd = ::open(file.c_str(), O_RDONLY);
-        void* map = fd >= 0 ? ::mmap(nullptr, 4096, PROT_READ, MAP_SHARED, fd, 0) : MAP_FAILED;
-        ::close(fd);
-        const char ok = map != MAP_FAILED ? 'y' : 'n';
+        const char ok = setUp() ? 'y' : 'n';
         (void)!::write(ready[1], &ok, 1);
         ::pause();
         ::_exit(0);
@@ -74,27 +72,25 @@ pid_t mapInChild(const fs::path& file) {
     return ok == 'y' ? pid : -1;
 }
 
+/// A child that holds `file` mapped, its descriptor long closed.
+pid_t mapInChild(const fs::path& file) {
+    return childThat([&file] {
+        const int fd = ::open(file.c_str(), O_RDONLY);
+        void* map = fd >= 0 ? ::mmap(nullptr, 4096, PROT_READ, MAP_SHARED, fd, 0) : MAP_FAILED;
+        ::close(fd);
+        return map != MAP_FAILED;
+    });
+}
+
 /// A child that holds open the file `name` below the chain of folders `chain` in `top`, reached
-/// one folder at a time (no path call could name it), until the scene ends.
+/// one folder at a time (no path call could name it).
 pid_t holdDeepInChild(const fs::path& top, const std::vector<std::string>& chain, const std::string& name) {
-    int ready[2];
-    if (::pipe(ready) != 0)
-        return -1;
-    const pid_t pid = ::fork();
-    if (pid == 0) {
+    return childThat([&] {
         int at = ::open(top.c_str(), O_RDONLY | O_DIRECTORY);
         for (const auto& folder : chain)
             at = ::openat(at, folder.c_str(), O_RDONLY | O_DIRECTORY);
-        const char ok = ::openat(at, name.c_str(), O_RDONLY) >= 0 ? 'y' : 'n';
-        (void)!::write(ready[1], &ok, 1);
-        ::pause();
-        ::_exit(0);
-    }
-    ::close(ready[1]);
-    char ok = 'n';
-    (void)!::read(ready[0], &ok, 1);
-    ::close(ready[0]);
-    return ok == 'y' ? pid : -1;
+        return ::openat(at, name.c_str(), O_RDONLY) >= 0;
+    });
 }
 
 /// The bytes of `name` below `chain` in `top`, reached one folder at a time.
@@ -223,6 +219,15 @@ const std::vector<Entry>& entries() {
          [](Scene&, Problems& p, Verdicts&) {
              core::SilentPrompts silent;
              cleaning::CleanIT(native(), silent, &p).EmptyRecycleBin("", true, true, true);
+         }},
+        {"recent documents", true, true,
+         [](Scene& s) {
+             s.folder = std::getenv("XDG_DATA_HOME"), s.name = "recently-used.xbel";
+             fs::remove_all(s.item()); // what an earlier case left
+         },
+         [](Scene&, Problems& p, Verdicts&) {
+             core::SilentPrompts silent;
+             cleaning::CleanIT(native(), silent, &p).CleanRecentDocs();
          }},
         {"free-space temporary file", true, false, [](Scene& s) { s.folder = s.work.path(), s.name = "WNXTEMP.000"; },
          [](Scene& s, Problems& p, Verdicts&) {
