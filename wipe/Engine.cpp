@@ -1,6 +1,7 @@
 #include "wipe/Engine.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <filesystem>
 #include <map>
@@ -495,9 +496,11 @@ std::int64_t readBackDifference(RawFile& file, std::uint64_t length, const Expec
         if (n == 0)
             return static_cast<std::int64_t>(at); // shorter on the device than it was written
         expected(at, want.data(), n);
-        const auto diff = std::mismatch(buffer.get(), buffer.get() + n, want.begin());
-        if (diff.first != buffer.get() + n)
+        // The whole chunk at memory speed; byte by byte only to name where it differs.
+        if (std::memcmp(buffer.get(), want.data(), n) != 0) {
+            const auto diff = std::mismatch(buffer.get(), buffer.get() + n, want.begin());
             return static_cast<std::int64_t>(at + static_cast<std::uint64_t>(diff.first - buffer.get()));
+        }
         at += n;
     }
     return -1;
