@@ -224,8 +224,6 @@ void TaviMain::Form_Load() {
     for (const std::string& item : cleaning::ChooserItems)
         m_combo1->addItem(QString::fromStdString(item));
     m_combo1->setEditText(QString::fromStdString(cleaning::ChooserPrompt));
-    // Kept as the system always did; nothing in this window uses it.
-    m_systemDirectory = QString::fromStdString(m_platform.knownFolders().systemDirectory()).left(255);
     m_tray->AddTrayIcon(windowTitle(), windowIcon());
     quietly([this] { ShowCache(); });
     quietly([this] {

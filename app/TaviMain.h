@@ -134,7 +134,6 @@ private:
     hoverhelp::HoverHelp* m_help = nullptr;
     tray::SysTray* m_tray = nullptr;
 
-    QString m_systemDirectory;
     /// What the last action did, shown by the status line m_status.
     cleaning::Outcome m_outcome;
     QLabel* m_status = nullptr;

@@ -2,7 +2,7 @@
 // The folder paths the trace-cleaning routines use, read once at start-up: the "History",
 // "Cache" and "Cookies" values of the current user's Shell Folders key, as paths of this machine
 // (on Linux inside the Wine prefix), and the temporary folder. Only CookiesPath and TempPath are
-// cleaned; the other two are read and kept as the program always did.
+// cleaned; the other two are read so that every Shell Folders path is at hand in one place.
 
 #include "platform/Platform.h"
 

@@ -1,7 +1,8 @@
 #pragma once
-// Where quiet failures go. The desktop program stays silent when a file or a value cannot be
-// processed, as it always did; the core still tells a sink about every skipped item, and the
-// command line prints them and exits with 1.
+// Where quiet failures go. The desktop program does not interrupt the user with a message for
+// every file or value that cannot be processed; the core still tells a sink about every skipped
+// item, the window reports what matters on its status line, and the command line prints each one
+// and exits with 1.
 
 #include <string>
 

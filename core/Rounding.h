@@ -1,6 +1,7 @@
 #pragma once
 // Fractions become whole numbers in one way throughout the program: to the nearest whole number,
-// halves to the even neighbour (banker's rounding), as the system's arithmetic always did.
+// halves to the even neighbour (banker's rounding), so that block counts, sizes and figures agree
+// wherever they are computed and no bias builds up over many roundings.
 
 #include <cstdint>
 

@@ -4,8 +4,8 @@
 // in the order the system lists it; nothing is sorted. Links are never followed: a link to a folder
 // is not a folder here, so a loop in the tree cannot make the search run forever. Folders are
 // entered through their open parents, so neither depth nor path length ends the search. The counters are
-// 16-bit and the total is shown in 32 bits, as the window always kept them; passing either limit
-// ends the search with SearchOverflow.
+// 16-bit and the total is shown in 32 bits, the widths the window's counters are laid out for;
+// passing either limit ends the search with SearchOverflow.
 
 #include "core/Currency.h"
 #include "core/ProblemSink.h"
@@ -32,7 +32,7 @@ std::string& StripNulls(std::string& OriginalStr);
 
 /// What one match adds to the total: the size's low 32 bits minus its high 32 bits, each read as a
 /// signed 32-bit number. Exact below 2 GiB; larger files add this odd figure on purpose, so that
-/// totals agree with the ones users have always seen.
+/// the total agrees with the one the index.dat window shows for the same files.
 std::int64_t sizeContribution(std::uint64_t size);
 
 /// The counts line: files, "/", folders below the start plus the start itself ("3/13").

@@ -80,7 +80,7 @@ void IndexManager::reportAll() {
     for (int i = 0; i < m_view.fileCount(); ++i) {
         m_view.selectFile(i);
         const std::string path = checkedSelection();
-        // An unreadable file ends the whole action, as it always did.
+        // An unreadable file ends the whole action: the report would otherwise miss it unnoticed.
         if (path.empty() || !reportFile(path))
             return;
         m_view.selectFile(-1);
@@ -138,7 +138,7 @@ void IndexManager::deleteAll() {
             return false;
         });
         if (!read) {
-            // An unreadable file ends the whole action, as it always did.
+            // An unreadable file ends the whole action: the report would otherwise miss it unnoticed.
             if (m_problems)
                 m_problems->skipped(path, "cannot be read");
             break;

@@ -7,8 +7,8 @@ std::string confirmWipeText(const std::string& path) {
 }
 
 const std::vector<core::HelpMenu>& helpMenus() {
-    // The spelling of these captions, and the blank closing "listall", are what users have always
-    // read; they stay.
+    // The spelling of these captions, and the blank closing "listall", are the window's documented
+    // texts: tests and screenshots compare against them letter for letter.
     static const std::vector<core::HelpMenu> menus = {
         {"hlp", "", "", {{"mydrive", "Choose drive to access folders"}}},
         {"hlp1", "", "Dir1", {{"mydir", "Double click to choose folder to search in"}}},

@@ -101,8 +101,8 @@ SecureDelete::SecureDelete(platform::Platform& platform, SecureDeleteView& view,
       m_random(random) {}
 
 std::string SecureDelete::passText(const Gutmann::Values& values) {
-    // The first value shows the code of its own first decimal digit: that is how the window has
-    // always printed it, and users compare against it.
+    // The first value shows the code of its own first decimal digit: the pass line's documented
+    // form, which users compare against the Gutmann table.
     const auto firstDigit = static_cast<unsigned char>(std::to_string(values[0])[0]);
     return "Block1: 0x" + hex2(firstDigit) + " , Block2: 0x" + hex2(values[1]) + " , Block3: 0x" + hex2(values[2]);
 }

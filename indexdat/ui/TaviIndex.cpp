@@ -158,7 +158,7 @@ void TaviIndex::setFolder(const QString& path) {
 
 void TaviIndex::Drive1_Change() {
     const std::string root = m_drive1->currentData().toByteArray().toStdString();
-    // A drive with no medium cannot be opened: nothing happens, as before.
+    // A drive with no medium cannot be opened: the lists keep what they show.
     if (m_platform.drives().isDirectory(root))
         setFolder(QString::fromStdString(root));
 }
