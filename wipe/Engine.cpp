@@ -483,7 +483,8 @@ std::int64_t readBackDifference(RawFile& file, std::uint64_t length, const Expec
     if (!reader)
         return -2;
     const std::size_t align = std::max<std::size_t>(reader->readAlignment(), 1);
-    const std::size_t chunk = std::max<std::size_t>(align, std::size_t{1} << 20) / align * align;
+    // Large reads keep the device streaming; the comparison of each stays in memory's pace.
+    const std::size_t chunk = std::max<std::size_t>(align, std::size_t{4} << 20) / align * align;
     const auto release = [align](unsigned char* p) { ::operator delete(p, std::align_val_t(align)); };
     const std::unique_ptr<unsigned char, decltype(release)> buffer(
         static_cast<unsigned char*>(::operator new(chunk, std::align_val_t(align))), release);

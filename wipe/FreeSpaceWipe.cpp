@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <thread>
 #include <algorithm>
 
@@ -262,12 +263,21 @@ void FreeSpaceWipe::verifyLastPass(platform::RawFile& file, const std::string& p
     const Expected expected = [&pieces](std::uint64_t offset, unsigned char* out, std::size_t count) {
         auto piece = std::upper_bound(pieces.begin(), pieces.end(), static_cast<std::int64_t>(offset),
                                       [](std::int64_t at, const Piece& p) { return at < p.start; });
-        for (std::size_t i = 0; i < count; ++i) {
+        // Each piece's stretch of the chunk is one run of its block's bytes.
+        for (std::size_t i = 0; i < count;) {
             const auto at = static_cast<std::int64_t>(offset + i);
             while (piece != pieces.end() && at >= piece->start)
                 ++piece;
             const Piece& p = *(piece - 1);
-            out[i] = at < p.end ? (*p.block)[static_cast<std::size_t>(at - p.start)] : 0;
+            const bool inside = at < p.end;
+            // Up to the piece's end, or across a gap no write reached up to the next piece.
+            const std::int64_t until = inside ? p.end : piece != pieces.end() ? piece->start : at + 1;
+            const auto run = static_cast<std::size_t>(std::min<std::int64_t>(static_cast<std::int64_t>(count - i), until - at));
+            if (inside)
+                std::memcpy(out + i, p.block->data() + (at - p.start), run);
+            else
+                std::memset(out + i, 0, run);
+            i += run;
         }
     };
     const std::int64_t differs = readBackDifference(file, length, expected);
