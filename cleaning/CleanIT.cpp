@@ -104,7 +104,9 @@ std::string CleanIT::ReadRegString(RegKey root, const std::string& key, const st
     RegKey handle = 0;
     if (registry.openKey(root, key, handle) != RegResult::Success)
         return {};
-    return ReadOpenRegString(registry, handle, name); // the key is left open, as this helper always has
+    std::string text = ReadOpenRegString(registry, handle, name);
+    registry.closeKey(handle);
+    return text;
 }
 
 void CleanIT::DeleteRegValue(RegKey root, const std::string& key, const std::string& name) {

@@ -73,7 +73,7 @@ public:
     void DoEmAll();
 
     /// The REG_SZ value `name` of `key`, cut at its first NUL; empty when missing or not a string.
-    /// The key is left open: the routine that reads it goes on to delete values of the same key.
+    /// The key is opened for the read and closed again.
     std::string ReadRegString(platform::RegKey root, const std::string& key, const std::string& name);
     /// Deletes the value `name` of `key`; a missing value is not a problem.
     void DeleteRegValue(platform::RegKey root, const std::string& key, const std::string& name);

@@ -8,7 +8,8 @@
 //   notices at its next check, cleans up (a temporary file removed, the file at hand finished off)
 //   and returns, and only then can the program end.
 // - No exception may leave an event handler: Qt cannot carry one through its event loop. guarded()
-//   ends a handler quietly on any failure, as the program's handlers always have.
+//   ends a handler on any failure without a message box, so the window stays usable; the failure
+//   is noted on stderr.
 
 #include <QtGlobal>
 
