@@ -227,7 +227,7 @@ void TaviMain::Form_Load() {
     m_tray->AddTrayIcon(windowTitle(), windowIcon());
     quietly([this] { ShowCache(); });
     quietly([this] {
-        m_urlHistory = std::make_unique<cleaning::CURLHistory>(m_platform.urlHistory());
+        m_urlHistory = std::make_unique<cleaning::CURLHistory>(m_platform);
         m_cleaner->SetHistory(*m_urlHistory);
     });
     m_cleaner->ReadFolderPaths(); // the Shell Folders paths, then the temporary folder

@@ -4,7 +4,8 @@
 
 namespace cleaning {
 
-CURLHistory::CURLHistory(platform::UrlHistory& store) : m_store(store) {
+CURLHistory::CURLHistory(platform::Platform& platform)
+    : m_store(platform.urlHistory()), m_storeFiles(platform, nullptr, nullptr) {
     Refresh("", 0);
 }
 
@@ -17,7 +18,7 @@ std::int32_t CURLHistory::Count() const {
 }
 
 void CURLHistory::Clear() {
-    m_store.clearHistory();
+    m_store.clearHistory(m_storeFiles);
     Refresh("", 0);
 }
 
@@ -47,13 +48,13 @@ std::shared_ptr<URLHistoryItem> CURLHistory::Item(std::int32_t Index) const {
 
 void CURLHistory::Remove(std::int32_t Index) {
     const std::size_t at = position(Index);
-    if (!m_store.deleteUrl(m_entries[at]->URL(), 0))
+    if (!m_store.deleteUrl(m_entries[at]->URL(), 0, m_storeFiles))
         return;
     m_entries.erase(m_entries.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
 void CURLHistory::DeleteURL(std::int32_t URL, std::int32_t flags) {
-    if (!m_store.deleteUrl(std::to_string(URL), static_cast<std::uint32_t>(flags)))
+    if (!m_store.deleteUrl(std::to_string(URL), static_cast<std::uint32_t>(flags), m_storeFiles))
         return;
     Refresh("", 0);
 }

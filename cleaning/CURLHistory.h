@@ -6,7 +6,8 @@
 // the operation where it is, without a message; Clear alone goes on past failures.
 
 #include "cleaning/URLHistoryItem.h"
-#include "platform/UrlHistory.h"
+#include "platform/Platform.h"
+#include "wipe/Engine.h"
 
 #include <cstdint>
 #include <memory>
@@ -19,8 +20,9 @@ class CURLHistory {
 public:
     using Entries = std::vector<std::shared_ptr<URLHistoryItem>>;
 
-    /// Works on `store`, which must outlive the collection, and reads the whole history.
-    explicit CURLHistory(platform::UrlHistory& store);
+    /// Works on the URL history of `platform`, which must outlive the collection, and reads the
+    /// whole history.
+    explicit CURLHistory(platform::Platform& platform);
 
     /// Adds `URL` with `Title` to the store. The collection is not re-read.
     void AddURL(const std::string& URL, const std::string& Title, std::int32_t flags);
@@ -47,6 +49,8 @@ private:
     std::size_t position(std::int32_t index) const;
 
     platform::UrlHistory& m_store;
+    /// Removes the files a store drops whole (session files); the store names what stays.
+    wipe::Engine m_storeFiles;
     Entries m_entries;
 };
 

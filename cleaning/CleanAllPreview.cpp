@@ -23,7 +23,7 @@ void addOnce(std::vector<std::string>& list, const std::string& item) {
 CleanAllPreview PreviewCleanAll(platform::Platform& platform, core::ProblemSink* problems) {
     platform::PreviewPlatform dryRun(platform);
     ListView view;
-    CURLHistory history(dryRun.urlHistory());
+    CURLHistory history(dryRun);
     TraceCleaner cleaner(dryRun, view, problems);
     cleaner.SetHistory(history);
     cleaner.ReadFolderPaths();

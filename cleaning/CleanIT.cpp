@@ -59,12 +59,7 @@ public:
         if (m_view)
             m_view->recycleProgress(done, items);
     }
-    bool removeItem(platform::Folder& files, const std::string& name) override {
-        const auto entry = files.entry(name);
-        if (entry && entry->isDirectory() && !entry->isLink())
-            return m_engine.removeTree(files, name);
-        return m_engine.remove(files, name).removed;
-    }
+    platform::Remover& remover() override { return m_engine; }
 
 private:
     core::Prompts& m_prompts;

@@ -26,7 +26,7 @@ std::uintptr_t address(const void* pointer) {
 
 TraceCleaner::TraceCleaner(platform::Platform& platform, TraceView& view, core::ProblemSink* problems,
                            core::VerdictSink* verdicts)
-    : m_platform(platform), m_view(view), m_problems(problems), m_engine(platform, verdicts, problems) {}
+    : m_platform(platform), m_view(view), m_problems(problems), m_engine(platform, verdicts, problems), m_storeFiles(platform, nullptr, nullptr) {}
 
 void TraceCleaner::ReadFolderPaths() {
     m_paths = cleaning::ReadFolderPaths(m_platform);
@@ -104,7 +104,7 @@ void TraceCleaner::deleteListed(bool always) {
         const std::string url = m_view.line(i);
         // An entry not found any more was deleted by its browser; one that stays is named by the
         // cache's problems.
-        if (cache.deleteEntry(url))
+        if (cache.deleteEntry(url, m_storeFiles))
             m_view.itemDone(TraceStep::CacheEntries, url);
     }
     m_view.clearList();
@@ -112,7 +112,7 @@ void TraceCleaner::deleteListed(bool always) {
         return;
     // Files whose key could not be read were never listed, and the caches beside the disk cache
     // hold no entries by address: both go now.
-    cache.deleteUnlisted();
+    cache.deleteUnlisted(m_storeFiles);
 }
 
 void TraceCleaner::DeleteListedCacheEntries() {

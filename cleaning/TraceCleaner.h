@@ -96,6 +96,8 @@ private:
     CURLHistory* m_history = nullptr;
     core::ProblemSink* m_problems;
     wipe::Engine m_engine;
+    /// Removes the files of the browsers' stores: counted and named by the stores themselves.
+    wipe::Engine m_storeFiles;
     FolderPaths m_paths;
     std::vector<std::uint8_t> m_pattern;
 };

@@ -176,14 +176,18 @@ public:
         return m_real.findNext(enumeration, buffer, size);
     }
     void findClose(platform::UrlCacheEnum enumeration) override { m_real.findClose(enumeration); }
-    bool deleteEntry(const std::string& url) override {
-        const bool deleted = m_real.deleteEntry(url);
+    bool deleteEntry(const std::string& url, platform::Remover& remover) override {
+        const bool deleted = m_real.deleteEntry(url, remover);
         if (deleted)
             ++m_ledger.counts.cacheEntriesDeleted;
         return deleted;
     }
-    // Files without a readable key are no entries of the list: they are not counted as entries.
-    std::size_t deleteUnlisted() override { return m_real.deleteUnlisted(); }
+    // Files without a readable key are no entries of the list: they are counted on their own.
+    std::size_t deleteUnlisted(platform::Remover& remover) override {
+        const std::size_t removed = m_real.deleteUnlisted(remover);
+        m_ledger.counts.otherCacheItemsDeleted += removed;
+        return removed;
+    }
     std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
     std::vector<platform::StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
 
@@ -202,17 +206,17 @@ public:
             ++m_ledger.counts.historyEntriesAdded;
         return added;
     }
-    bool deleteUrl(const std::string& url, std::uint32_t flags) override {
-        const bool deleted = m_real.deleteUrl(url, flags);
+    bool deleteUrl(const std::string& url, std::uint32_t flags, platform::Remover& remover) override {
+        const bool deleted = m_real.deleteUrl(url, flags, remover);
         if (deleted)
             ++m_ledger.counts.historyEntriesDeleted;
         return deleted;
     }
     std::unique_ptr<platform::UrlHistoryEnum> enumUrls() override { return m_real.enumUrls(); }
-    bool clearHistory() override {
+    bool clearHistory(platform::Remover& remover) override {
         // Counted once before and once after: the store says nothing of how much it held.
         const std::uint64_t before = entries();
-        const bool cleared = m_real.clearHistory();
+        const bool cleared = m_real.clearHistory(remover);
         m_ledger.counts.historyEntriesDeleted += before - std::min(before, entries());
         return cleared;
     }

@@ -24,6 +24,7 @@ struct ChangeCounts {
     std::uint64_t registryValuesRemoved = 0;
     std::uint64_t registryValuesWritten = 0;
     std::uint64_t cacheEntriesDeleted = 0;
+    std::uint64_t otherCacheItemsDeleted = 0; ///< files of no listed entry, side caches' files and folders
     std::uint64_t historyEntriesDeleted = 0;
     std::uint64_t historyEntriesAdded = 0;
     std::uint64_t trashItemsRemoved = 0;

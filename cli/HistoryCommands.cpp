@@ -54,7 +54,7 @@ bool holds(cleaning::CURLHistory& history, const std::string& url) {
 }
 
 void list(Context& ctx, const std::string& prefix) {
-    cleaning::CURLHistory history(ctx.platform.urlHistory());
+    cleaning::CURLHistory history(ctx.platform);
     if (!prefix.empty())
         history.Refresh(prefix, 0);
     for (const auto& item : history.NewEnum())
@@ -63,7 +63,7 @@ void list(Context& ctx, const std::string& prefix) {
 }
 
 void add(Context& ctx, const std::string& url, const std::string& title) {
-    cleaning::CURLHistory history(ctx.platform.urlHistory());
+    cleaning::CURLHistory history(ctx.platform);
     history.AddURL(url, title, 0);
     reportStores(ctx);
     if (!holds(history, url))
@@ -71,7 +71,7 @@ void add(Context& ctx, const std::string& url, const std::string& title) {
 }
 
 void remove(Context& ctx, const std::string& url) {
-    cleaning::CURLHistory history(ctx.platform.urlHistory());
+    cleaning::CURLHistory history(ctx.platform);
     history.Refresh(url, 0);
     int found = 0;
     // From the last entry up, so that removing one does not move those still to be looked at.
@@ -88,7 +88,7 @@ void remove(Context& ctx, const std::string& url) {
 }
 
 void clear(Context& ctx) {
-    cleaning::CURLHistory history(ctx.platform.urlHistory());
+    cleaning::CURLHistory history(ctx.platform);
     const std::int32_t count = history.Count();
     if (!ctx.prompts.askYesNo("Clear the URL history (" + std::to_string(count) + (count == 1 ? " entry" : " entries") +
                                   ")?",

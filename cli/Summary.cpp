@@ -37,6 +37,7 @@ std::string describeChanges(const ChangeCounts& c, const std::vector<std::string
         {c.registryValuesRemoved, "registry value", "registry values", "removed"},
         {c.registryValuesWritten, "registry value", "registry values", "written"},
         {c.cacheEntriesDeleted, "cache entry", "cache entries", "deleted"},
+        {c.otherCacheItemsDeleted, "other cache item", "other cache items", "deleted"},
         {c.historyEntriesDeleted, "history entry", "history entries", "deleted"},
         {c.historyEntriesAdded, "history entry", "history entries", "added"},
         {c.trashItemsRemoved, "trash item", "trash items", "removed"},

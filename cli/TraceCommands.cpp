@@ -93,7 +93,7 @@ void cleanAll(Context& ctx) {
     watchInterrupts();
     TerminalTraceView view(found.tempFiles.size() + found.cacheEntries.size() + found.cookieFiles.size() +
                            found.historyEntries.size());
-    cleaning::CURLHistory history(ctx.platform.urlHistory());
+    cleaning::CURLHistory history(ctx.platform);
     cleaning::TraceCleaner cleaner(ctx.platform, view, &ctx.problems, &ctx.verdicts);
     cleaner.SetHistory(history);
     cleaner.ReadFolderPaths();
@@ -122,7 +122,7 @@ void watch(Context& ctx, int interval) {
     watchInterrupts();
     std::cerr << "Watching for the browser to start and close; each close cleans the cache, the typed URLs,\n"
                  "the cookie folder's record files and the history. Ctrl-C ends.\n";
-    cleaning::CURLHistory history(ctx.platform.urlHistory());
+    cleaning::CURLHistory history(ctx.platform);
     autoclean::AutoCleanState state = autoclean::toggled({});
     while (!interrupted()) {
         pause(interval);

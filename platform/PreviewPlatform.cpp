@@ -330,7 +330,7 @@ public:
     UrlCacheEnum findFirst(void* buffer, std::uint32_t& size) override { return m_real.findFirst(buffer, size); }
     bool findNext(UrlCacheEnum e, void* buffer, std::uint32_t& size) override { return m_real.findNext(e, buffer, size); }
     void findClose(UrlCacheEnum e) override { m_real.findClose(e); }
-    bool deleteEntry(const std::string& url) override {
+    bool deleteEntry(const std::string& url, Remover&) override {
         m_journal.add(Kind::DeleteCacheEntry, url);
         return true;
     }
@@ -349,12 +349,12 @@ public:
         m_journal.add(Kind::AddHistory, url, title);
         return true;
     }
-    bool deleteUrl(const std::string& url, std::uint32_t) override {
+    bool deleteUrl(const std::string& url, std::uint32_t, Remover&) override {
         m_journal.add(Kind::DeleteHistory, url);
         return true;
     }
     std::unique_ptr<UrlHistoryEnum> enumUrls() override { return m_real.enumUrls(); }
-    bool clearHistory() override {
+    bool clearHistory(Remover&) override {
         m_journal.add(Kind::ClearHistory, {});
         return true;
     }

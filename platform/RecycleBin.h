@@ -4,6 +4,7 @@
 // RecycleBinUi, so the question's text stays with the code that defines the program's messages.
 
 #include "platform/Folder.h"
+#include "platform/Remover.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -35,11 +36,8 @@ public:
     virtual bool confirmEmpty(std::size_t items, std::uint64_t bytes) = 0;
     /// After each removed item, unless NoProgressUi.
     virtual void progress(std::size_t done, std::size_t items) = 0;
-    /// Removes the item `name` of the bin's open folder `files`, with everything below it, never
-    /// following a link or entering another mount: the program's destruction engine does that
-    /// work, the bin only finds its items. True when it is gone; the bin's own records of the item
-    /// are the bin's to remove. A bin whose system empties it by itself (Windows) never calls this.
-    virtual bool removeItem(Folder& files, const std::string& name) = 0;
+    /// Removes the items the bin finds, and the bin's own records of them.
+    virtual Remover& remover() = 0;
 };
 
 /// A file of the bin's own records (an item's record of where it came from, the recent-documents

@@ -5,6 +5,8 @@
 // one by one by their source address. On Linux the cache is the disk cache of every browser
 // profile found, and a profile whose browser is running is left alone.
 
+#include "platform/Remover.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -63,14 +65,16 @@ public:
     virtual bool findNext(UrlCacheEnum enumeration, void* buffer, std::uint32_t& size) = 0;
     /// FindCloseUrlCache.
     virtual void findClose(UrlCacheEnum enumeration) = 0;
-    /// DeleteUrlCacheEntryA: deletes the entry whose source address is `url`, with all its files.
-    /// False when there is none or it cannot be deleted.
-    virtual bool deleteEntry(const std::string& url) = 0;
+    /// DeleteUrlCacheEntryA: deletes the entry whose source address is `url`, with all its files;
+    /// where the cache is plain files, `remover` removes them. False when there is none or it
+    /// cannot be deleted.
+    virtual bool deleteEntry(const std::string& url, Remover& remover) = 0;
     /// Deletes what deleting entry by entry cannot reach: every file of the cache folders that no
     /// listing names (an unreadable key, an entry cut short, one waiting for deletion), and the
-    /// caches kept beside them (compiled scripts, GPU shaders, thumbnails). Returns the number of files deleted; each file
-    /// that stays is named by storeProblems(). Nothing where the cache has no such files.
-    virtual std::size_t deleteUnlisted() { return 0; }
+    /// caches kept beside them (compiled scripts, GPU shaders, thumbnails), through `remover`.
+    /// Returns the number of items removed (a folder of a side cache counts once); each that stays
+    /// is named by storeProblems(). Nothing where the cache has no such files.
+    virtual std::size_t deleteUnlisted(Remover& /*remover*/) { return 0; }
     /// The stores (browser profile folders) the last call left alone because their browser holds
     /// them; always empty where the cache has no such notion.
     virtual std::vector<std::string> storesInUse() const { return {}; }

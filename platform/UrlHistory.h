@@ -7,6 +7,8 @@
 
 #include "platform/UrlCache.h" // FileTime
 
+#include "platform/Remover.h"
+
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -43,12 +45,14 @@ public:
 
     /// AddUrl. False when the store cannot take the entry (safely).
     virtual bool addUrl(const std::string& url, const std::string& title, std::uint32_t flags) = 0;
-    /// DeleteUrl: removes every record of the address `url`. False when that fails.
-    virtual bool deleteUrl(const std::string& url, std::uint32_t flags) = 0;
+    /// DeleteUrl: removes every record of the address `url`; files that go whole (a profile's
+    /// session files) go through `remover`. False when that fails.
+    virtual bool deleteUrl(const std::string& url, std::uint32_t flags, Remover& remover) = 0;
     /// EnumUrls: a new enumerator over the whole store, or null on failure.
     virtual std::unique_ptr<UrlHistoryEnum> enumUrls() = 0;
-    /// ClearHistory: removes every visited address from the store. False when some part failed.
-    virtual bool clearHistory() = 0;
+    /// ClearHistory: removes every visited address from the store, files that go whole through
+    /// `remover`. False when some part failed.
+    virtual bool clearHistory(Remover& remover) = 0;
     /// The stores (browser profile folders) the last call left alone because their browser holds
     /// them; always empty where the history has no such notion.
     virtual std::vector<std::string> storesInUse() const { return {}; }

@@ -226,6 +226,13 @@ core::Verdict Engine::remove(Folder& folder, const std::string& name, const std:
     return v;
 }
 
+bool Engine::removeEntry(Folder& folder, const std::string& name) {
+    const auto entry = folder.entry(name);
+    if (entry && entry->isDirectory() && !entry->isLink())
+        return removeTree(folder, name);
+    return remove(folder, name).removed;
+}
+
 core::Verdict Engine::overwrite(Folder& folder, const std::string& name, OverwriteScheme& scheme,
                                 const OverwriteOptions& options) {
     auto& raw = m_platform.rawFiles();

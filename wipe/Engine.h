@@ -23,6 +23,7 @@
 #include "core/Verdict.h"
 #include "platform/Folder.h"
 #include "platform/Platform.h"
+#include "platform/Remover.h"
 
 #include <cstdint>
 #include <functional>
@@ -80,7 +81,7 @@ struct OverwriteOptions {
     bool missingIsProblem = true;
 };
 
-class Engine {
+class Engine final : public platform::Remover {
 public:
     /// `verdicts` and `problems` may be null.
     Engine(platform::Platform& platform, core::VerdictSink* verdicts, core::ProblemSink* problems);
@@ -114,6 +115,9 @@ public:
     /// Cuts and removes a file of the program's own (the free-space wipe's temporary file) while
     /// `name` still means the file `expected`. No user's item: only a failure is told.
     bool removeOwnFile(platform::Folder& folder, const std::string& name, const platform::FileInfo& expected);
+    /// Removes the entry `name` of `folder` without writing it: a folder as a tree, anything else
+    /// as a file. What the facilities that only find what is to go (bins, browser caches) call.
+    bool removeEntry(platform::Folder& folder, const std::string& name) override;
     /// Removes the empty folder `name` of `parent`. True when it is gone.
     bool removeEmptyFolder(platform::Folder& parent, const std::string& name);
 

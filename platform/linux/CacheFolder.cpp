@@ -2,6 +2,7 @@
 
 #include "platform/linux/CacheKeys.h"
 #include "platform/linux/Descriptors.h"
+#include "platform/linux/LinuxFolder.h"
 
 #include <algorithm>
 #include <functional>
@@ -92,74 +93,80 @@ bool listedEntryFile(BrowserFamily family, int dir, const char* name) {
     return isSimpleEntryName(first.c_str()) && readEntryAt(family, dir, first.c_str(), entry);
 }
 
-/// Removes the files (and links) in the folder `at`, named `path`, that `keep` does not keep; with
-/// `deep` also those below its subfolders, which go themselves once empty. Never follows a link.
-std::size_t removeFilesBelow(int at, const std::string& path, bool deep, std::vector<StoreProblem>& problems,
-                             const std::function<bool(const char*)>& keep = {}) {
-    const int fd = ::dup(at);
-    DIR* dir = fd < 0 ? nullptr : ::fdopendir(fd);
-    if (!dir) {
-        if (fd >= 0)
-            ::close(fd);
-        problems.push_back({path, std::string("could not be read: ") + std::strerror(errno)});
-        return 0;
-    }
-    std::vector<std::pair<std::string, bool>> names; // read whole before removing anything
-    while (const dirent* e = ::readdir(dir)) {
-        const std::string_view n(e->d_name);
-        if (n == "." || n == ".." || (keep && keep(e->d_name)))
-            continue;
-        struct stat st {};
-        if (::fstatat(at, e->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0)
-            continue;
-        if (S_ISDIR(st.st_mode) ? deep : (S_ISREG(st.st_mode) || S_ISLNK(st.st_mode)))
-            names.emplace_back(e->d_name, S_ISDIR(st.st_mode));
-    }
-    ::closedir(dir);
+/// The folder `name` of the folder `at` (`at` itself when empty), shown as below `path`; null when
+/// it is not there or is no folder.
+std::unique_ptr<LinuxFolder> folderAt(int at, const std::string& path, const std::string& name = {}) {
+    return LinuxFolder::open(at, name, name.empty() ? path : path + "/" + name);
+}
+
+/// Removes through `remover` every entry of `folder` that `keep` does not keep: files and links
+/// and, with `deep`, folders with everything below them. Appends each that stays to `problems`;
+/// returns the number removed.
+std::size_t removeEntriesOf(Folder& folder, bool deep, Remover& remover, std::vector<StoreProblem>& problems,
+                            const std::function<bool(const std::string&)>& keep = {}) {
+    std::vector<std::string> names; // read whole before removing anything
+    const bool read = folder.names([&](const std::string& name, EntryKind kind) {
+        if (kind == EntryKind::Unknown)
+            if (const auto entry = folder.entry(name))
+                kind = entry->isLink() ? EntryKind::Link : entry->isDirectory() ? EntryKind::Directory : EntryKind::File;
+        if ((deep || kind != EntryKind::Directory) && !(keep && keep(name)))
+            names.push_back(name);
+        return true;
+    });
+    if (!read)
+        problems.push_back({folder.path(), std::string("could not be read: ") + std::strerror(errno)});
     std::size_t removed = 0;
-    for (const auto& [name, folder] : names) {
-        if (folder) {
-            if (const UniqueFd sub = openFolderAt(at, name))
-                removed += removeFilesBelow(sub.get(), path + "/" + name, true, problems);
-            if (::unlinkat(at, name.c_str(), AT_REMOVEDIR) != 0 && errno != ENOENT && errno != ENOTEMPTY)
-                problems.push_back({path + "/" + name, std::string("could not be removed: ") + std::strerror(errno)});
-        } else if (::unlinkat(at, name.c_str(), 0) == 0) {
+    for (const std::string& name : names) {
+        if (remover.removeEntry(folder, name))
             ++removed;
-        } else if (errno != ENOENT) {
-            problems.push_back({path + "/" + name, std::string("could not be deleted: ") + std::strerror(errno)});
-        }
+        else
+            problems.push_back({folder.path() + "/" + name, "could not be deleted"});
     }
     return removed;
 }
 
-/// The same for the folder `name` in `at`, when it is there.
-std::size_t removeFilesIn(int at, const std::string& path, const std::string& name, bool deep,
-                          std::vector<StoreProblem>& problems) {
-    const UniqueFd sub = openFolderAt(at, name);
+/// The same for the folder `name` of `at`, when it is there.
+std::size_t removeEntriesIn(int at, const std::string& path, const std::string& name, bool deep, Remover& remover,
+                            std::vector<StoreProblem>& problems) {
+    const auto sub = folderAt(at, path, name);
     if (!sub && errno != ENOENT && errno != ENOTDIR)
         problems.push_back({path + "/" + name, std::string("could not be opened: ") + std::strerror(errno)});
-    return sub ? removeFilesBelow(sub.get(), path + "/" + name, deep, problems) : 0;
+    return sub ? removeEntriesOf(*sub, deep, remover, problems) : 0;
 }
 
-/// Removes the files of the entries folder `name` in `at` that no listing names.
+/// Removes the files of the entries folder `name` of `at` that no listing names.
 std::size_t removeUnlistedEntries(BrowserFamily family, int at, const std::string& path, const std::string& name,
-                                  std::vector<StoreProblem>& problems) {
-    const UniqueFd sub = name.empty() ? UniqueFd(::dup(at)) : openFolderAt(at, name);
+                                  Remover& remover, std::vector<StoreProblem>& problems) {
+    const auto sub = folderAt(at, path, name);
     if (!sub) {
         if (errno != ENOENT && errno != ENOTDIR)
             problems.push_back({path + "/" + name, std::string("could not be opened: ") + std::strerror(errno)});
         return 0;
     }
-    const int dir = sub.get();
-    return removeFilesBelow(dir, name.empty() ? path : path + "/" + name, false, problems, [family, dir](const char* file) {
+    const int dir = static_cast<int>(sub->nativeHandle());
+    return removeEntriesOf(*sub, false, remover, problems, [family, dir](const std::string& file) {
         // "index" only marks a folder as a simple cache.
-        return (family == BrowserFamily::Chromium && std::string_view(file) == "index") || listedEntryFile(family, dir, file);
+        return (family == BrowserFamily::Chromium && file == "index") || listedEntryFile(family, dir, file.c_str());
     });
 }
 
-/// Removes `name` in the folder `at`; gone already counts as removed.
-bool removeName(int at, const std::string& name) {
-    return ::unlinkat(at, name.c_str(), 0) == 0 || errno == ENOENT;
+/// Makes the cache's index invalid, so that the browser rebuilds it from the entry files it finds
+/// rather than trusting a record of entries that are gone: the simple cache trusts
+/// index-dir/the-real-index only while it is there, cache2 its index and journal.
+void dropIndex(BrowserFamily family, Folder& cache, Remover& remover) {
+    if (family == BrowserFamily::Chromium) {
+        if (const auto indexDir = cache.openFolder("index-dir"))
+            remover.removeEntry(*indexDir, "the-real-index");
+        return;
+    }
+    for (const char* index : {"index", "index.tmp", "index.log"})
+        remover.removeEntry(cache, index);
+}
+
+/// The cache folder `folder` itself, opened where it leads.
+std::unique_ptr<LinuxFolder> openCache(const std::string& folder) {
+    const UniqueFd cache(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return cache ? folderAt(cache.get(), folder) : nullptr;
 }
 
 } // namespace
@@ -267,71 +274,54 @@ bool CacheFolderReader::readEntry(const char* name, CacheEntryFile& entry) {
     return readEntryAt(m_family, ::dirfd(m_dir), name, entry);
 }
 
-bool removeCacheEntry(BrowserFamily family, const std::string& folder, const std::string& name) {
-    const UniqueFd cache(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+bool removeCacheEntry(BrowserFamily family, const std::string& folder, const std::string& name, Remover& remover) {
+    const auto cache = openCache(folder);
     if (!cache)
         return false;
+    dropIndex(family, *cache, remover);
     if (family == BrowserFamily::Chromium) {
-        // The simple cache trusts index-dir/the-real-index only while it is there; without it the
-        // browser rebuilds the index from the entry files it finds.
-        if (const UniqueFd indexDir = openFolderAt(cache.get(), "index-dir"))
-            removeName(indexDir.get(), "the-real-index");
         const std::string stem = name.substr(0, name.size() - 2);
-        bool gone = removeName(cache.get(), stem + "_0");
-        gone = removeName(cache.get(), stem + "_1") && gone;
-        return removeName(cache.get(), stem + "_s") && gone;
+        bool gone = remover.removeEntry(*cache, stem + "_0");
+        gone = remover.removeEntry(*cache, stem + "_1") && gone;
+        return remover.removeEntry(*cache, stem + "_s") && gone;
     }
-    // cache2 rebuilds its index (and journal) from the entries when the index file is missing.
-    for (const char* index : {"index", "index.tmp", "index.log"})
-        removeName(cache.get(), index);
-    const UniqueFd entries = openFolderAt(cache.get(), "entries");
-    return entries && removeName(entries.get(), name);
+    const auto entries = cache->openFolder("entries");
+    return entries && remover.removeEntry(*entries, name);
 }
 
-std::size_t removeCacheRest(BrowserFamily family, const std::string& folder, std::vector<StoreProblem>& problems) {
-    const UniqueFd cache(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+std::size_t removeCacheRest(BrowserFamily family, const std::string& folder, Remover& remover,
+                            std::vector<StoreProblem>& problems) {
+    const UniqueFd fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    const auto cache = fd ? folderAt(fd.get(), folder) : nullptr;
     if (!cache) {
         if (errno != ENOENT)
             problems.push_back({folder, std::string("could not be opened: ") + std::strerror(errno)});
         return 0;
     }
-    std::size_t removed = 0;
-    if (family == BrowserFamily::Chromium) {
-        if (const UniqueFd indexDir = openFolderAt(cache.get(), "index-dir"))
-            removeName(indexDir.get(), "the-real-index");
-        return removeUnlistedEntries(family, cache.get(), folder, "", problems);
-    }
-    for (const char* index : {"index", "index.tmp", "index.log"})
-        removeName(cache.get(), index);
-    removed += removeUnlistedEntries(family, cache.get(), folder, "entries", problems);
-    removed += removeFilesIn(cache.get(), folder, "doomed", false, problems);
+    dropIndex(family, *cache, remover);
+    if (family == BrowserFamily::Chromium)
+        return removeUnlistedEntries(family, fd.get(), folder, "", remover, problems);
+    std::size_t removed = removeUnlistedEntries(family, fd.get(), folder, "entries", remover, problems);
+    removed += removeEntriesIn(fd.get(), folder, "doomed", false, remover, problems);
     // Folders the browser moved aside to delete later ("trash" and a number) go whole.
-    std::vector<std::string> trash;
-    if (DIR* dir = ::fdopendir(::dup(cache.get()))) {
-        while (const dirent* e = ::readdir(dir))
-            if (std::string_view(e->d_name).starts_with("trash"))
-                trash.emplace_back(e->d_name);
-        ::closedir(dir);
-    }
-    for (const std::string& name : trash) {
-        removed += removeFilesIn(cache.get(), folder, name, true, problems);
-        if (::unlinkat(cache.get(), name.c_str(), AT_REMOVEDIR) != 0 && errno != ENOENT && errno != ENOTDIR)
-            problems.push_back({folder + "/" + name, std::string("could not be removed: ") + std::strerror(errno)});
-    }
+    removed += removeEntriesOf(*cache, true, remover, problems, [](const std::string& name) {
+        return !name.starts_with("trash");
+    });
     return removed;
 }
 
-std::size_t removeSideCaches(BrowserFamily family, const std::string& base, std::vector<StoreProblem>& problems) {
+std::size_t removeSideCaches(BrowserFamily family, const std::string& base, Remover& remover,
+                             std::vector<StoreProblem>& problems) {
     const UniqueFd root(::open(base.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     if (!root)
         return 0;
-    std::size_t removed = 0;
     if (family == BrowserFamily::Firefox)
-        return removeFilesIn(root.get(), base, "thumbnails", true, problems);
+        return removeEntriesIn(root.get(), base, "thumbnails", true, remover, problems);
     // Compiled scripts keep the address of the script they came from; the others keep what pages
     // drew or fetched. Each is rebuilt by the browser when it finds it empty.
+    std::size_t removed = 0;
     for (const char* name : {"Code Cache", "GPUCache", "DawnGraphiteCache", "DawnWebGPUCache", "Shared Dictionary"})
-        removed += removeFilesIn(root.get(), base, name, true, problems);
+        removed += removeEntriesIn(root.get(), base, name, true, remover, problems);
     return removed;
 }
 

@@ -78,16 +78,19 @@ FolderStamp folderStamp(const std::string& folder);
 /// Removes the entry `name` (as CacheFolderReader found it) with all its files, after making the
 /// cache's index invalid so that the browser rebuilds it from the entry files rather than trusting
 /// it. True when the entry's files are gone.
-bool removeCacheEntry(BrowserFamily family, const std::string& folder, const std::string& name);
+bool removeCacheEntry(BrowserFamily family, const std::string& folder, const std::string& name, Remover& remover);
 
 /// Removes every file of the cache folder `folder` that no listing names (a key that cannot be
 /// read, an entry cut before its key was written, a file of no entry), after making the index
 /// invalid as removeCacheEntry does; for Firefox also the entries waiting in doomed/ and the
-/// trash folders. Entries a listing names stay: they go by their address. Appends each file that stays to `problems`; returns the number of files removed.
-std::size_t removeCacheRest(BrowserFamily family, const std::string& folder, std::vector<StoreProblem>& problems);
+/// trash folders. Entries a listing names stay: they go by their address. Everything goes through
+/// `remover`; each item that stays is appended to `problems`. Returns the number of items removed.
+std::size_t removeCacheRest(BrowserFamily family, const std::string& folder, Remover& remover,
+                            std::vector<StoreProblem>& problems);
 /// Removes the files of the caches kept beside the disk cache in the folder `base` (a profile
 /// folder, or its folder below the cache home): Chromium's Code Cache, GPUCache, Dawn caches and
 /// Shared Dictionary, Firefox's thumbnails. Appends each file that stays to `problems`.
-std::size_t removeSideCaches(BrowserFamily family, const std::string& base, std::vector<StoreProblem>& problems);
+std::size_t removeSideCaches(BrowserFamily family, const std::string& base, Remover& remover,
+                             std::vector<StoreProblem>& problems);
 
 } // namespace platform::linux

@@ -135,7 +135,7 @@ public:
         return dbs.commit(false) ? StoreResult::Done : StoreResult::Failed;
     }
 
-    StoreResult forget(const std::optional<std::string>& url) override {
+    StoreResult forgetVisits(const std::optional<std::string>& url) override {
         const std::string ukm = profile().userDataFolder + "/segmentation_platform/ukm_db";
         ProfileDatabases dbs;
         const StoreResult r = dbs.lockForWriting({file("History"), file("Favicons"), file("Top Sites"), file("Shortcuts"),
@@ -306,11 +306,11 @@ private:
     bool removeVisitFiles(bool all) {
         bool ok = true;
         for (const char* name : {"Current Session", "Current Tabs", "Last Session", "Last Tabs"})
-            ok = removeSessionFile(file(name)) && ok;
+            ok = removeSessionFile(name) && ok;
         if (all)
             for (const char* name : {"Visited Links", "History Provider Cache"})
-                ok = removeSessionFile(file(name)) && ok;
-        return removeSessionFilesIn(file("Sessions")) && ok;
+                ok = removeSessionFile(name) && ok;
+        return removeSessionFilesIn("Sessions") && ok;
     }
 };
 

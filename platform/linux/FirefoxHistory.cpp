@@ -27,7 +27,7 @@ public:
 
     StoreResult add(const std::string&, const std::string&) override { return StoreResult::Failed; }
 
-    StoreResult forget(const std::optional<std::string>& url) override {
+    StoreResult forgetVisits(const std::optional<std::string>& url) override {
         const std::string places = file("places.sqlite"), favicons = file("favicons.sqlite");
         ProfileDatabases dbs;
         const StoreResult r = dbs.lockForWriting({places, favicons});
@@ -55,8 +55,8 @@ public:
         noteProblems(dbs.problems());
         bool ok = !dbs.failures();
         if (held) {
-            ok = removeSessionFile(file("sessionstore.jsonlz4")) && ok;
-            ok = removeSessionFilesIn(file("sessionstore-backups")) && ok;
+            ok = removeSessionFile("sessionstore.jsonlz4") && ok;
+            ok = removeSessionFilesIn("sessionstore-backups") && ok;
         }
         return ok ? StoreResult::Done : StoreResult::Failed;
     }

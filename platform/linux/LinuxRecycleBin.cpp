@@ -164,14 +164,16 @@ std::vector<Bin> readBins(const std::vector<std::string>& folders, const std::st
 }
 
 /// What remains besides the items: info files of items already gone and the size cache.
-void removeLeftovers(const std::string& folder) {
+void removeLeftovers(const std::string& folder, Remover& remover) {
     const DirFd trash(folder);
-    if (!trash)
+    const auto top = trash ? LinuxFolder::open(trash.get(), "", folder) : nullptr;
+    if (!top)
         return;
-    ::unlinkat(trash.get(), "directorysizes", 0);
+    remover.removeEntry(*top, "directorysizes");
+    const auto infoFolder = LinuxFolder::open(trash.get(), "info", folder + "/info");
     const DirFd info(trash.get(), "info");
     const DirFd files(trash.get(), "files");
-    if (!info)
+    if (!info || !infoFolder)
         return;
     const std::string suffix = ".trashinfo";
     for (const std::string& name : entryNames(info.get())) {
@@ -180,7 +182,7 @@ void removeLeftovers(const std::string& folder) {
         struct stat st {};
         const std::string item = name.substr(0, name.size() - suffix.size());
         if (!files || ::fstatat(files.get(), item.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0)
-            ::unlinkat(info.get(), name.c_str(), 0);
+            remover.removeEntry(*infoFolder, name);
     }
 }
 
@@ -297,22 +299,22 @@ bool LinuxRecycleBin::empty(const std::string& root, unsigned flags, RecycleBinU
     for (const Bin& bin : bins) {
         const DirFd trash(bin.folder);
         const auto files = trash ? LinuxFolder::open(trash.get(), "files", bin.folder + "/files") : nullptr;
-        const DirFd info(trash.get(), "info");
+        const auto info = trash ? LinuxFolder::open(trash.get(), "info", bin.folder + "/info") : nullptr;
         if (!files) {
             ok = ok && bin.items.empty();
             continue;
         }
         for (const std::string& name : bin.names) {
-            const bool removed = ui.removeItem(*files, name);
+            const bool removed = ui.remover().removeEntry(*files, name);
             if (removed && info)
-                ::unlinkat(info.get(), (name + ".trashinfo").c_str(), 0);
+                ui.remover().removeEntry(*info, name + ".trashinfo");
             ok = ok && removed;
             if (!(flags & EmptyFlags::NoProgressUi))
                 ui.progress(++done, count);
         }
     }
     for (const std::string& folder : folders)
-        removeLeftovers(folder);
+        removeLeftovers(folder, ui.remover());
     // The desktop's sound for an emptied trash, where its sound player is installed; without one
     // there is no sound to play and the flag changes nothing.
     if (count > 0 && !(flags & EmptyFlags::NoSound))

@@ -209,7 +209,7 @@ void LinuxUrlCache::findClose(UrlCacheEnum enumeration) {
     m_open.erase(enumeration);
 }
 
-bool LinuxUrlCache::deleteEntry(const std::string& url) {
+bool LinuxUrlCache::deleteEntry(const std::string& url, Remover& remover) {
     if (!m_catalogue)
         m_catalogue = discover();
     Catalogue& catalogue = *m_catalogue;
@@ -242,7 +242,7 @@ bool LinuxUrlCache::deleteEntry(const std::string& url) {
         }
         const std::string entries = cacheEntriesFolder(cache.family, cache.folder);
         const bool wasCurrent = cache.complete && cache.stamp == folderStamp(entries);
-        if (!removeCacheEntry(cache.family, cache.folder, location.name)) {
+        if (!removeCacheEntry(cache.family, cache.folder, location.name, remover)) {
             m_problems.push_back({entries + "/" + location.name, std::string("could not be deleted: ") + std::strerror(errno)});
             kept.push_back(location);
             deleted = false;
@@ -259,7 +259,7 @@ bool LinuxUrlCache::deleteEntry(const std::string& url) {
     return deleted;
 }
 
-std::size_t LinuxUrlCache::deleteUnlisted() {
+std::size_t LinuxUrlCache::deleteUnlisted(Remover& remover) {
     // Found anew: a profile whose browser started since the listing is left alone now.
     m_catalogue = discover();
     m_inUse = m_catalogue->held;
@@ -270,7 +270,7 @@ std::size_t LinuxUrlCache::deleteUnlisted() {
             continue;
         bases = {profile.folder};
         for (const std::string& folder : profile.caches) {
-            removed += removeCacheRest(profile.family, folder, m_problems);
+            removed += removeCacheRest(profile.family, folder, remover, m_problems);
             // The caches beside the disk cache sit in the folder that holds it: "<base>/Cache/Cache_Data"
             // or "<base>/cache2".
             const std::string suffix = profile.family == BrowserFamily::Chromium ? "/Cache/Cache_Data" : "/cache2";
@@ -280,7 +280,7 @@ std::size_t LinuxUrlCache::deleteUnlisted() {
         std::sort(bases.begin(), bases.end());
         bases.erase(std::unique(bases.begin(), bases.end()), bases.end());
         for (const std::string& base : bases)
-            removed += removeSideCaches(profile.family, base, m_problems);
+            removed += removeSideCaches(profile.family, base, remover, m_problems);
     }
     return removed;
 }

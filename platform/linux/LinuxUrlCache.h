@@ -24,8 +24,8 @@ public:
     UrlCacheEnum findFirst(void* buffer, std::uint32_t& size) override;
     bool findNext(UrlCacheEnum enumeration, void* buffer, std::uint32_t& size) override;
     void findClose(UrlCacheEnum enumeration) override;
-    bool deleteEntry(const std::string& url) override;
-    std::size_t deleteUnlisted() override;
+    bool deleteEntry(const std::string& url, Remover& remover) override;
+    std::size_t deleteUnlisted(Remover& remover) override;
     std::vector<std::string> storesInUse() const override { return m_inUse; }
     std::vector<StoreProblem> storeProblems() const override { return m_problems; }
 

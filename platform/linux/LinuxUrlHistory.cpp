@@ -37,7 +37,7 @@ bool note(State& state, const BrowserProfile& profile, StoreResult result, const
 }
 
 /// Forgets `url` (every address when empty) in every profile not held.
-bool forgetEverywhere(State& state, const Environment& env, const std::optional<std::string>& url) {
+bool forgetEverywhere(State& state, const Environment& env, const std::optional<std::string>& url, Remover& remover) {
     state.clear();
     bool ok = true;
     for (const BrowserProfile& profile : findBrowserProfiles(env)) {
@@ -46,7 +46,7 @@ bool forgetEverywhere(State& state, const Environment& env, const std::optional<
             continue;
         }
         const auto history = profileHistory(profile);
-        ok = note(state, profile, history->forget(url), history.get()) && ok;
+        ok = note(state, profile, history->forget(url, remover), history.get()) && ok;
     }
     return ok;
 }
@@ -129,8 +129,8 @@ bool LinuxUrlHistory::addUrl(const std::string& url, const std::string& title, s
     return false;
 }
 
-bool LinuxUrlHistory::deleteUrl(const std::string& url, std::uint32_t) {
-    return forgetEverywhere(*m_state, m_env, url);
+bool LinuxUrlHistory::deleteUrl(const std::string& url, std::uint32_t, Remover& remover) {
+    return forgetEverywhere(*m_state, m_env, url, remover);
 }
 
 std::unique_ptr<UrlHistoryEnum> LinuxUrlHistory::enumUrls() {
@@ -138,8 +138,8 @@ std::unique_ptr<UrlHistoryEnum> LinuxUrlHistory::enumUrls() {
     return std::make_unique<LinuxUrlHistoryEnum>(findBrowserProfiles(m_env), m_state);
 }
 
-bool LinuxUrlHistory::clearHistory() {
-    return forgetEverywhere(*m_state, m_env, std::nullopt);
+bool LinuxUrlHistory::clearHistory(Remover& remover) {
+    return forgetEverywhere(*m_state, m_env, std::nullopt, remover);
 }
 
 } // namespace platform::linux

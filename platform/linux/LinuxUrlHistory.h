@@ -23,9 +23,9 @@ public:
     explicit LinuxUrlHistory(Environment env);
 
     bool addUrl(const std::string& url, const std::string& title, std::uint32_t flags) override;
-    bool deleteUrl(const std::string& url, std::uint32_t flags) override;
+    bool deleteUrl(const std::string& url, std::uint32_t flags, Remover& remover) override;
     std::unique_ptr<UrlHistoryEnum> enumUrls() override;
-    bool clearHistory() override;
+    bool clearHistory(Remover& remover) override;
     std::vector<std::string> storesInUse() const override { return m_state->inUse; }
     std::vector<StoreProblem> storeProblems() const override { return m_state->problems; }
     /// What the last call found, shared with the enumerators, which find held and failing

@@ -1,6 +1,7 @@
 #include "platform/linux/ProfileHistory.h"
 
 #include "platform/linux/Descriptors.h"
+#include "platform/linux/LinuxFolder.h"
 
 #include <cerrno>
 #include <cstring>
@@ -53,53 +54,62 @@ bool anyTargets(SqliteDb& db) {
     return db.value("SELECT count(*) FROM temp.targets").value_or("1") != "0";
 }
 
-bool ProfileHistory::removeSessionFile(const std::string& path) {
-    if (removeFileIfThere(path))
+StoreResult ProfileHistory::forget(const std::optional<std::string>& url, Remover& remover) {
+    m_remover = &remover;
+    const StoreResult result = forgetVisits(url);
+    m_remover = nullptr;
+    return result;
+}
+
+bool ProfileHistory::removeIn(const std::string& folder, const std::string& name) {
+    const UniqueFd at(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const auto open = at ? LinuxFolder::open(at.get(), "", folder) : nullptr;
+    if (!open)
+        return errno == ENOENT;
+    const auto entry = open->entry(name);
+    if (!entry)
         return true;
-    noteProblem(path, std::string("could not be deleted: ") + std::strerror(errno));
+    // Only files: a folder in a session file's place is not what the browser left.
+    if (entry->isDirectory() && !entry->isLink()) {
+        noteProblem(folder + "/" + name, "is a folder; left in place");
+        return false;
+    }
+    if (m_remover->removeEntry(*open, name))
+        return true;
+    noteProblem(folder + "/" + name, "could not be deleted");
     return false;
 }
 
-bool ProfileHistory::removeSessionFilesIn(const std::string& path) {
-    if (removeFilesIn(path))
-        return true;
-    noteProblem(path, std::string("not every file in it could be deleted: ") + std::strerror(errno));
-    return false;
+bool ProfileHistory::removeSessionFile(const std::string& name) {
+    return removeIn(m_profile.folder, name);
+}
+
+bool ProfileHistory::removeSessionFilesIn(const std::string& name) {
+    const std::string folder = file(name);
+    const UniqueFd at(openFolderAt(AT_FDCWD, folder));
+    const auto open = at ? LinuxFolder::open(at.get(), "", folder) : nullptr;
+    if (!open) {
+        if (errno == ENOENT)
+            return true;
+        noteProblem(folder, std::string("could not be opened: ") + std::strerror(errno));
+        return false;
+    }
+    std::vector<std::string> names;
+    if (!open->names([&](const std::string& entry, EntryKind kind) {
+            if (kind != EntryKind::Directory)
+                names.push_back(entry);
+            return true;
+        }))
+        noteProblem(folder, std::string("could not be read: ") + std::strerror(errno));
+    bool ok = true;
+    for (const std::string& entry : names)
+        ok = removeIn(folder, entry) && ok;
+    return ok;
 }
 
 FileTime fileTimeFromMicros1601(std::int64_t micros) {
     const std::uint64_t t = micros > 0 ? std::uint64_t(micros) * 10 : 0;
     return FileTime{static_cast<std::uint32_t>(t), static_cast<std::uint32_t>(t >> 32)};
-}
-
-bool removeFileIfThere(const std::string& path) {
-    struct stat st {};
-    if (::lstat(path.c_str(), &st) != 0)
-        return errno == ENOENT;
-    if (S_ISDIR(st.st_mode))
-        return false;
-    return ::unlink(path.c_str()) == 0 || errno == ENOENT;
-}
-
-bool removeFilesIn(const std::string& path) {
-    UniqueFd folder = openFolderAt(AT_FDCWD, path);
-    if (!folder)
-        return errno == ENOENT;
-    const int fd = folder.get();
-    DIR* dir = ::fdopendir(folder.release());
-    if (!dir) {
-        ::close(fd);
-        return false;
-    }
-    bool ok = true;
-    while (const dirent* e = ::readdir(dir)) {
-        struct stat st {};
-        if (::fstatat(fd, e->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0 || S_ISDIR(st.st_mode))
-            continue;
-        ok = (::unlinkat(fd, e->d_name, 0) == 0 || errno == ENOENT) && ok;
-    }
-    ::closedir(dir);
-    return ok;
 }
 
 std::unique_ptr<ProfileHistory> profileHistory(const BrowserProfile& profile) {

@@ -32,25 +32,31 @@ public:
     /// Records a visit of `url` now; Failed where the store cannot take it safely.
     virtual StoreResult add(const std::string& url, const std::string& title) = 0;
     /// Removes every record of visiting `url`, or of every address when `url` is empty. The
-    /// session files go too (for one address, where the profile's history held it): they keep
-    /// the addresses of open tabs and their back-and-forward lists.
-    virtual StoreResult forget(const std::optional<std::string>& url) = 0;
+    /// session files go too, through `remover` (for one address, where the profile's history held
+    /// it): they keep the addresses of open tabs and their back-and-forward lists.
+    StoreResult forget(const std::optional<std::string>& url, Remover& remover);
     /// Each file the last call could not read or clean, with the reason.
     const std::vector<StoreProblem>& problems() const { return m_problems; }
 
 protected:
+    /// What forget() does, with the remover in place for the session files.
+    virtual StoreResult forgetVisits(const std::optional<std::string>& url) = 0;
     std::string file(const std::string& name) const { return m_profile.folder + "/" + name; }
     void noteProblems(const std::vector<StoreProblem>& problems) {
         m_problems.insert(m_problems.end(), problems.begin(), problems.end());
     }
     void noteProblem(const std::string& file, const std::string& reason) { m_problems.push_back({file, reason}); }
-    /// Removes the file `path` when it is there, naming it when it stays; true when it is gone.
-    bool removeSessionFile(const std::string& path);
-    /// The same for every file directly in the folder `path`.
-    bool removeSessionFilesIn(const std::string& path);
+    /// Removes the file `name` of the profile folder when it is there, naming it when it stays;
+    /// true when it is gone.
+    bool removeSessionFile(const std::string& name);
+    /// The same for every file directly in the profile's folder `name`.
+    bool removeSessionFilesIn(const std::string& name);
 
 private:
+    bool removeIn(const std::string& folder, const std::string& name);
+
     BrowserProfile m_profile;
+    Remover* m_remover = nullptr;
     std::vector<StoreProblem> m_problems;
 };
 
@@ -72,10 +78,6 @@ bool anyTargets(SqliteDb& db);
 
 /// A FILETIME from microseconds since 1601-01-01 UTC.
 FileTime fileTimeFromMicros1601(std::int64_t micros);
-/// Removes the file `path` (never a folder, never through a link); true when it is gone.
-bool removeFileIfThere(const std::string& path);
-/// Removes every file directly in the folder `path` (not through a link to it); true when they are gone.
-bool removeFilesIn(const std::string& path);
 
 std::unique_ptr<ProfileHistory> makeChromiumHistory(const BrowserProfile& profile);
 std::unique_ptr<ProfileHistory> makeFirefoxHistory(const BrowserProfile& profile);

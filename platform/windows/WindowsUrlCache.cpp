@@ -194,7 +194,7 @@ void WindowsUrlCache::findClose(UrlCacheEnum enumeration) {
     delete state;
 }
 
-bool WindowsUrlCache::deleteEntry(const std::string& url) {
+bool WindowsUrlCache::deleteEntry(const std::string& url, Remover& /*remover: the cache deletes its own files*/) {
     return ::DeleteUrlCacheEntryW(widen(url).c_str()) != FALSE;
 }
 

@@ -19,7 +19,7 @@ public:
     UrlCacheEnum findFirst(void* buffer, std::uint32_t& size) override;
     bool findNext(UrlCacheEnum enumeration, void* buffer, std::uint32_t& size) override;
     void findClose(UrlCacheEnum enumeration) override;
-    bool deleteEntry(const std::string& url) override;
+    bool deleteEntry(const std::string& url, Remover& remover) override;
 
     struct Enumeration;
 

@@ -114,7 +114,7 @@ bool WindowsUrlHistory::addUrl(const std::string& url, const std::string& title,
     return s && succeeded(s->AddUrl(widen(url).c_str(), widen(title).c_str(), flags));
 }
 
-bool WindowsUrlHistory::deleteUrl(const std::string& url, std::uint32_t flags) {
+bool WindowsUrlHistory::deleteUrl(const std::string& url, std::uint32_t flags, Remover& /*remover: the store keeps no files of its own*/) {
     m_problems.clear();
     IUrlHistoryStg2* s = store();
     return s && succeeded(s->DeleteUrl(widen(url).c_str(), flags));
@@ -128,7 +128,7 @@ std::unique_ptr<UrlHistoryEnum> WindowsUrlHistory::enumUrls() {
     return std::make_unique<WindowsUrlHistoryEnum>(enumerator);
 }
 
-bool WindowsUrlHistory::clearHistory() {
+bool WindowsUrlHistory::clearHistory(Remover& /*remover*/) {
     m_problems.clear();
     IUrlHistoryStg2* s = store();
     return s && succeeded(s->ClearHistory());

@@ -18,9 +18,9 @@ public:
     WindowsUrlHistory& operator=(const WindowsUrlHistory&) = delete;
 
     bool addUrl(const std::string& url, const std::string& title, std::uint32_t flags) override;
-    bool deleteUrl(const std::string& url, std::uint32_t flags) override;
+    bool deleteUrl(const std::string& url, std::uint32_t flags, Remover& remover) override;
     std::unique_ptr<UrlHistoryEnum> enumUrls() override;
-    bool clearHistory() override;
+    bool clearHistory(Remover& remover) override;
     std::vector<StoreProblem> storeProblems() const override { return m_problems; }
 
 private:

@@ -90,7 +90,7 @@ TEST_F(BrowserTraces, ShowCacheListsEveryEntryInEnumerationOrderAndWipeCacheDele
 }
 
 TEST_F(BrowserTraces, CleanAllEmptiesCacheAndHistoryOfEveryProfileButKeepsBookmarks) {
-    CURLHistory history(home.platform().urlHistory());
+    CURLHistory history(home.platform());
     ASSERT_GT(history.Count(), 0);
     cleaner.SetHistory(history);
     cleaner.CleanAll();
@@ -114,7 +114,7 @@ TEST_F(BrowserTraces, AProfileWhoseBrowserRunsIsLeftWholeAndNamed) {
         return all;
     };
     const auto before = firefoxFiles();
-    CURLHistory history(home.platform().urlHistory());
+    CURLHistory history(home.platform());
     cleaner.SetHistory(history);
     cleaner.CleanAll();
     EXPECT_EQ(firefoxFiles(), before);
@@ -122,7 +122,7 @@ TEST_F(BrowserTraces, AProfileWhoseBrowserRunsIsLeftWholeAndNamed) {
 }
 
 TEST_F(BrowserTraces, HistoryCollectionFollowsTheStoreAndItsDocumentedQuirks) {
-    CURLHistory history(home.platform().urlHistory());
+    CURLHistory history(home.platform());
     const auto stored = listHistory(home.platform().urlHistory());
     ASSERT_EQ(history.Count(), static_cast<std::int32_t>(stored.size()));
     std::int32_t i = 1;
@@ -168,12 +168,12 @@ TEST_F(BrowserTraces, HistoryCollectionFollowsTheStoreAndItsDocumentedQuirks) {
     // Clear empties the store; a new collection on it holds nothing.
     history.Clear();
     EXPECT_EQ(history.Count(), 0);
-    EXPECT_EQ(CURLHistory(home.freshPlatform()->urlHistory()).Count(), 0);
+    EXPECT_EQ(CURLHistory(*home.freshPlatform()).Count(), 0);
 }
 
 TEST_F(BrowserTraces, ReadingADateTwiceInAZoneAheadOfUtcMovesItByTheOffset) {
     const Zone zone("<+02>-2"); // two hours ahead of UTC, no daylight saving
-    CURLHistory history(home.platform().urlHistory());
+    CURLHistory history(home.platform());
     ASSERT_GE(history.Count(), 1);
     const auto item = history.Item(1);
     const double first = item->LastVisited();

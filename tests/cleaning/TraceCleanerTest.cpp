@@ -36,7 +36,7 @@ struct TraceCleanerTest : ::testing::Test {
     ScratchDir temp;
     testsupport::TraceRecorder view;
     testsupport::SkipRecorder problems;
-    cleaning::CURLHistory history{platform->urlHistory()};
+    cleaning::CURLHistory history{*platform};
     cleaning::TraceCleaner cleaner{*platform, view, &problems};
 
     TraceCleanerTest() {

@@ -64,6 +64,7 @@ BrowserHome::BrowserHome(CacheLayout layout, FirefoxRoot root, BrowserChoice bro
         copyTree(kData / "firefox/cache" / m_firefoxName / "cache2", firefoxCache());
     }
     m_platform = platform::createNative();
+    m_remover = std::make_unique<wipe::Engine>(*m_platform, nullptr, nullptr);
 }
 
 fs::path BrowserHome::chromiumCache() const {

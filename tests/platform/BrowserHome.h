@@ -4,6 +4,7 @@
 
 #include "platform/Platform.h"
 #include "tests/support/Scratch.h"
+#include "wipe/Engine.h"
 
 #include <filesystem>
 #include <map>
@@ -33,6 +34,9 @@ public:
     /// A second native platform on the same home (another run of the program).
     std::unique_ptr<platform::Platform> freshPlatform() const { return platform::createNative(); }
 
+    /// The program's engine on that platform, as the cleaning layer hands it to the stores.
+    platform::Remover& remover() { return *m_remover; }
+
     const std::filesystem::path& home() const { return m_home; }
     std::filesystem::path chromiumUserData() const { return m_home / ".config/chromium"; }
     std::filesystem::path chromiumProfile() const { return chromiumUserData() / "Default"; }
@@ -50,6 +54,7 @@ private:
     std::filesystem::path m_firefoxRoot;
     std::string m_firefoxName;
     std::unique_ptr<platform::Platform> m_platform;
+    std::unique_ptr<wipe::Engine> m_remover;
 };
 
 /// The addresses the committed profiles visited, with the page titles that go with them.

@@ -33,10 +33,10 @@ TEST(BrowserInUse, LiveLocksKeepBothProfilesByteForByte) {
 
     platform::Platform& platform = home.platform();
     EXPECT_TRUE(platform::cachedAddresses(platform.urlCache()).empty());
-    EXPECT_FALSE(platform.urlCache().deleteEntry(visitedPages()[0].url));
+    EXPECT_FALSE(platform.urlCache().deleteEntry(visitedPages()[0].url, home.remover()));
     EXPECT_TRUE(listHistory(platform.urlHistory()).empty());
-    EXPECT_FALSE(platform.urlHistory().deleteUrl(visitedPages()[1].url, 0));
-    EXPECT_FALSE(platform.urlHistory().clearHistory());
+    EXPECT_FALSE(platform.urlHistory().deleteUrl(visitedPages()[1].url, 0, home.remover()));
+    EXPECT_FALSE(platform.urlHistory().clearHistory(home.remover()));
     EXPECT_FALSE(platform.urlHistory().addUrl("http://added.test/", "Added", 0));
     const std::vector<std::string> both = {home.chromiumProfile().string(), home.firefoxProfile().string()};
     EXPECT_EQ(platform.urlCache().storesInUse(), both);
@@ -48,7 +48,7 @@ TEST(BrowserInUse, LiveLocksKeepBothProfilesByteForByte) {
     firefox.stop();
     const auto again = home.freshPlatform();
     EXPECT_FALSE(platform::cachedAddresses(again->urlCache()).empty());
-    EXPECT_TRUE(again->urlHistory().clearHistory());
+    EXPECT_TRUE(again->urlHistory().clearHistory(home.remover()));
     EXPECT_TRUE(again->urlHistory().storesInUse().empty());
 }
 
@@ -74,7 +74,7 @@ TEST(BrowserInUse, ALockedDatabaseLeavesTheWholeProfileAloneAndIsNamedWhenRead) 
     platform::UrlHistory& history = home.platform().urlHistory();
     EXPECT_EQ(listHistory(history).size(), visitedPages().size()); // Chromium's only
     EXPECT_EQ(history.storesInUse(), std::vector<std::string>{home.firefoxProfile().string()});
-    EXPECT_FALSE(history.clearHistory());
+    EXPECT_FALSE(history.clearHistory(home.remover()));
     EXPECT_EQ(history.storesInUse(),
               (std::vector<std::string>{home.chromiumProfile().string(), home.firefoxProfile().string()}));
     EXPECT_EQ(changedFiles(before, home.snapshot()), std::vector<std::string>{});
@@ -83,5 +83,5 @@ TEST(BrowserInUse, ALockedDatabaseLeavesTheWholeProfileAloneAndIsNamedWhenRead) 
         sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
         sqlite3_close(db);
     }
-    EXPECT_TRUE(history.clearHistory());
+    EXPECT_TRUE(history.clearHistory(home.remover()));
 }

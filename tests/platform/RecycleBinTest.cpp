@@ -38,14 +38,10 @@ struct RecordedUi final : platform::RecycleBinUi {
         return answer;
     }
     void progress(std::size_t done, std::size_t) override { progressDone.push_back(done); }
-    bool removeItem(platform::Folder& files, const std::string& name) override {
-        // The program's own engine, as the recycle-bin clean hands it over.
-        const auto native = platform::createNative();
-        wipe::Engine engine(*native, nullptr, nullptr);
-        const auto entry = files.entry(name);
-        return entry && entry->isDirectory() && !entry->isLink() ? engine.removeTree(files, name)
-                                                                  : engine.remove(files, name).removed;
-    }
+    // The program's own engine, as the recycle-bin clean hands it over.
+    std::unique_ptr<platform::Platform> native = platform::createNative();
+    wipe::Engine engine{*native, nullptr, nullptr};
+    platform::Remover& remover() override { return engine; }
 };
 
 /// Puts `name` with `content` in the trash folder `trash` as a desktop would, with its info file.

@@ -106,7 +106,7 @@ TEST(UrlCache, DeletingAnEntryRemovesAllItsFilesAndInvalidatesTheIndex) {
 
     platform::UrlCache& cache = home.platform().urlCache();
     platform::cachedAddresses(cache);
-    ASSERT_TRUE(cache.deleteEntry(beta));
+    ASSERT_TRUE(cache.deleteEntry(beta, home.remover()));
 
     for (const fs::path& gone : {home.chromiumCache() / chromiumEntry, home.chromiumCache() / (stem + "_1"),
                                  home.chromiumCache() / (stem + "_s"), home.chromiumCache() / "index-dir/the-real-index",
@@ -119,14 +119,14 @@ TEST(UrlCache, DeletingAnEntryRemovesAllItsFilesAndInvalidatesTheIndex) {
     std::vector<std::string> left = platform::cachedAddresses(cache);
     EXPECT_EQ(std::count(left.begin(), left.end(), beta), 0);
     EXPECT_EQ(left.size(), cachedInBoth().size() * 2 + 1 - 2);
-    EXPECT_FALSE(cache.deleteEntry(beta));
-    EXPECT_FALSE(cache.deleteEntry(kSite + "never-visited.html"));
+    EXPECT_FALSE(cache.deleteEntry(beta, home.remover()));
+    EXPECT_FALSE(cache.deleteEntry(kSite + "never-visited.html", home.remover()));
 }
 
 TEST(UrlCache, DeletesWithoutListingFirstAndFindsEntriesAddedSince) {
     BrowserHome home;
     platform::UrlCache& cache = home.platform().urlCache();
-    EXPECT_TRUE(cache.deleteEntry(kSite + "scourmill-alpha-7f3a.html"));
+    EXPECT_TRUE(cache.deleteEntry(kSite + "scourmill-alpha-7f3a.html", home.remover()));
 
     // Entries written after a listing are found: one with a long key in a large Firefox entry (the
     // key lies past the first read), one new simple-cache entry.
@@ -136,8 +136,8 @@ TEST(UrlCache, DeletesWithoutListingFirstAndFindsEntriesAddedSince) {
     const std::string longBytes = std::string(300 * 1024, 'd') + cache2Metadata(300 * 1024, "a,:" + longUrl);
     writeBytes(longEntry, longBytes);
     writeBytes(home.chromiumCache() / "0123456789abcdef_0", simpleCacheHead("1/0/_dk_http://x http://x " + kSite + "late.png"));
-    EXPECT_TRUE(cache.deleteEntry(longUrl));
-    EXPECT_TRUE(cache.deleteEntry(kSite + "late.png"));
+    EXPECT_TRUE(cache.deleteEntry(longUrl, home.remover()));
+    EXPECT_TRUE(cache.deleteEntry(kSite + "late.png", home.remover()));
     EXPECT_FALSE(fs::exists(home.chromiumCache() / "0123456789abcdef_0"));
 
     writeBytes(longEntry, longBytes);

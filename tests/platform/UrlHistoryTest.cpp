@@ -243,12 +243,12 @@ TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
     fs::permissions(unreadable, fs::perms::none);
 
     platform::Platform& platform = home.platform();
-    ASSERT_TRUE(platform.urlHistory().clearHistory());
+    ASSERT_TRUE(platform.urlHistory().clearHistory(home.remover()));
     // An address both browsers cached is deleted from both at once.
     const auto cached = platform::cachedAddresses(platform.urlCache());
     for (const std::string& url : std::set<std::string>(cached.begin(), cached.end()))
-        EXPECT_TRUE(platform.urlCache().deleteEntry(url)) << url;
-    EXPECT_GE(platform.urlCache().deleteUnlisted(), 12u);
+        EXPECT_TRUE(platform.urlCache().deleteEntry(url, home.remover())) << url;
+    EXPECT_GE(platform.urlCache().deleteUnlisted(home.remover()), 12u);
 
     EXPECT_EQ(filesHolding(home, visitTraces()), std::vector<std::string>{});
     EXPECT_FALSE(fs::exists(unreadable));
@@ -283,7 +283,7 @@ TEST(UrlHistory, DeletingOneAddressForgetsItInEveryDatabaseAndSessionFileOfOlder
     makeSchemasOlder(home);
     platform::UrlHistory& history = home.platform().urlHistory();
     const std::string gamma = visitedPages()[3].url;
-    ASSERT_TRUE(history.deleteUrl(gamma, 0));
+    ASSERT_TRUE(history.deleteUrl(gamma, 0, home.remover()));
     EXPECT_TRUE(history.storeProblems().empty());
 
     const auto urls = urlsOf(listHistory(history));
@@ -298,7 +298,7 @@ TEST(UrlHistory, DeletingOneAddressForgetsItInEveryDatabaseAndSessionFileOfOlder
     EXPECT_FALSE(filesHolding(home, {"scourmill-beta-91c2"}, {"History"}).empty()) << "other addresses stay";
 
     // The bookmarked address loses its visits but keeps its place.
-    ASSERT_TRUE(history.deleteUrl(kBookmarkedUrl, 0));
+    ASSERT_TRUE(history.deleteUrl(kBookmarkedUrl, 0, home.remover()));
     EXPECT_EQ(urlsOf(listHistory(history, kBookmarkedUrl)), std::vector<std::string>{});
     EXPECT_FALSE(filesHolding(home, {kBookmarkedUrl}, {"places.sqlite"}).empty());
     for (const fs::path& db : databases(home))
@@ -317,7 +317,7 @@ TEST(UrlHistory, AddsToChromiumAndNotToFirefox) {
         ASSERT_TRUE(history.addUrl("http://added.test/page", "", 0));
         EXPECT_EQ(listHistory(history, "http://added.test/").size(), 1u);
         EXPECT_EQ(integrityOf(home.chromiumProfile() / "History"), "ok\n");
-        ASSERT_TRUE(history.deleteUrl("http://added.test/page", 0));
+        ASSERT_TRUE(history.deleteUrl("http://added.test/page", 0, home.remover()));
         EXPECT_TRUE(listHistory(history, "http://added.test/").empty());
     }
     BrowserHome firefoxOnly(CacheLayout::UnderCacheHome, FirefoxRoot::DotMozilla, {.chromium = false, .firefox = true});

@@ -229,6 +229,19 @@ const std::vector<Entry>& entries() {
              core::SilentPrompts silent;
              cleaning::CleanIT(native(), silent, &p).CleanRecentDocs();
          }},
+        {"browser cache", true, true,
+         [](Scene& s) {
+             // A Chromium profile of the scratch home, whose compiled-script cache holds the item.
+             const fs::path profile = fs::path(std::getenv("XDG_CONFIG_HOME")) / "chromium/Default";
+             fs::remove_all(profile);
+             fs::create_directories(profile / "Code Cache/js");
+             std::ofstream(profile / "Preferences") << "{}";
+             s.folder = profile / "Code Cache/js", s.name = "target";
+         },
+         [](Scene&, Problems& p, Verdicts& v) {
+             cleaning::ListView view;
+             cleaning::TraceCleaner(native(), view, &p, &v).CleanAll();
+         }},
         {"free-space temporary file", true, false, [](Scene& s) { s.folder = s.work.path(), s.name = "WNXTEMP.000"; },
          [](Scene& s, Problems& p, Verdicts&) {
              testsupport::FreeSpaceRecorder view;

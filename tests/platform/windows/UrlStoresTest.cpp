@@ -16,6 +16,14 @@
 
 namespace {
 
+/// Windows's stores remove their own files: a remover handed to them is never asked.
+struct NoRemover final : platform::Remover {
+    bool removeEntry(platform::Folder&, const std::string& name) override {
+        ADD_FAILURE() << "asked to remove " << name;
+        return false;
+    }
+} noRemover;
+
 const std::string Ascii = "http://cache.example.test/page.html";
 /// An address with letters outside the ANSI code page, as UTF-8 and as the system's UTF-16.
 const std::string Unicode = "http://cache.example.test/\xC3\xA9t\xC3\xA9-\xE6\x97\xA5.html";
@@ -73,10 +81,10 @@ TEST(WindowsUrlCache, EntriesCommittedByWinInetAreListedAsRecordsAndDeleted) {
     EXPECT_EQ(entries.at(Ascii).CacheEntryType & NORMAL_CACHE_ENTRY, static_cast<DWORD>(NORMAL_CACHE_ENTRY));
     EXPECT_EQ(entries.at(Ascii).dwSizeLow, 5u);
 
-    EXPECT_TRUE(cache.deleteEntry(Unicode));
+    EXPECT_TRUE(cache.deleteEntry(Unicode, noRemover));
     EXPECT_FALSE(testsupport::inUrlCache(UnicodeW));
-    EXPECT_TRUE(cache.deleteEntry(Ascii));
-    EXPECT_FALSE(cache.deleteEntry(Ascii));
+    EXPECT_TRUE(cache.deleteEntry(Ascii, noRemover));
+    EXPECT_FALSE(cache.deleteEntry(Ascii, noRemover));
     const auto after = listAll(cache);
     EXPECT_EQ(after.count(Ascii) + after.count(Unicode), 0u);
 }
@@ -98,8 +106,8 @@ TEST(WindowsUrlHistory, TheStoreWorksOrFailsWithoutPretending) {
         // Wine's history object answers "not implemented" to everything: so does the platform, and
         // it names the store with that reason, once however often the listing meets it.
         EXPECT_EQ(history.enumUrls(), nullptr);
-        EXPECT_FALSE(history.deleteUrl(Unicode, 0));
-        EXPECT_FALSE(history.clearHistory());
+        EXPECT_FALSE(history.deleteUrl(Unicode, 0, noRemover));
+        EXPECT_FALSE(history.clearHistory(noRemover));
         EXPECT_EQ(history.enumUrls(), nullptr);
         const auto problems = history.storeProblems();
         ASSERT_EQ(problems.size(), 1u);
@@ -116,5 +124,5 @@ TEST(WindowsUrlHistory, TheStoreWorksOrFailsWithoutPretending) {
     while (enumerator->next(record) == 1)
         found = found || record.pwcsUrl == Unicode;
     EXPECT_TRUE(found);
-    EXPECT_TRUE(history.deleteUrl(Unicode, 0));
+    EXPECT_TRUE(history.deleteUrl(Unicode, 0, noRemover));
 }
