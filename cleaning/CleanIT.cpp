@@ -176,7 +176,8 @@ void CleanIT::CleanRecentDocs() {
     // not: each is deleted here first, so that a preview lists it and the summary counts it.
     allValuesScheme(RecentDocsKey);
 #endif
-    const bool cleared = m_platform.recycleBin().clearRecentDocuments();
+    wipe::Engine engine(m_platform, nullptr, nullptr); // the bin names what it refuses
+    const bool cleared = m_platform.recycleBin().clearRecentDocuments(engine);
     const auto refused = m_platform.recycleBin().takeRefused();
     for (const platform::RefusedRecord& record : refused)
         if (m_problems)

@@ -252,9 +252,9 @@ public:
         return emptied;
     }
     std::vector<std::string> recentDocuments() override { return m_real.recentDocuments(); }
-    bool clearRecentDocuments() override {
+    bool clearRecentDocuments(platform::Remover& remover) override {
         const std::size_t before = m_real.recentDocuments().size();
-        const bool cleared = m_real.clearRecentDocuments();
+        const bool cleared = m_real.clearRecentDocuments(remover);
         const std::size_t after = m_real.recentDocuments().size();
         m_ledger.counts.recentDocumentsRemoved += before - std::min(before, after);
         return cleared;

@@ -376,7 +376,7 @@ public:
     }
     std::vector<std::string> recentDocuments() override { return m_real.recentDocuments(); }
     std::vector<RefusedRecord> takeRefused() override { return m_real.takeRefused(); }
-    bool clearRecentDocuments() override {
+    bool clearRecentDocuments(Remover&) override {
         m_journal.add(Kind::ClearRecentDocuments, {});
         return true;
     }

@@ -59,9 +59,10 @@ public:
     virtual bool empty(const std::string& root, unsigned flags, RecycleBinUi& ui) = 0;
     /// The documents in the shell's list of recent documents, as addresses (file:///...).
     virtual std::vector<std::string> recentDocuments() = 0;
-    /// SHAddToRecentDocs with no item: clears the shell's list of recent documents. False when it
-    /// could not, or when the list is not a file this program may replace (see takeRefused).
-    virtual bool clearRecentDocuments() = 0;
+    /// SHAddToRecentDocs with no item: clears the shell's list of recent documents; where the list
+    /// is a file, `remover` writes it anew. False when it could not, or when the list is not a file
+    /// this program may replace (see takeRefused).
+    virtual bool clearRecentDocuments(Remover& remover) = 0;
     /// The records the calls above refused since this was last asked, each named once: a FIFO,
     /// socket or device in a record's place is never read, and a recent-documents list that is a
     /// link (the usual way to switch recording off) is left as it is.

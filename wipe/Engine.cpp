@@ -233,6 +233,34 @@ bool Engine::removeEntry(Folder& folder, const std::string& name) {
     return remove(folder, name).removed;
 }
 
+namespace {
+
+/// One pass of zeros: enough that the old bytes of a file about to be written anew are gone.
+class ZeroPass final : public OverwriteScheme {
+public:
+    int passes() const override { return 1; }
+    Pass writePass(int, PassWriter& out) override {
+        static const std::vector<unsigned char> zeros(1 << 16);
+        for (std::uint64_t at = out.nextData(0); at < out.length(); at = out.nextData(at)) {
+            const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(out.length() - at, zeros.size()));
+            if (!out.write(at, zeros.data(), n))
+                return Pass::Failed;
+            at += n;
+        }
+        return Pass::Written;
+    }
+};
+
+} // namespace
+
+bool Engine::rewrite(Folder& folder, const std::string& name, const std::string& content) {
+    ZeroPass zeros;
+    OverwriteOptions options;
+    options.remove = false;
+    options.replaceWith = content;
+    return !overwrite(folder, name, zeros, options).problem;
+}
+
 core::Verdict Engine::overwrite(Folder& folder, const std::string& name, OverwriteScheme& scheme,
                                 const OverwriteOptions& options) {
     auto& raw = m_platform.rawFiles();
@@ -322,6 +350,15 @@ core::Verdict Engine::overwrite(Folder& folder, const std::string& name, Overwri
         std::vector<std::uint64_t> digests;
         writer.lastPass(ranges, digests);
         v = verify(*file, ranges, digests, v);
+    }
+    if (options.replaceWith && !options.remove) {
+        const std::string& bytes = *options.replaceWith;
+        const bool written = file->seek(0, RawFile::From::Begin) == 0 && file->truncate() &&
+                             file->write(bytes.data(), bytes.size()) == bytes.size() && file->flush();
+        if (!written) {
+            v.why = "was overwritten but its new content could not be written: " + errorText(raw, raw.lastError());
+            v.problem = true;
+        }
     }
     if (options.remove) {
         v.removed = cutAndDelete(folder, name, std::move(file), *held);

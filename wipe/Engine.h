@@ -79,6 +79,8 @@ struct OverwriteOptions {
     bool verify = false;
     /// A file that is not there is a failure to name (a file the user chose), not just gone.
     bool missingIsProblem = true;
+    /// Without `remove`: once written over, the file is cut and holds these bytes instead.
+    std::optional<std::string> replaceWith;
 };
 
 class Engine final : public platform::Remover {
@@ -118,6 +120,8 @@ public:
     /// Removes the entry `name` of `folder` without writing it: a folder as a tree, anything else
     /// as a file. What the facilities that only find what is to go (bins, browser caches) call.
     bool removeEntry(platform::Folder& folder, const std::string& name) override;
+    /// Overwrites the file `name` of `folder` once with zeros and leaves `content` in it.
+    bool rewrite(platform::Folder& folder, const std::string& name, const std::string& content) override;
     /// Removes the empty folder `name` of `parent`. True when it is gone.
     bool removeEmptyFolder(platform::Folder& parent, const std::string& name);
 

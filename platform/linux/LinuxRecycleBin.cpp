@@ -330,10 +330,10 @@ std::vector<std::string> LinuxRecycleBin::recentDocuments() {
     return std::move(read.uris);
 }
 
-bool LinuxRecycleBin::clearRecentDocuments() {
+bool LinuxRecycleBin::clearRecentDocuments(Remover& remover) {
     const std::string path = recentlyUsedPath();
     std::string problem;
-    const bool cleared = clearRecentlyUsed(path, &problem);
+    const bool cleared = clearRecentlyUsed(path, remover, &problem);
     if (!problem.empty())
         refuse(path, problem);
     return cleared;

@@ -30,7 +30,7 @@ public:
     std::vector<TrashItem> items(const std::string& root) override;
     bool empty(const std::string& root, unsigned flags, RecycleBinUi& ui) override;
     std::vector<std::string> recentDocuments() override;
-    bool clearRecentDocuments() override;
+    bool clearRecentDocuments(Remover& remover) override;
     std::vector<RefusedRecord> takeRefused() override;
 
     /// The trash folders (each holding files/ and info/) that `root` names, existing ones only.

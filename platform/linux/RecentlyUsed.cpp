@@ -1,6 +1,7 @@
 #include "platform/linux/RecentlyUsed.h"
 
 #include "platform/linux/Descriptors.h"
+#include "platform/linux/LinuxFolder.h"
 
 #include <fcntl.h>
 #include <glib.h>
@@ -47,7 +48,7 @@ std::vector<std::string> recentlyUsedUrisIn(const std::string& text) {
     return takeUris(file, g_bookmark_file_load_from_data(file, text.data(), text.size(), nullptr));
 }
 
-bool clearRecentlyUsed(const std::string& path, std::string* problem) {
+bool clearRecentlyUsed(const std::string& path, Remover& remover, std::string* problem) {
     struct stat st {};
     if (::lstat(path.c_str(), &st) != 0)
         return true; // nothing recorded
@@ -62,13 +63,15 @@ bool clearRecentlyUsed(const std::string& path, std::string* problem) {
     g_bookmark_file_free(empty);
     if (!data)
         return false;
-    // Written to a temporary file that is synced and renamed over the old one: a reader sees the
-    // old list or the empty one, never half a file.
-    const bool ok = g_file_set_contents_full(path.c_str(), data, static_cast<gssize>(length),
-                                             G_FILE_SET_CONTENTS_CONSISTENT, static_cast<int>(st.st_mode & 0777),
-                                             nullptr);
+    const std::string content(data, length);
     g_free(data);
-    return ok;
+    // Written in place, over the old list: a new file renamed over it would leave the old one's
+    // addresses in free blocks of the drive.
+    const std::size_t slash = path.rfind('/');
+    const std::string folderPath = slash == 0 ? "/" : path.substr(0, slash);
+    const UniqueFd at(::open(folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const auto folder = at ? LinuxFolder::open(at.get(), "", folderPath) : nullptr;
+    return folder && remover.rewrite(*folder, path.substr(slash + 1), content);
 }
 
 } // namespace platform::linux

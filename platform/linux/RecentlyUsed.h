@@ -4,6 +4,8 @@
 // to /dev/null, to switch recording off) or anything but a regular file is neither read nor
 // replaced: reading a FIFO would wait forever, and replacing the link would switch recording on.
 
+#include "platform/Remover.h"
+
 #include <string>
 #include <vector>
 
@@ -23,6 +25,6 @@ std::vector<std::string> recentlyUsedUrisIn(const std::string& text);
 /// Removes every bookmark: the file is replaced, atomically, by a valid empty bookmark file with
 /// the old file's permissions. True when done, also when there was no file. A link or anything
 /// but a regular file is left as it is: false, with why in `problem` when given.
-bool clearRecentlyUsed(const std::string& path, std::string* problem = nullptr);
+bool clearRecentlyUsed(const std::string& path, Remover& remover, std::string* problem = nullptr);
 
 } // namespace platform::linux

@@ -167,7 +167,7 @@ std::vector<std::string> WindowsRecycleBin::recentDocuments() {
     return out;
 }
 
-bool WindowsRecycleBin::clearRecentDocuments() {
+bool WindowsRecycleBin::clearRecentDocuments(Remover& /*remover: the shell clears its own list*/) {
     ::SHAddToRecentDocs(SHARD_PIDL, nullptr);
     return true;
 }

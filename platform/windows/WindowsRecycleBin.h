@@ -13,7 +13,7 @@ public:
     std::vector<TrashItem> items(const std::string& root) override;
     bool empty(const std::string& root, unsigned flags, RecycleBinUi& ui) override;
     std::vector<std::string> recentDocuments() override;
-    bool clearRecentDocuments() override;
+    bool clearRecentDocuments(Remover& remover) override;
 };
 
 /// "file:///C:/a%20b/x.txt" for "C:\a b\x.txt": separators turned, unsafe bytes percent-encoded.

@@ -5,6 +5,7 @@
 #include "platform/linux/LinuxRecycleBin.h"
 #include "wipe/Engine.h"
 #include "tests/support/Scratch.h"
+#include "tests/support/LoopImage.h"
 #include "tests/support/ScratchMount.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 #include <glib.h>
 #include <cstring>
 #include <functional>
+#include <iostream>
 #include <fstream>
 #include <map>
 #include <sys/socket.h>
@@ -160,11 +162,16 @@ TEST(RecycleBin, ARootNamesOneFilesystem) {
     EXPECT_TRUE(bin.trashFolders(mnt.string() + "/missing").empty());
 }
 
-TEST(RecycleBin, RecentDocumentsAreEmptiedAndTheFileStaysValidForGLib) {
+TEST(RecycleBin, RecentDocumentsAreEmptiedInPlaceLeavingNoAddressOnTheDrive) {
+    // On a drive of its own where mounting is allowed, so that the drive's bytes can be searched.
     testsupport::ScratchDir data;
-    const std::string path = data.str() + "/recently-used.xbel";
-    LinuxRecycleBin bin(environment(data.path()));
-    EXPECT_TRUE(bin.clearRecentDocuments()); // no file, nothing to clear, nothing created
+    testsupport::LoopImage image(data.path(), 16);
+    const fs::path folder = image.mounted() ? image.mountPoint() : data.path();
+    const std::string path = folder.string() + "/recently-used.xbel";
+    LinuxRecycleBin bin(environment(folder));
+    const auto native = platform::createNative();
+    wipe::Engine engine(*native, nullptr, nullptr);
+    EXPECT_TRUE(bin.clearRecentDocuments(engine)); // no file, nothing to clear, nothing created
     EXPECT_FALSE(fs::exists(path));
 
     GBookmarkFile* file = g_bookmark_file_new();
@@ -176,9 +183,20 @@ TEST(RecycleBin, RecentDocumentsAreEmptiedAndTheFileStaysValidForGLib) {
 
     EXPECT_EQ(bin.recentDocuments(),
               (std::vector<std::string>{"file:///home/u/secret%20plan.odt", "file:///home/u/diary.txt"}));
-    EXPECT_TRUE(bin.clearRecentDocuments());
+    struct stat before {};
+    ::stat(path.c_str(), &before);
+    EXPECT_TRUE(bin.clearRecentDocuments(engine));
     EXPECT_TRUE(bin.recentDocuments().empty());
     EXPECT_EQ(testsupport::readFile(path).find("secret"), std::string::npos);
+    struct stat after {};
+    ::stat(path.c_str(), &after);
+    EXPECT_EQ(after.st_ino, before.st_ino) << "written anew elsewhere: the old list's blocks keep it";
+    if (image.mounted()) {
+        image.sync();
+        EXPECT_FALSE(image.imageContains("secret%20plan")) << "the old list is still on the drive";
+    } else {
+        std::cout << "drive bytes not searched: " << image.reason() << "\n";
+    }
 
     GBookmarkFile* reread = g_bookmark_file_new();
     GError* error = nullptr;
@@ -238,7 +256,8 @@ TEST(RecycleBin, RecordsThatAreNoRegularFilesAreNamedAndLeftWithoutWaiting) {
         ASSERT_EQ(items.size(), 1u);
         EXPECT_EQ(items[0].originalPath, "");
         EXPECT_TRUE(bin.recentDocuments().empty());
-        EXPECT_FALSE(bin.clearRecentDocuments());
+        RecordedUi ui;
+        EXPECT_FALSE(bin.clearRecentDocuments(ui.engine));
         const auto refused = bin.takeRefused();
         ASSERT_EQ(refused.size(), 2u);
         EXPECT_EQ(refused[0].path, record.string());
