@@ -1,233 +1,186 @@
 #include "cli/CountingPlatform.h"
 
-#include "platform/Folder.h"
-
 #include <algorithm>
 #include <unordered_set>
 
 namespace cli {
 namespace {
 
-using Ledger = CountingPlatform::Ledger;
+using platform::Folder;
+using platform::RawFile;
 
-class CountingRawFile final : public platform::RawFile {
+class CountingRawFile final : public platform::ProxyRawFile {
 public:
-    CountingRawFile(std::unique_ptr<platform::RawFile> real, Ledger& ledger)
-        : m_real(std::move(real)), m_ledger(ledger) {}
+    CountingRawFile(std::unique_ptr<RawFile> real, ChangeCounts& counts)
+        : ProxyRawFile(std::move(real)), m_counts(counts) {}
 
-    std::size_t read(void* buffer, std::size_t count) override { return m_real->read(buffer, count); }
     std::size_t write(const void* data, std::size_t count) override {
-        const std::size_t written = m_real->write(data, count);
-        m_ledger.counts.bytesWritten += written;
+        const std::size_t written = real().write(data, count);
+        m_counts.bytesWritten += written;
         return written;
     }
-    std::int64_t seek(std::int64_t distance, From from) override { return m_real->seek(distance, from); }
-    bool flush() override { return m_real->flush(); }
-    void startFlush(std::int64_t offset, std::int64_t length) override { m_real->startFlush(offset, length); }
-    bool truncate() override { return m_real->truncate(); }
-    std::intptr_t nativeHandle() const override { return m_real->nativeHandle(); }
-    std::optional<platform::FileInfo> info() const override { return m_real->info(); }
-    bool openElsewhere() const override { return m_real->openElsewhere(); }
-    std::vector<std::pair<std::uint64_t, std::uint64_t>> dataRanges() const override { return m_real->dataRanges(); }
-    std::unique_ptr<platform::RawFile> openUncached() const override { return m_real->openUncached(); }
-    std::size_t readAlignment() const override { return m_real->readAlignment(); }
 
 private:
-    std::unique_ptr<platform::RawFile> m_real;
-    Ledger& m_ledger;
+    ChangeCounts& m_counts;
 };
 
-std::unique_ptr<platform::RawFile> counted(std::unique_ptr<platform::RawFile> file, Ledger& ledger) {
-    return file ? std::make_unique<CountingRawFile>(std::move(file), ledger) : nullptr;
+std::unique_ptr<RawFile> counted(std::unique_ptr<RawFile> file, ChangeCounts& counts) {
+    return file ? std::make_unique<CountingRawFile>(std::move(file), counts) : nullptr;
 }
 
 /// An open folder whose writes are counted; what became of its entries is told by the
 /// destruction engine's verdicts.
-class CountingFolder final : public platform::Folder {
+class CountingFolder final : public platform::ProxyFolder {
 public:
-    CountingFolder(std::unique_ptr<platform::Folder> real, Ledger& ledger)
-        : m_real(std::move(real)), m_ledger(ledger) {}
+    CountingFolder(std::unique_ptr<Folder> real, ChangeCounts& counts)
+        : ProxyFolder(std::move(real)), m_counts(counts) {}
 
-    const std::string& path() const override { return m_real->path(); }
-    platform::FileInfo self() const override { return m_real->self(); }
-    bool list(const std::function<bool(const platform::FileInfo&)>& visit) override { return m_real->list(visit); }
-    bool names(const std::function<bool(const std::string&, platform::EntryKind)>& visit) override {
-        return m_real->names(visit);
+    std::unique_ptr<Folder> openFolder(const std::string& name) override {
+        return countedFolder(real().openFolder(name), m_counts);
     }
-    std::optional<platform::FileInfo> entry(const std::string& name) override { return m_real->entry(name); }
-    std::unique_ptr<platform::Folder> openFolder(const std::string& name) override {
-        auto folder = m_real->openFolder(name);
-        return folder ? std::make_unique<CountingFolder>(std::move(folder), m_ledger) : nullptr;
+    using Folder::openFile;
+    std::unique_ptr<RawFile> openFile(const std::string& name, Create create) override {
+        return counted(real().openFile(name, create), m_counts);
     }
-    using platform::Folder::openFile;
-    std::unique_ptr<platform::RawFile> openFile(const std::string& name, Create create) override {
-        return counted(m_real->openFile(name, create), m_ledger);
+    std::unique_ptr<RawFile> openForOverwrite(const std::string& name, Refusal& why) override {
+        return counted(real().openForOverwrite(name, why), m_counts);
     }
-    std::unique_ptr<platform::RawFile> openForOverwrite(const std::string& name, Refusal& why) override {
-        return counted(m_real->openForOverwrite(name, why), m_ledger);
+
+    static std::unique_ptr<Folder> countedFolder(std::unique_ptr<Folder> folder, ChangeCounts& counts) {
+        return folder ? std::make_unique<CountingFolder>(std::move(folder), counts) : nullptr;
     }
-    bool isInUse(const std::string& name) override { return m_real->isInUse(name); }
-    bool removeFile(const std::string& name) override { return m_real->removeFile(name); }
-    bool removeFolder(const std::string& name) override { return m_real->removeFolder(name); }
-    bool makeNormal(const std::string& name) override { return m_real->makeNormal(name); }
-    std::intptr_t nativeHandle() const override { return m_real->nativeHandle(); }
 
 private:
-    std::unique_ptr<platform::Folder> m_real;
-    Ledger& m_ledger;
+    ChangeCounts& m_counts;
 };
 
-class CountingRawFiles final : public platform::RawFiles {
+class CountingRawFiles final : public platform::ProxyRawFiles {
 public:
-    CountingRawFiles(platform::RawFiles& real, Ledger& ledger) : m_real(real), m_ledger(ledger) {}
+    CountingRawFiles(platform::RawFiles& real, ChangeCounts& counts)
+        : ProxyRawFiles(real), m_counts(counts) {}
 
-    std::unique_ptr<platform::RawFile> open(const std::string& path) override {
-        return counted(m_real.open(path), m_ledger);
+    std::unique_ptr<RawFile> open(const std::string& path) override {
+        return counted(real().open(path), m_counts);
     }
-    std::unique_ptr<platform::RawFile> openForReading(const std::string& path) override {
-        return m_real.openForReading(path);
-    }
-    int lastError() const override { return m_real.lastError(); }
-    void setLastError(int code) override { m_real.setLastError(code); }
-    std::string errorText(int code) const override { return m_real.errorText(code); }
 
 private:
-    platform::RawFiles& m_real;
-    Ledger& m_ledger;
+    ChangeCounts& m_counts;
 };
 
-class CountingFileSystem final : public platform::FileSystem {
+class CountingFileSystem final : public platform::ProxyFileSystem {
 public:
-    CountingFileSystem(platform::FileSystem& real, Ledger& ledger) : m_real(real), m_ledger(ledger) {}
+    CountingFileSystem(platform::FileSystem& real, ChangeCounts& counts)
+        : ProxyFileSystem(real), m_counts(counts) {}
 
-    bool list(const std::string& dir, const std::string& pattern,
-              const std::function<bool(const platform::FileInfo&)>& visit) override {
-        return m_real.list(dir, pattern, visit);
+    std::unique_ptr<Folder> openFolder(const std::string& path) override {
+        return CountingFolder::countedFolder(real().openFolder(path), m_counts);
     }
-    bool names(const std::string& dir,
-               const std::function<bool(const std::string&, platform::EntryKind)>& visit) override {
-        return m_real.names(dir, visit);
-    }
-    bool matches(const std::string& name, const std::string& pattern) const override {
-        return m_real.matches(name, pattern);
-    }
-    std::optional<platform::FileInfo> info(const std::string& path) override { return m_real.info(path); }
-    std::unique_ptr<platform::Folder> openFolder(const std::string& path) override {
-        auto folder = m_real.openFolder(path);
-        return folder ? std::make_unique<CountingFolder>(std::move(folder), m_ledger) : nullptr;
-    }
-    bool removeFile(const std::string& path) override { return m_real.removeFile(path); }
-    bool removeDirectory(const std::string& path) override { return m_real.removeDirectory(path); }
-    bool createDirectory(const std::string& path) override { return m_real.createDirectory(path); }
-    bool makeNormal(const std::string& path) override { return m_real.makeNormal(path); }
-    bool isInUse(const std::string& path) override { return m_real.isInUse(path); }
-    char separator() const override { return m_real.separator(); }
 
 private:
-    platform::FileSystem& m_real;
-    Ledger& m_ledger;
+    ChangeCounts& m_counts;
 };
 
-class CountingRegistry final : public platform::Registry {
+class CountingRegistry final : public platform::ProxyRegistry {
 public:
-    CountingRegistry(platform::Registry& real, Ledger& ledger) : m_real(real), m_ledger(ledger) {}
+    CountingRegistry(platform::Registry& real, ChangeCounts& counts)
+        : ProxyRegistry(real), m_counts(counts) {}
 
-    long openKey(platform::RegKey root, const std::string& subKey, platform::RegKey& result) override {
-        return m_real.openKey(root, subKey, result);
-    }
-    long createKey(platform::RegKey root, const std::string& subKey, platform::RegKey& result) override {
-        return m_real.createKey(root, subKey, result);
-    }
-    long queryValue(platform::RegKey key, const std::string& name, std::uint32_t* type, std::uint8_t* data,
-                    std::uint32_t* size) override {
-        return m_real.queryValue(key, name, type, data, size);
-    }
     long setValue(platform::RegKey key, const std::string& name, std::uint32_t type, const std::uint8_t* data,
                   std::uint32_t size) override {
-        const long result = m_real.setValue(key, name, type, data, size);
+        const long result = real().setValue(key, name, type, data, size);
         if (result == platform::RegResult::Success)
-            ++m_ledger.counts.registryValuesWritten;
+            ++m_counts.registryValuesWritten;
         return result;
     }
     long deleteValue(platform::RegKey key, const std::string& name) override {
-        const long result = m_real.deleteValue(key, name);
+        const long result = real().deleteValue(key, name);
         if (result == platform::RegResult::Success)
-            ++m_ledger.counts.registryValuesRemoved;
+            ++m_counts.registryValuesRemoved;
         return result;
-    }
-    long closeKey(platform::RegKey key) override { return m_real.closeKey(key); }
-    long valueNames(platform::RegKey key, std::vector<std::string>& names) override {
-        return m_real.valueNames(key, names);
     }
 
 private:
-    platform::Registry& m_real;
-    Ledger& m_ledger;
+    ChangeCounts& m_counts;
 };
 
-class CountingUrlCache final : public platform::UrlCache {
+class CountingRecycleBin final : public platform::ProxyRecycleBin {
 public:
-    CountingUrlCache(platform::UrlCache& real, Ledger& ledger) : m_real(real), m_ledger(ledger) {}
+    CountingRecycleBin(platform::RecycleBin& real, ChangeCounts& counts)
+        : ProxyRecycleBin(real), m_counts(counts) {}
 
-    platform::UrlCacheEnum findFirst(void* buffer, std::uint32_t& size) override {
-        return m_real.findFirst(buffer, size);
+    bool empty(const std::string& root, unsigned flags, platform::RecycleBinUi& ui) override {
+        const std::size_t before = real().items(root).size();
+        const bool emptied = real().empty(root, flags, ui);
+        const std::size_t after = real().items(root).size();
+        m_counts.trashItemsRemoved += before - std::min(before, after);
+        return emptied;
     }
-    bool findNext(platform::UrlCacheEnum enumeration, void* buffer, std::uint32_t& size) override {
-        return m_real.findNext(enumeration, buffer, size);
+    bool clearRecentDocuments(platform::Remover& remover) override {
+        const std::size_t before = real().recentDocuments().size();
+        const bool cleared = real().clearRecentDocuments(remover);
+        const std::size_t after = real().recentDocuments().size();
+        m_counts.recentDocumentsRemoved += before - std::min(before, after);
+        return cleared;
     }
-    void findClose(platform::UrlCacheEnum enumeration) override { m_real.findClose(enumeration); }
+
+private:
+    ChangeCounts& m_counts;
+};
+
+// The browsers' stores.
+
+class CountingUrlCache final : public platform::ProxyUrlCache {
+public:
+    CountingUrlCache(platform::UrlCache& real, ChangeCounts& counts)
+        : ProxyUrlCache(real), m_counts(counts) {}
+
     bool deleteEntry(const std::string& url, platform::Remover& remover) override {
-        const bool deleted = m_real.deleteEntry(url, remover);
+        const bool deleted = real().deleteEntry(url, remover);
         if (deleted)
-            ++m_ledger.counts.cacheEntriesDeleted;
+            ++m_counts.cacheEntriesDeleted;
         return deleted;
     }
     // Files without a readable key are no entries of the list: they are counted on their own.
     std::size_t deleteUnlisted(platform::Remover& remover) override {
-        const std::size_t removed = m_real.deleteUnlisted(remover);
-        m_ledger.counts.otherCacheItemsDeleted += removed;
+        const std::size_t removed = real().deleteUnlisted(remover);
+        m_counts.otherCacheItemsDeleted += removed;
         return removed;
     }
-    std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
-    std::vector<platform::StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
 
 private:
-    platform::UrlCache& m_real;
-    Ledger& m_ledger;
+    ChangeCounts& m_counts;
 };
 
-class CountingUrlHistory final : public platform::UrlHistory {
+class CountingUrlHistory final : public platform::ProxyUrlHistory {
 public:
-    CountingUrlHistory(platform::UrlHistory& real, Ledger& ledger) : m_real(real), m_ledger(ledger) {}
+    CountingUrlHistory(platform::UrlHistory& real, ChangeCounts& counts)
+        : ProxyUrlHistory(real), m_counts(counts) {}
 
     bool addUrl(const std::string& url, const std::string& title, std::uint32_t flags) override {
-        const bool added = m_real.addUrl(url, title, flags);
+        const bool added = real().addUrl(url, title, flags);
         if (added)
-            ++m_ledger.counts.historyEntriesAdded;
+            ++m_counts.historyEntriesAdded;
         return added;
     }
     bool deleteUrl(const std::string& url, std::uint32_t flags, platform::Remover& remover) override {
-        const bool deleted = m_real.deleteUrl(url, flags, remover);
+        const bool deleted = real().deleteUrl(url, flags, remover);
         if (deleted)
-            ++m_ledger.counts.historyEntriesDeleted;
+            ++m_counts.historyEntriesDeleted;
         return deleted;
     }
-    std::unique_ptr<platform::UrlHistoryEnum> enumUrls() override { return m_real.enumUrls(); }
     bool clearHistory(platform::Remover& remover) override {
         // Counted once before and once after: the store says nothing of how much it held.
         const std::uint64_t before = entries();
-        const bool cleared = m_real.clearHistory(remover);
-        m_ledger.counts.historyEntriesDeleted += before - std::min(before, entries());
+        const bool cleared = real().clearHistory(remover);
+        m_counts.historyEntriesDeleted += before - std::min(before, entries());
         return cleared;
     }
-    std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
-    std::vector<platform::StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
 
 private:
     /// The addresses the store holds: one held by two browsers is one entry.
     std::uint64_t entries() {
         std::unordered_set<std::string> addresses;
-        if (auto all = m_real.enumUrls()) {
+        if (auto all = real().enumUrls()) {
             platform::StatUrl record;
             while (all->next(record) == 1)
                 addresses.insert(std::move(record.pwcsUrl));
@@ -235,84 +188,39 @@ private:
         return addresses.size();
     }
 
-    platform::UrlHistory& m_real;
-    Ledger& m_ledger;
-};
-
-class CountingRecycleBin final : public platform::RecycleBin {
-public:
-    CountingRecycleBin(platform::RecycleBin& real, Ledger& ledger) : m_real(real), m_ledger(ledger) {}
-
-    std::vector<platform::TrashItem> items(const std::string& root) override { return m_real.items(root); }
-    bool empty(const std::string& root, unsigned flags, platform::RecycleBinUi& ui) override {
-        const std::size_t before = m_real.items(root).size();
-        const bool emptied = m_real.empty(root, flags, ui);
-        const std::size_t after = m_real.items(root).size();
-        m_ledger.counts.trashItemsRemoved += before - std::min(before, after);
-        return emptied;
-    }
-    std::vector<std::string> recentDocuments() override { return m_real.recentDocuments(); }
-    bool clearRecentDocuments(platform::Remover& remover) override {
-        const std::size_t before = m_real.recentDocuments().size();
-        const bool cleared = m_real.clearRecentDocuments(remover);
-        const std::size_t after = m_real.recentDocuments().size();
-        m_ledger.counts.recentDocumentsRemoved += before - std::min(before, after);
-        return cleared;
-    }
-    std::vector<platform::RefusedRecord> takeRefused() override { return m_real.takeRefused(); }
-
-private:
-    platform::RecycleBin& m_real;
-    Ledger& m_ledger;
+    ChangeCounts& m_counts;
 };
 
 } // namespace
 
 struct CountingPlatform::Facilities {
-    Facilities(platform::Platform& real, Ledger& ledger)
-        : files(real.fileSystem(), ledger), rawFiles(real.rawFiles(), ledger),
-          registry(real.registry(), ledger), urlCache(real.urlCache(), ledger), urlHistory(real.urlHistory(), ledger),
-          recycleBin(real.recycleBin(), ledger) {}
+    Facilities(platform::Platform& real, ChangeCounts& counts)
+        : files(real.fileSystem(), counts), rawFiles(real.rawFiles(), counts),
+          registry(real.registry(), counts), recycleBin(real.recycleBin(), counts),
+          urlCache(real.urlCache(), counts), urlHistory(real.urlHistory(), counts) {}
 
     CountingFileSystem files;
     CountingRawFiles rawFiles;
     CountingRegistry registry;
+    CountingRecycleBin recycleBin;
     CountingUrlCache urlCache;
     CountingUrlHistory urlHistory;
-    CountingRecycleBin recycleBin;
 };
 
 CountingPlatform::CountingPlatform(platform::Platform& real)
-    : m_real(real), m_facilities(std::make_unique<Facilities>(real, m_ledger)) {}
+    : ProxyPlatform(real), m_facilities(std::make_unique<Facilities>(real, m_counts)) {}
 
 CountingPlatform::~CountingPlatform() = default;
 
 ChangeCounts CountingPlatform::counts() const {
-    return m_ledger.counts;
+    return m_counts;
 }
 
-platform::RawFiles& CountingPlatform::rawFiles() {
-    return m_facilities->rawFiles;
-}
-
-platform::FileSystem& CountingPlatform::fileSystem() {
-    return m_facilities->files;
-}
-
-platform::Registry& CountingPlatform::registry() {
-    return m_facilities->registry;
-}
-
-platform::UrlCache& CountingPlatform::urlCache() {
-    return m_facilities->urlCache;
-}
-
-platform::UrlHistory& CountingPlatform::urlHistory() {
-    return m_facilities->urlHistory;
-}
-
-platform::RecycleBin& CountingPlatform::recycleBin() {
-    return m_facilities->recycleBin;
-}
+platform::RawFiles& CountingPlatform::rawFiles() { return m_facilities->rawFiles; }
+platform::FileSystem& CountingPlatform::fileSystem() { return m_facilities->files; }
+platform::Registry& CountingPlatform::registry() { return m_facilities->registry; }
+platform::UrlCache& CountingPlatform::urlCache() { return m_facilities->urlCache; }
+platform::UrlHistory& CountingPlatform::urlHistory() { return m_facilities->urlHistory; }
+platform::RecycleBin& CountingPlatform::recycleBin() { return m_facilities->recycleBin; }
 
 } // namespace cli

@@ -5,7 +5,7 @@
 // engine's verdicts on files and folders (VerdictLedger), so every command reports exactly what it
 // changed on the machine, measured where the change happens rather than guessed from its intent.
 
-#include "platform/Platform.h"
+#include "platform/ProxyPlatform.h"
 
 #include <cstdint>
 #include <memory>
@@ -19,8 +19,8 @@ struct ChangeCounts {
     std::uint64_t filesOverwritten = 0;           ///< overwritten and still there
     std::uint64_t filesDeleted = 0;               ///< deleted without being overwritten (links included)
     std::uint64_t foldersDeleted = 0;
-    std::uint64_t filesVerified = 0;              ///< read back and found as the last pass wrote them
-    std::uint64_t bytesWritten = 0;     ///< into any file, the command's own included
+    std::uint64_t filesVerified = 0; ///< read back and found as the last pass wrote them
+    std::uint64_t bytesWritten = 0;  ///< into any file, the command's own included
     std::uint64_t registryValuesRemoved = 0;
     std::uint64_t registryValuesWritten = 0;
     std::uint64_t cacheEntriesDeleted = 0;
@@ -33,40 +33,26 @@ struct ChangeCounts {
     friend bool operator==(const ChangeCounts&, const ChangeCounts&) = default;
 };
 
-class CountingPlatform final : public platform::Platform {
+class CountingPlatform final : public platform::ProxyPlatform {
 public:
     /// Every call goes to `real`, which must outlive this object.
     explicit CountingPlatform(platform::Platform& real);
     ~CountingPlatform() override;
-    CountingPlatform(const CountingPlatform&) = delete;
-    CountingPlatform& operator=(const CountingPlatform&) = delete;
 
     /// The changes so far.
     ChangeCounts counts() const;
 
+    // The facilities whose changes are counted; the others pass through as ProxyPlatform has them.
     platform::RawFiles& rawFiles() override;
     platform::FileSystem& fileSystem() override;
-    platform::Drives& drives() override { return m_real.drives(); }
     platform::Registry& registry() override;
-    platform::KnownFolders& knownFolders() override { return m_real.knownFolders(); }
-    platform::Processes& processes() override { return m_real.processes(); }
-    platform::MemoryStatus& memoryStatus() override { return m_real.memoryStatus(); }
-    platform::VirtualMemory& virtualMemory() override { return m_real.virtualMemory(); }
-    platform::Shell& shell() override { return m_real.shell(); }
-    platform::Connectivity& connectivity() override { return m_real.connectivity(); }
     platform::UrlCache& urlCache() override;
     platform::UrlHistory& urlHistory() override;
     platform::RecycleBin& recycleBin() override;
 
-    /// The running counts, shared by the facilities.
-    struct Ledger {
-        ChangeCounts counts;
-    };
-
 private:
     struct Facilities;
-    platform::Platform& m_real;
-    Ledger m_ledger;
+    ChangeCounts m_counts;
     std::unique_ptr<Facilities> m_facilities;
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <map>
 #include <set>
 
@@ -28,6 +29,20 @@ struct Journal {
     }
 };
 
+/// Why a raw open is refused.
+enum OpenRefusal { Missing, Taken, NotAFile, OtherNames };
+
+/// The error code the system's own open gives for `why`.
+int errorCode(OpenRefusal why) {
+#ifdef _WIN32
+    // ERROR_FILE_NOT_FOUND, ERROR_FILE_EXISTS, ERROR_DIRECTORY, ERROR_TOO_MANY_LINKS
+    constexpr int codes[] = {2, 80, 267, 1142};
+#else
+    constexpr int codes[] = {ENOENT, EEXIST, EINVAL, EMLINK};
+#endif
+    return codes[why];
+}
+
 // A raw handle that reads the real file (when there is one) and only counts what it would write.
 class PreviewRawFile final : public RawFile {
 public:
@@ -41,7 +56,8 @@ public:
         if (!m_reader || m_position >= m_size)
             return 0;
         m_reader->seek(m_position, From::Begin);
-        const auto n = m_reader->read(buffer, std::min<std::size_t>(count, static_cast<std::size_t>(m_size - m_position)));
+        const auto n = m_reader->read(
+            buffer, std::min<std::size_t>(count, static_cast<std::size_t>(m_size - m_position)));
         m_position += static_cast<std::int64_t>(n);
         return n;
     }
@@ -88,35 +104,61 @@ private:
     std::size_t m_writes = 0; ///< 1 + the index of this open's WriteFile entry; 0 before the first write
 };
 
-class PreviewFileSystem final : public FileSystem {
+class PreviewRawFiles final : public ProxyRawFiles {
 public:
-    PreviewFileSystem(FileSystem& real, Journal& journal) : m_real(real), m_journal(journal) {}
+    PreviewRawFiles(RawFiles& real, FileSystem& files, Journal& journal)
+        : ProxyRawFiles(real), m_files(files), m_journal(journal) {}
+
+    std::unique_ptr<RawFile> open(const std::string& path) override {
+        const auto fi = m_files.info(path);
+        if (fi && (!fi->isRegular || fi->links > 1))
+            return refuse(fi->isRegular ? OtherNames : NotAFile);
+        if (!fi)
+            m_journal.add(Kind::CreateFile, path);
+        return std::make_unique<PreviewRawFile>(m_journal, path, fi ? real().openForReading(path) : nullptr);
+    }
+    std::unique_ptr<RawFile> openForReading(const std::string& path) override {
+        return m_files.info(path) ? real().openForReading(path) : nullptr;
+    }
+    std::unique_ptr<RawFile> refuse(OpenRefusal why) {
+        setLastError(errorCode(why));
+        return nullptr;
+    }
+
+private:
+    FileSystem& m_files;
+    Journal& m_journal;
+};
+
+class PreviewFileSystem final : public ProxyFileSystem {
+public:
+    PreviewFileSystem(FileSystem& real, Journal& journal) : ProxyFileSystem(real), m_journal(journal) {}
     /// The raw files that the folders' files open through.
-    void attach(RawFiles& raw) { m_raw = &raw; }
-    std::unique_ptr<Folder> openFolder(const std::string& path) override;
+    void attach(PreviewRawFiles& raw) { m_raw = &raw; }
+    PreviewRawFiles& raw() { return *m_raw; }
     std::string joined(const std::string& dir, const std::string& name) const {
-        const char sep = m_real.separator();
+        const char sep = separator();
         return dir.empty() || dir.back() == sep ? dir + name : dir + sep + name;
     }
-    RawFiles& raw() { return *m_raw; }
+    bool removed(const std::string& path) const {
+        return !m_journal.removedPaths.empty() && m_journal.removedPaths.count(path) > 0;
+    }
 
     bool list(const std::string& dir, const std::string& pattern,
               const std::function<bool(const FileInfo&)>& visit) override {
-        return m_real.list(dir, pattern, [&](const FileInfo& fi) { return gone(dir, fi.name) || visit(fi); });
+        return real().list(dir, pattern,
+                           [&](const FileInfo& fi) { return removed(joined(dir, fi.name)) || visit(fi); });
     }
-    bool names(const std::string& dir, const std::function<bool(const std::string&, EntryKind)>& visit) override {
-        return m_real.names(dir, [&](const std::string& name, EntryKind kind) {
-            return gone(dir, name) || visit(name, kind);
+    bool names(const std::string& dir,
+               const std::function<bool(const std::string&, EntryKind)>& visit) override {
+        return real().names(dir, [&](const std::string& name, EntryKind kind) {
+            return removed(joined(dir, name)) || visit(name, kind);
         });
     }
-    bool matches(const std::string& name, const std::string& pattern) const override {
-        return m_real.matches(name, pattern);
-    }
     std::optional<FileInfo> info(const std::string& path) override {
-        if (m_journal.removedPaths.count(path))
-            return std::nullopt;
-        return m_real.info(path);
+        return removed(path) ? std::nullopt : real().info(path);
     }
+    std::unique_ptr<Folder> openFolder(const std::string& path) override;
     bool removeFile(const std::string& path) override {
         const auto fi = info(path);
         if (!fi)
@@ -153,103 +195,68 @@ public:
         m_journal.add(Kind::MakeNormal, path);
         return true;
     }
-    bool isInUse(const std::string& path) override { return m_real.isInUse(path); }
-    char separator() const override { return m_real.separator(); }
 
 private:
-    bool gone(const std::string& dir, const std::string& name) const {
-        return !m_journal.removedPaths.empty() && m_journal.removedPaths.count(joined(dir, name)) > 0;
-    }
-
-    FileSystem& m_real;
     Journal& m_journal;
-    RawFiles* m_raw = nullptr;
+    PreviewRawFiles* m_raw = nullptr;
 };
 
-// An open folder of the preview: the same answers, reached through the preview's own path-based
-// calls, so that what the preview has "removed" stays removed and changes are only recorded.
-class PreviewFolder final : public Folder {
+// An open folder of the preview: the real folder's answers, less what the preview has "removed",
+// with every change made by the preview's own path-based calls, which only record.
+class PreviewFolder final : public ProxyFolder {
 public:
-    PreviewFolder(PreviewFileSystem& files, std::string path, FileInfo self)
-        : m_files(files), m_path(std::move(path)), m_self(std::move(self)) {}
+    PreviewFolder(PreviewFileSystem& files, std::unique_ptr<Folder> real)
+        : ProxyFolder(std::move(real)), m_files(files) {}
 
-    const std::string& path() const override { return m_path; }
-    FileInfo self() const override { return m_self; }
-    bool list(const std::function<bool(const FileInfo&)>& visit) override { return m_files.list(m_path, "*", visit); }
-    std::optional<FileInfo> entry(const std::string& name) override { return m_files.info(full(name)); }
-    std::unique_ptr<Folder> openFolder(const std::string& name) override { return m_files.openFolder(full(name)); }
+    bool list(const std::function<bool(const FileInfo&)>& visit) override {
+        return real().list([&](const FileInfo& fi) { return m_files.removed(full(fi.name)) || visit(fi); });
+    }
+    bool names(const std::function<bool(const std::string&, EntryKind)>& visit) override {
+        return real().names([&](const std::string& name, EntryKind kind) {
+            return m_files.removed(full(name)) || visit(name, kind);
+        });
+    }
+    std::optional<FileInfo> entry(const std::string& name) override {
+        return m_files.removed(full(name)) ? std::nullopt : real().entry(name);
+    }
+    std::unique_ptr<Folder> openFolder(const std::string& name) override {
+        auto folder = m_files.removed(full(name)) ? nullptr : real().openFolder(name);
+        return folder ? std::make_unique<PreviewFolder>(m_files, std::move(folder)) : nullptr;
+    }
     using Folder::openFile;
     std::unique_ptr<RawFile> openFile(const std::string& name, Create create) override {
         const bool there = entry(name).has_value();
-        if ((create == Create::Never && !there) || (create == Create::Exclusive && there)) {
-#ifdef _WIN32
-            constexpr int Taken = 80; // ERROR_FILE_EXISTS
-#else
-            constexpr int Taken = 17; // EEXIST
-#endif
-            m_files.raw().setLastError(there ? Taken : 2); // as the real call says
-            return nullptr;
-        }
+        if (create == Create::Never && !there)
+            return m_files.raw().refuse(Missing);
+        if (create == Create::Exclusive && there)
+            return m_files.raw().refuse(Taken);
         return m_files.raw().open(full(name));
     }
-    bool isInUse(const std::string& name) override { return m_files.isInUse(full(name)); }
+    std::unique_ptr<RawFile> openForOverwrite(const std::string& name, Refusal& why) override {
+        // The checks every system shares, made through this folder's own calls, which only record.
+        return Folder::openForOverwrite(name, why);
+    }
     bool removeFile(const std::string& name) override { return m_files.removeFile(full(name)); }
     bool removeFolder(const std::string& name) override { return m_files.removeDirectory(full(name)); }
     bool makeNormal(const std::string& name) override { return m_files.makeNormal(full(name)); }
 
 private:
-    std::string full(const std::string& name) const { return m_files.joined(m_path, name); }
+    std::string full(const std::string& name) const { return m_files.joined(path(), name); }
 
     PreviewFileSystem& m_files;
-    std::string m_path;
-    FileInfo m_self;
 };
 
 std::unique_ptr<Folder> PreviewFileSystem::openFolder(const std::string& path) {
-    const auto fi = info(path);
-    if (!fi || !fi->isDirectory() || fi->isLink())
-        return nullptr;
-    return std::make_unique<PreviewFolder>(*this, path, *fi);
+    auto folder = removed(path) ? nullptr : real().openFolder(path);
+    return folder ? std::make_unique<PreviewFolder>(*this, std::move(folder)) : nullptr;
 }
 
-class PreviewRawFiles final : public RawFiles {
+class PreviewRegistry final : public ProxyRegistry {
 public:
-    PreviewRawFiles(RawFiles& real, FileSystem& files, Journal& journal)
-        : m_real(real), m_files(files), m_journal(journal) {}
-
-    std::unique_ptr<RawFile> open(const std::string& path) override {
-        const auto fi = m_files.info(path);
-        if (fi && !fi->isRegular) {
-            m_real.setLastError(22); // only plain files open, as the real call says
-            return nullptr;
-        }
-        if (fi && fi->links > 1) {
-            m_real.setLastError(31); // nor files with other names
-            return nullptr;
-        }
-        if (!fi)
-            m_journal.add(Kind::CreateFile, path);
-        return std::make_unique<PreviewRawFile>(m_journal, path, fi ? m_real.openForReading(path) : nullptr);
-    }
-    std::unique_ptr<RawFile> openForReading(const std::string& path) override {
-        return m_files.info(path) ? m_real.openForReading(path) : nullptr;
-    }
-    int lastError() const override { return m_real.lastError(); }
-    void setLastError(int code) override { m_real.setLastError(code); }
-    std::string errorText(int code) const override { return m_real.errorText(code); }
-
-private:
-    RawFiles& m_real;
-    FileSystem& m_files;
-    Journal& m_journal;
-};
-
-class PreviewRegistry final : public Registry {
-public:
-    PreviewRegistry(Registry& real, Journal& journal) : m_real(real), m_journal(journal) {}
+    PreviewRegistry(Registry& real, Journal& journal) : ProxyRegistry(real), m_journal(journal) {}
 
     long openKey(RegKey root, const std::string& subKey, RegKey& result) override {
-        const long rc = m_real.openKey(root, subKey, result);
+        const long rc = real().openKey(root, subKey, result);
         if (rc == RegResult::Success)
             m_paths[result] = below(root, subKey);
         return rc;
@@ -264,9 +271,10 @@ public:
                     std::uint32_t* size) override {
         if (m_journal.deletedValues.count(Journal::valueId(pathOf(key), name)))
             return RegResult::FileNotFound;
-        return m_real.queryValue(key, name, type, data, size);
+        return real().queryValue(key, name, type, data, size);
     }
-    long setValue(RegKey key, const std::string& name, std::uint32_t, const std::uint8_t*, std::uint32_t) override {
+    long setValue(RegKey key, const std::string& name, std::uint32_t, const std::uint8_t*,
+                  std::uint32_t) override {
         m_journal.add(Kind::SetValue, pathOf(key), name);
         return RegResult::Success;
     }
@@ -281,10 +289,10 @@ public:
     }
     long closeKey(RegKey key) override {
         m_paths.erase(key);
-        return m_real.closeKey(key);
+        return real().closeKey(key);
     }
     long valueNames(RegKey key, std::vector<std::string>& names) override {
-        const long rc = m_real.valueNames(key, names);
+        const long rc = real().valueNames(key, names);
         std::erase_if(names, [&](const std::string& n) {
             return m_journal.deletedValues.count(Journal::valueId(pathOf(key), n)) > 0;
         });
@@ -301,14 +309,34 @@ private:
         return parent.empty() ? subKey : subKey.empty() ? parent : parent + "\\" + subKey;
     }
 
-    Registry& m_real;
     Journal& m_journal;
     std::map<RegKey, std::string> m_paths; ///< open keys and their paths below HKEY_CURRENT_USER
 };
 
-class PreviewShell final : public Shell {
+// Blocks of working memory pass through: reading the cache's entries through the preview needs
+// them, and they are this process's own. What reaches beyond it is only recorded: filling memory
+// whole (a memory wipe) and the standing the system gives the process when memory runs out.
+class PreviewVirtualMemory final : public ProxyVirtualMemory {
 public:
-    PreviewShell(Shell& real, Journal& journal) : m_real(real), m_journal(journal) {}
+    PreviewVirtualMemory(VirtualMemory& real, Journal& journal)
+        : ProxyVirtualMemory(real), m_journal(journal) {}
+
+    void* commitLarge(std::size_t size) override {
+        m_journal.add(Kind::FillMemory, {}, {}, size);
+        return nullptr;
+    }
+    bool setOutOfMemoryScore(int score) override {
+        m_journal.add(Kind::SetOutOfMemoryScore, {}, std::to_string(score));
+        return true;
+    }
+
+private:
+    Journal& m_journal;
+};
+
+class PreviewShell final : public ProxyShell {
+public:
+    PreviewShell(Shell& real, Journal& journal) : ProxyShell(real), m_journal(journal) {}
     bool open(const std::string& target) override {
         m_journal.add(Kind::OpenTarget, target);
         return true;
@@ -317,34 +345,48 @@ public:
         m_journal.add(Kind::StartProgram, program);
         return true;
     }
-    std::string executableName(const std::string& base) const override { return m_real.executableName(base); }
 
 private:
-    Shell& m_real;
     Journal& m_journal;
 };
 
-class PreviewUrlCache final : public UrlCache {
+class PreviewRecycleBin final : public ProxyRecycleBin {
 public:
-    PreviewUrlCache(UrlCache& real, Journal& journal) : m_real(real), m_journal(journal) {}
-    UrlCacheEnum findFirst(void* buffer, std::uint32_t& size) override { return m_real.findFirst(buffer, size); }
-    bool findNext(UrlCacheEnum e, void* buffer, std::uint32_t& size) override { return m_real.findNext(e, buffer, size); }
-    void findClose(UrlCacheEnum e) override { m_real.findClose(e); }
+    PreviewRecycleBin(RecycleBin& real, Journal& journal) : ProxyRecycleBin(real), m_journal(journal) {}
+    bool empty(const std::string& root, unsigned, RecycleBinUi&) override {
+        m_journal.add(Kind::EmptyRecycleBin, root); // a preview never asks and never shows progress
+        return true;
+    }
+    bool clearRecentDocuments(Remover&) override {
+        m_journal.add(Kind::ClearRecentDocuments, {});
+        return true;
+    }
+
+private:
+    Journal& m_journal;
+};
+
+// The browsers' stores.
+
+class PreviewUrlCache final : public ProxyUrlCache {
+public:
+    PreviewUrlCache(UrlCache& real, Journal& journal) : ProxyUrlCache(real), m_journal(journal) {}
     bool deleteEntry(const std::string& url, Remover&) override {
         m_journal.add(Kind::DeleteCacheEntry, url);
         return true;
     }
-    std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
-    std::vector<StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
+    std::size_t deleteUnlisted(Remover&) override {
+        m_journal.add(Kind::DeleteUnlistedCache, {});
+        return 0; // what it would find is not listed: a preview names entries only
+    }
 
 private:
-    UrlCache& m_real;
     Journal& m_journal;
 };
 
-class PreviewUrlHistory final : public UrlHistory {
+class PreviewUrlHistory final : public ProxyUrlHistory {
 public:
-    PreviewUrlHistory(UrlHistory& real, Journal& journal) : m_real(real), m_journal(journal) {}
+    PreviewUrlHistory(UrlHistory& real, Journal& journal) : ProxyUrlHistory(real), m_journal(journal) {}
     bool addUrl(const std::string& url, const std::string& title, std::uint32_t) override {
         m_journal.add(Kind::AddHistory, url, title);
         return true;
@@ -353,36 +395,12 @@ public:
         m_journal.add(Kind::DeleteHistory, url);
         return true;
     }
-    std::unique_ptr<UrlHistoryEnum> enumUrls() override { return m_real.enumUrls(); }
     bool clearHistory(Remover&) override {
         m_journal.add(Kind::ClearHistory, {});
         return true;
     }
-    std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
-    std::vector<StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
 
 private:
-    UrlHistory& m_real;
-    Journal& m_journal;
-};
-
-class PreviewRecycleBin final : public RecycleBin {
-public:
-    PreviewRecycleBin(RecycleBin& real, Journal& journal) : m_real(real), m_journal(journal) {}
-    std::vector<TrashItem> items(const std::string& root) override { return m_real.items(root); }
-    bool empty(const std::string& root, unsigned, RecycleBinUi&) override {
-        m_journal.add(Kind::EmptyRecycleBin, root); // a preview never asks and never shows progress
-        return true;
-    }
-    std::vector<std::string> recentDocuments() override { return m_real.recentDocuments(); }
-    std::vector<RefusedRecord> takeRefused() override { return m_real.takeRefused(); }
-    bool clearRecentDocuments(Remover&) override {
-        m_journal.add(Kind::ClearRecentDocuments, {});
-        return true;
-    }
-
-private:
-    RecycleBin& m_real;
     Journal& m_journal;
 };
 
@@ -391,7 +409,8 @@ private:
 struct PreviewPlatform::Facilities {
     explicit Facilities(Platform& real)
         : files(real.fileSystem(), journal), rawFiles(real.rawFiles(), files, journal),
-          registry(real.registry(), journal), shell(real.shell(), journal), urlCache(real.urlCache(), journal),
+          registry(real.registry(), journal), memory(real.virtualMemory(), journal),
+          shell(real.shell(), journal), urlCache(real.urlCache(), journal),
           urlHistory(real.urlHistory(), journal), recycleBin(real.recycleBin(), journal) {
         files.attach(rawFiles);
     }
@@ -400,13 +419,15 @@ struct PreviewPlatform::Facilities {
     PreviewFileSystem files;
     PreviewRawFiles rawFiles;
     PreviewRegistry registry;
+    PreviewVirtualMemory memory;
     PreviewShell shell;
     PreviewUrlCache urlCache;
     PreviewUrlHistory urlHistory;
     PreviewRecycleBin recycleBin;
 };
 
-PreviewPlatform::PreviewPlatform(Platform& real) : m_real(real), m_facilities(std::make_unique<Facilities>(real)) {}
+PreviewPlatform::PreviewPlatform(Platform& real)
+    : ProxyPlatform(real), m_facilities(std::make_unique<Facilities>(real)) {}
 PreviewPlatform::~PreviewPlatform() = default;
 
 const std::vector<Change>& PreviewPlatform::changes() const {
@@ -424,16 +445,10 @@ std::vector<Change> PreviewPlatform::changes(Change::Kind kind) const {
 RawFiles& PreviewPlatform::rawFiles() { return m_facilities->rawFiles; }
 FileSystem& PreviewPlatform::fileSystem() { return m_facilities->files; }
 Registry& PreviewPlatform::registry() { return m_facilities->registry; }
+VirtualMemory& PreviewPlatform::virtualMemory() { return m_facilities->memory; }
 Shell& PreviewPlatform::shell() { return m_facilities->shell; }
 UrlCache& PreviewPlatform::urlCache() { return m_facilities->urlCache; }
 UrlHistory& PreviewPlatform::urlHistory() { return m_facilities->urlHistory; }
 RecycleBin& PreviewPlatform::recycleBin() { return m_facilities->recycleBin; }
-// These only read the machine (or, for process memory, touch nothing but this process).
-Drives& PreviewPlatform::drives() { return m_real.drives(); }
-KnownFolders& PreviewPlatform::knownFolders() { return m_real.knownFolders(); }
-Processes& PreviewPlatform::processes() { return m_real.processes(); }
-MemoryStatus& PreviewPlatform::memoryStatus() { return m_real.memoryStatus(); }
-VirtualMemory& PreviewPlatform::virtualMemory() { return m_real.virtualMemory(); }
-Connectivity& PreviewPlatform::connectivity() { return m_real.connectivity(); }
 
 } // namespace platform

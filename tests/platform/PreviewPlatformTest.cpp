@@ -1,0 +1,217 @@
+// The preview's promise: every call of every facility that could change the machine, made through
+// a preview over the native platform on a scratch home (files, a user.reg hive, a trash folder, the
+// recent-documents list, real browser profiles), leaves every name and byte as it was, and is
+// recorded instead.
+
+#include "platform/PreviewPlatform.h"
+#include "tests/platform/BrowserHome.h"
+#include "tests/support/Hive.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+namespace fs = std::filesystem;
+using platform::Change;
+using Kind = platform::Change::Kind;
+
+namespace {
+
+/// Every entry below `root`: its kind and permissions, a file's bytes, a link's target.
+std::map<fs::path, std::string> everything(const fs::path& root) {
+    std::map<fs::path, std::string> out;
+    for (const auto& e : fs::recursive_directory_iterator(root)) {
+        const auto status = e.symlink_status();
+        std::string& facts = out[e.path()];
+        facts = std::to_string(static_cast<int>(status.type())) + " " +
+                std::to_string(static_cast<unsigned>(status.permissions())) + " ";
+        if (fs::is_symlink(status))
+            facts += fs::read_symlink(e.path()).string();
+        else if (fs::is_regular_file(status))
+            facts += testsupport::readFile(e.path());
+    }
+    return out;
+}
+
+// What the preview must never reach: the calls whose effects leave no trace in the files.
+struct Tripwire final : platform::ProxyPlatform {
+    struct NoShell final : platform::ProxyShell {
+        using ProxyShell::ProxyShell;
+        bool open(const std::string& target) override {
+            ADD_FAILURE() << "opened " << target;
+            return false;
+        }
+        bool startProgram(const std::string& program) override {
+            ADD_FAILURE() << "started " << program;
+            return false;
+        }
+    };
+    struct NoFill final : platform::ProxyVirtualMemory {
+        using ProxyVirtualMemory::ProxyVirtualMemory;
+        void* commitLarge(std::size_t) override {
+            ADD_FAILURE() << "filled memory";
+            return nullptr;
+        }
+        bool setOutOfMemoryScore(int) override {
+            ADD_FAILURE() << "set the out-of-memory score";
+            return false;
+        }
+    };
+    explicit Tripwire(std::unique_ptr<platform::Platform> native)
+        : ProxyPlatform(std::move(native)), shellWire(real().shell()), memoryWire(real().virtualMemory()) {}
+    platform::Shell& shell() override { return shellWire; }
+    platform::VirtualMemory& virtualMemory() override { return memoryWire; }
+    NoShell shellWire;
+    NoFill memoryWire;
+};
+
+// What the stores would remove or write through: a preview never hands them anything.
+struct RefusingRemover final : platform::Remover {
+    bool removeEntry(platform::Folder&, const std::string& name) override {
+        ADD_FAILURE() << "removed " << name;
+        return false;
+    }
+    bool rewrite(platform::Folder&, const std::string& name, const std::string&) override {
+        ADD_FAILURE() << "rewrote " << name;
+        return false;
+    }
+} refusing;
+
+// The bin hands nothing to the caller: a preview neither asks, nor shows progress, nor removes.
+struct RefusingUi final : platform::RecycleBinUi {
+    bool confirmEmpty(std::size_t, std::uint64_t) override {
+        ADD_FAILURE() << "asked";
+        return false;
+    }
+    void progress(std::size_t, std::size_t) override { ADD_FAILURE() << "showed progress"; }
+    platform::Remover& remover() override { return refusing; }
+};
+
+void put(const fs::path& path, const std::string& content) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+const char* const RecentList = R"(<?xml version="1.0" encoding="UTF-8"?>
+<xbel version="1.0" xmlns:bookmark="http://www.freedesktop.org/standards/desktop-bookmarks">
+  <bookmark href="file:///home/u/plan.odt" added="2024-01-01T00:00:00Z" modified="2024-01-01T00:00:00Z" visited="2024-01-01T00:00:00Z">
+    <info><metadata owner="http://freedesktop.org"><bookmark:applications>
+      <bookmark:application name="writer" exec="writer %u" modified="2024-01-01T00:00:00Z" count="1"/>
+    </bookmark:applications></metadata></info>
+  </bookmark>
+</xbel>
+)";
+
+} // namespace
+
+TEST(PreviewPlatform, ChangesNothingThroughAnyFacilityAndRecordsEveryCall) {
+    testsupport::BrowserHome home; // real profiles: a cache and a history with entries
+    const fs::path root = testsupport::scratchRoot();
+    const fs::path files = root / "files", data = std::getenv("XDG_DATA_HOME");
+    put(files / "a.txt", "aaaa");
+    put(files / "ro.txt", "read-only");
+    fs::permissions(files / "ro.txt", fs::perms::owner_read, fs::perm_options::replace);
+    put(files / "sub/b.txt", "bbbb");
+    fs::create_directories(files / "empty");
+    fs::create_symlink(files / "a.txt", files / "link");
+    put(data / "Trash/files/old.txt", "trashed");
+    put(data / "Trash/info/old.txt.trashinfo",
+        "[Trash Info]\nPath=/home/u/old.txt\nDeletionDate=2024-01-02T03:04:05\n");
+    put(data / "recently-used.xbel", RecentList);
+    testsupport::writeUserReg(std::getenv("WINEPREFIX"),
+                              "\n[Software\\\\Tavi] 1700000000\n\"kept\"=\"value\"\n");
+
+    Tripwire real(platform::createNative());
+    const auto cached = platform::cachedAddresses(real.urlCache());
+    ASSERT_FALSE(cached.empty());
+    ASSERT_EQ(real.recycleBin().items("").size(), 1u);
+    ASSERT_EQ(real.recycleBin().recentDocuments().size(), 1u);
+    const int score = real.virtualMemory().outOfMemoryScore();
+    const auto before = everything(root);
+
+    platform::PreviewPlatform preview(real);
+    auto& fsys = preview.fileSystem();
+    const std::string dir = files.string();
+    EXPECT_TRUE(fsys.removeFile(dir + "/link"));
+    EXPECT_TRUE(fsys.removeDirectory(dir + "/empty"));
+    EXPECT_TRUE(fsys.createDirectory(dir + "/new"));
+    EXPECT_TRUE(fsys.makeNormal(dir + "/ro.txt"));
+    auto folder = fsys.openFolder(dir);
+    ASSERT_TRUE(folder);
+    auto sub = folder->openFolder("sub"); // a folder opened below a preview's folder is the preview's too
+    ASSERT_TRUE(sub);
+    EXPECT_TRUE(sub->removeFile("b.txt"));
+    EXPECT_TRUE(folder->removeFolder("sub")); // empty now, as far as the preview goes
+    platform::Folder::Refusal why{};
+    auto overwrite = folder->openForOverwrite("a.txt", why);
+    ASSERT_TRUE(overwrite);
+    EXPECT_EQ(overwrite->write("XXXX", 4), 4u);
+    EXPECT_TRUE(overwrite->truncate());
+    auto created = folder->openFile("made.txt", platform::Folder::Create::Exclusive);
+    ASSERT_TRUE(created);
+    EXPECT_EQ(created->write("new", 3), 3u);
+    EXPECT_TRUE(folder->removeFile("a.txt"));
+    auto raw = preview.rawFiles().open(dir + "/raw.txt");
+    ASSERT_TRUE(raw);
+    EXPECT_EQ(raw->write("r", 1), 1u);
+
+    auto& reg = preview.registry();
+    platform::RegKey key = 0, made = 0;
+    EXPECT_EQ(reg.createKey(platform::CurrentUserRoot, "Software\\Made", made),
+              platform::RegResult::FileNotFound);
+    ASSERT_EQ(reg.openKey(platform::CurrentUserRoot, "Software\\Tavi", key), platform::RegResult::Success);
+    EXPECT_EQ(
+        reg.setValue(key, "added", platform::RegType::Sz, reinterpret_cast<const std::uint8_t*>("x"), 2),
+        platform::RegResult::Success);
+    EXPECT_EQ(reg.deleteValue(key, "kept"), platform::RegResult::Success);
+    EXPECT_EQ(reg.queryValue(key, "kept", nullptr, nullptr, nullptr), platform::RegResult::FileNotFound);
+    reg.closeKey(key);
+
+    EXPECT_TRUE(preview.urlCache().deleteEntry(cached.front(), refusing));
+    EXPECT_EQ(preview.urlCache().deleteUnlisted(refusing), 0u);
+    EXPECT_TRUE(preview.urlHistory().addUrl("https://added.example/", "Added", 0));
+    EXPECT_TRUE(preview.urlHistory().deleteUrl(testsupport::visitedPages().front().url, 0, refusing));
+    EXPECT_TRUE(preview.urlHistory().clearHistory(refusing));
+    RefusingUi ui;
+    EXPECT_TRUE(preview.recycleBin().empty("", 0, ui));
+    EXPECT_TRUE(preview.recycleBin().clearRecentDocuments(refusing));
+    EXPECT_TRUE(preview.shell().open(dir + "/a.txt"));
+    EXPECT_TRUE(preview.shell().startProgram("tavipop"));
+    EXPECT_EQ(preview.virtualMemory().commitLarge(1 << 20), nullptr);
+    EXPECT_TRUE(preview.virtualMemory().setOutOfMemoryScore(platform::VirtualMemory::FirstToGo));
+    overwrite.reset();
+    created.reset();
+    raw.reset();
+
+    // Later reads see what the preview did; the machine does not.
+    EXPECT_FALSE(fsys.info(dir + "/a.txt"));
+    EXPECT_FALSE(folder->entry("sub"));
+    EXPECT_FALSE(folder->openFolder("sub"));
+    EXPECT_EQ(testsupport::changedFiles(before, everything(root)), std::vector<std::string>{});
+    EXPECT_EQ(real.virtualMemory().outOfMemoryScore(), score);
+    EXPECT_EQ(platform::cachedAddresses(real.urlCache()), cached);
+
+    std::vector<Kind> kinds;
+    for (const Change& c : preview.changes())
+        kinds.push_back(c.kind);
+    EXPECT_EQ(kinds, (std::vector<Kind>{Kind::RemoveFile,          Kind::RemoveDirectory,
+                                        Kind::CreateDirectory,     Kind::MakeNormal,
+                                        Kind::RemoveFile,          Kind::RemoveDirectory,
+                                        Kind::MakeNormal,          Kind::WriteFile,
+                                        Kind::TruncateFile,        Kind::CreateFile,
+                                        Kind::WriteFile,           Kind::RemoveFile,
+                                        Kind::CreateFile,          Kind::WriteFile,
+                                        Kind::CreateKey,           Kind::SetValue,
+                                        Kind::DeleteValue,         Kind::DeleteCacheEntry,
+                                        Kind::DeleteUnlistedCache, Kind::AddHistory,
+                                        Kind::DeleteHistory,       Kind::ClearHistory,
+                                        Kind::EmptyRecycleBin,     Kind::ClearRecentDocuments,
+                                        Kind::OpenTarget,          Kind::StartProgram,
+                                        Kind::FillMemory,          Kind::SetOutOfMemoryScore}));
+    const auto writes = preview.changes(Kind::WriteFile);
+    ASSERT_EQ(writes.size(), 3u);
+    EXPECT_EQ(writes[0].target, dir + "/a.txt");
+    EXPECT_EQ(writes[0].bytes, 4u);
+}
