@@ -9,6 +9,7 @@
 #include "platform/linux/Descriptors.h"
 #include "platform/linux/ProfileHistory.h"
 
+#include <algorithm>
 #include <chrono>
 #include <fcntl.h>
 #include <cstdio>
@@ -184,8 +185,11 @@ public:
         }
         noteProblems(dbs.problems());
         bool ok = !dbs.failures();
-        // Done while the databases are still locked, so that the profile is cleaned as one change.
-        if (siteGone) {
+        // Done while the databases are still locked, so that the profile is cleaned as one change;
+        // one site's records only once its pages really left History.
+        const bool historyKept = std::any_of(dbs.problems().begin(), dbs.problems().end(),
+                                             [&](const StoreProblem& p) { return p.file == file("History"); });
+        if (siteGone && !(url && historyKept)) {
             std::vector<StoreProblem> problems;
             ok = forgetSitesInPreferences(file("Preferences"), site, problems) && ok;
             noteProblems(problems);
