@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -24,7 +25,8 @@ constexpr std::size_t kPreferencesLimit = 256 * 1024 * 1024;
 
 std::string lower(std::string_view text) {
     std::string out(text);
-    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::transform(out.begin(), out.end(), out.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return out;
 }
 
@@ -89,7 +91,8 @@ std::optional<std::string> siteOrigin(std::string_view text) {
     const std::size_t colon = authority.find(':', hostEnd);
     const std::string host = lower(authority.substr(0, colon));
     std::string_view port = colon == std::string_view::npos ? std::string_view() : authority.substr(colon + 1);
-    if (host.empty() || host.find('*') != std::string::npos || (!port.empty() && port.find_first_not_of("0123456789") != std::string_view::npos))
+    if (host.empty() || host.find('*') != std::string::npos ||
+        port.find_first_not_of("0123456789") != std::string_view::npos)
         return std::nullopt;
     while (port.size() > 1 && port.front() == '0')
         port.remove_prefix(1);

@@ -42,7 +42,8 @@ TEST(ChromiumPreferences, OriginsOfAddressesAndSitePatterns) {
     EXPECT_EQ(siteOrigin("https://example.com:443"), siteOrigin("https://example.com/x"));
     EXPECT_EQ(siteOrigin("http://[::1]:8080/"), "http://[::1]:8080");
     EXPECT_EQ(siteOrigin("chrome://omnibox-popup.top-chrome/"), "chrome://omnibox-popup.top-chrome");
-    for (const char* pattern : {"[*.]example.com", "https://[*.]example.com:443", "http://example.com:*", "*://example.com", "about:blank"})
+    for (const char* pattern :
+         {"[*.]example.com", "https://[*.]example.com:443", "http://example.com:*", "*://example.com", "about:blank"})
         EXPECT_EQ(siteOrigin(pattern), std::nullopt) << pattern;
 }
 
