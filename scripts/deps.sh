@@ -9,7 +9,7 @@ set -euo pipefail
 run=(
     build-essential cmake ninja-build ccache pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libgl-dev
-    libcli11-dev libsqlite3-dev libglib2.0-dev
+    libcli11-dev libsqlite3-dev libglib2.0-dev nlohmann-json3-dev
     librsvg2-bin fonts-liberation
 )
 test=(

@@ -1,12 +1,15 @@
 // The history of a Chromium-family profile. Visits live in "History"; the same addresses are kept
 // in "Favicons" (which icon a page showed), "Top Sites", "Shortcuts" (omnibox), "Network Action
 // Predictor", the user-data folder's segmentation_platform/ukm_db, the session files and
-// "Visited Links". Bookmarks live in the JSON file "Bookmarks", which is only read: a bookmarked
-// address keeps its row in History and its icon, as the browser itself keeps them when it clears.
+// "Visited Links", and each visited site in the per-site records of "Preferences". Bookmarks live
+// in the JSON file "Bookmarks", which is only read: a bookmarked address keeps its row in History
+// and its icon, as the browser itself keeps them when it clears.
 
+#include "platform/linux/ChromiumPreferences.h"
 #include "platform/linux/Descriptors.h"
 #include "platform/linux/ProfileHistory.h"
 
+#include <algorithm>
 #include <chrono>
 #include <fcntl.h>
 #include <cstdio>
@@ -145,6 +148,10 @@ public:
         // Without a readable History nothing tells whether the address was visited here: the
         // session files go in any case.
         bool held = true;
+        // A site's records in Preferences go with its last visit: while another page of the site
+        // stays in the history, the site still counts as visited.
+        const std::optional<std::string> site = url ? siteOrigin(*url) : std::nullopt;
+        bool siteGone = !url;
         if (r == StoreResult::Done) {
             const std::vector<std::string> kept = bookmarkedUrls();
             // A database whose tables this program cannot clean is left as it was, not half changed.
@@ -156,6 +163,8 @@ public:
                 if (!forgetInHistory(db, url, kept))
                     return false;
                 held = !url || anyTargets(db);
+                if (site && held)
+                    siteGone = !siteStillVisited(db, *site);
                 return true;
             });
             step(file("Favicons"), [&](SqliteDb& db) { return forgetInFavicons(db, url, kept); });
@@ -176,6 +185,15 @@ public:
         }
         noteProblems(dbs.problems());
         bool ok = !dbs.failures();
+        // Done while the databases are still locked, so that the profile is cleaned as one change;
+        // one site's records only once its pages really left History.
+        const bool historyKept = std::any_of(dbs.problems().begin(), dbs.problems().end(),
+                                             [&](const StoreProblem& p) { return p.file == file("History"); });
+        if (siteGone && !(url && historyKept)) {
+            std::vector<StoreProblem> problems;
+            ok = forgetSitesInPreferences(file("Preferences"), site, problems) && ok;
+            noteProblems(problems);
+        }
         if (held)
             ok = removeVisitFiles(!url) && ok;
         return ok ? StoreResult::Done : StoreResult::Failed;
@@ -209,6 +227,19 @@ private:
         SqliteStatement visit = db.prepare(
             "INSERT INTO visits (url, visit_time, from_visit, transition, segment_id) VALUES (?1, ?2, 0, ?3, 0)");
         return ok && visit.bind(1, id).bind(2, now).bind(3, kLinkTransition).run();
+    }
+
+    /// Whether History still holds a visited page of the site `origin`.
+    static bool siteStillVisited(SqliteDb& db, const std::string& origin) {
+        // Only addresses holding the host can be of the site; which are is decided on the whole
+        // origin.
+        SqliteStatement rows = db.prepare("SELECT url FROM urls WHERE last_visit_time > 0 AND instr(lower(url), ?1) > 0");
+        rows.bind(1, origin.substr(origin.find("://") + 3));
+        while (rows.step())
+            if (siteOrigin(rows.text(0)) == origin)
+                return true;
+        // Where it cannot be told, the site's records stay.
+        return rows.failed();
     }
 
     /// The addresses of the profile's bookmarks: every "url" member of the Bookmarks file.

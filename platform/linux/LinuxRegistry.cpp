@@ -1,6 +1,7 @@
 #include "platform/linux/LinuxRegistry.h"
 
 #include "platform/linux/Descriptors.h"
+#include "platform/linux/ReplaceFile.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -13,19 +14,6 @@
 
 namespace platform::linux {
 namespace {
-
-bool writeAll(int fd, const std::string& text) {
-    std::size_t done = 0;
-    while (done < text.size()) {
-        const ssize_t n = ::write(fd, text.data() + done, text.size() - done);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        done += static_cast<std::size_t>(n);
-    }
-    return true;
-}
 
 LinuxRegistry::FileStamp stampOf(const struct stat& st) {
     return {static_cast<unsigned long long>(st.st_dev), static_cast<unsigned long long>(st.st_ino),
@@ -94,21 +82,9 @@ bool LinuxRegistry::load() {
 
 long LinuxRegistry::save() {
     const std::string target = hivePath();
-    struct stat old {};
-    const mode_t mode = ::stat(target.c_str(), &old) == 0 ? (old.st_mode & 07777) : 0644;
-    std::string temp = m_env.winePrefix + "/.user.reg.XXXXXX";
-    const int fd = ::mkstemp(temp.data());
-    if (fd < 0)
-        return RegResult::AccessDenied;
-    const bool ok = ::fchmod(fd, mode) == 0 && writeAll(fd, m_hive.text()) && ::fsync(fd) == 0;
-    if (::close(fd) != 0 || !ok || ::rename(temp.c_str(), target.c_str()) != 0) {
-        ::unlink(temp.c_str());
+    if (!replaceFile(target, m_hive.text(), 0644)) {
         m_loaded = false; // the file still holds the old hive: read it again next time
         return RegResult::AccessDenied;
-    }
-    if (const int dir = ::open(m_env.winePrefix.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); dir >= 0) {
-        ::fsync(dir);
-        ::close(dir);
     }
     // The copy in memory is what the file now holds: only its identity needs taking again.
     struct stat st {};

@@ -43,6 +43,8 @@ const std::vector<VisitedPage>& visitedPages() {
         {kSite + "scourmill-beta-91c2.html", "Scourmill Beta Title 91c2"},
         {kSite + "scourmill-untitled-4d8e.html", ""},
         {kSite + "scourmill-gamma-2e6b.html?q=scourmill-query-5521", "Scourmill Gamma Title 2e6b"},
+        {"http://127.0.0.1:48124/scourmill-delta-6a1f.html", "Scourmill Delta Title 6a1f"},
+        {"http://127.0.0.1:48125/scourmill-epsilon-83d0.html", "Scourmill Epsilon Title 83d0"},
         {kBookmarkedUrl, "Scourmill Bookmarked Title b00c"},
     };
     return pages;

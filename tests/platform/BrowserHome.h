@@ -57,7 +57,8 @@ private:
     std::unique_ptr<wipe::Engine> m_remover;
 };
 
-/// The addresses the committed profiles visited, with the page titles that go with them.
+/// The addresses the committed profiles visited, with the page titles that go with them: most on
+/// kSite, two (delta and epsilon) each the only page of a site of its own.
 struct VisitedPage {
     std::string url;
     std::string title;

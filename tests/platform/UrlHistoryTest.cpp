@@ -39,7 +39,8 @@ std::vector<std::string> urlsOf(const std::vector<platform::StatUrl>& records) {
 /// Texts that only a visit leaves: addresses and titles of the pages that are not bookmarked.
 std::vector<std::string> visitTraces() {
     return {"scourmill-alpha-7f3a", "scourmill-beta-91c2", "scourmill-untitled-4d8e", "scourmill-gamma-2e6b",
-            "scourmill-query-5521", "Alpha Title 7f3a", "Beta Title 91c2", "Gamma Title 2e6b"};
+            "scourmill-query-5521", "scourmill-delta-6a1f", "scourmill-epsilon-83d0", "Alpha Title 7f3a",
+            "Beta Title 91c2", "Gamma Title 2e6b", "Delta Title 6a1f", "Epsilon Title 83d0"};
 }
 
 /// Every file of the home that still holds one of `texts`, with the text.

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Makes the browser profiles the platform tests run on: Chromium and Firefox ESR, each started
 # headless under a throw-away home, visiting a few pages of a local web server whose addresses and
-# titles are easy to find in raw bytes, one of them without a title and one bookmarked. The result
+# titles are easy to find in raw bytes, one of them without a title and one bookmarked, two of them
+# on sites of their own (other ports) so that the per-site records hold more than one site. The result
 # is pruned to what records visits or is needed to open the profile again, and copied here in a
 # neutral layout that the tests place either way (caches under $XDG_CACHE_HOME, or in the profile):
 #
@@ -19,10 +20,12 @@ set -euo pipefail
 here="$(cd "$(dirname "$0")" && pwd)"
 port=48123
 base="http://127.0.0.1:$port"
+# The other sites: the same pages, served on other ports.
+other_ports=(48124 48125)
 work="$(mktemp -d)"
-server_pid=""
+server_pids=()
 cleanup() {
-    [ -n "$server_pid" ] && kill "$server_pid" 2>/dev/null || true
+    for pid in "${server_pids[@]}"; do kill "$pid" 2>/dev/null || true; done
     if [ -n "${KEEP_WORK:-}" ]; then echo "work folder kept: $work"; else rm -rf "$work"; fi
 }
 trap cleanup EXIT
@@ -31,14 +34,17 @@ trap cleanup EXIT
 site="$work/site"
 mkdir -p "$site"
 # A page that moves on to the next one after a moment, so one browser start visits them all.
-page() { # file title next [extra body]
-    local title_tag=""
+# A page with "bare" as its fifth argument loads nothing else (its icon is empty and inline), so
+# that the other sites add only their page to each cache.
+page() { # file title next [extra body] [bare]
+    local title_tag="" head='<link rel="icon" href="/scourmill-icon-e5f1.png">
+<link rel="stylesheet" href="/scourmill-style-3b7d.css">'
     [ -n "$2" ] && title_tag="<title>$2</title>"
+    [ "${5:-}" = bare ] && head='<link rel="icon" href="data:,">'
     cat >"$site/$1" <<EOF
 <!DOCTYPE html>
 <html><head><meta charset="utf-8">$title_tag
-<link rel="icon" href="/scourmill-icon-e5f1.png">
-<link rel="stylesheet" href="/scourmill-style-3b7d.css"></head>
+$head</head>
 <body><p>Scourmill test page ${1%%.*}</p>${4:-}
 <script>setTimeout(function () { $3 }, 2500);</script>
 </body></html>
@@ -48,7 +54,11 @@ page scourmill-alpha-7f3a.html "Scourmill Alpha Title 7f3a" "location.href = '/s
 page scourmill-beta-91c2.html "Scourmill Beta Title 91c2" "location.href = '/scourmill-untitled-4d8e.html';" \
     '<img src="/scourmill-picture-c0de.png" alt="">'
 page scourmill-untitled-4d8e.html "" "location.href = '/scourmill-gamma-2e6b.html?q=scourmill-query-5521';"
-page scourmill-gamma-2e6b.html "Scourmill Gamma Title 2e6b" "location.href = '/scourmill-bookmarked-b00c.html';"
+page scourmill-gamma-2e6b.html "Scourmill Gamma Title 2e6b" \
+    "location.href = 'http://127.0.0.1:${other_ports[0]}/scourmill-delta-6a1f.html';"
+page scourmill-delta-6a1f.html "Scourmill Delta Title 6a1f" \
+    "location.href = 'http://127.0.0.1:${other_ports[1]}/scourmill-epsilon-83d0.html';" "" bare
+page scourmill-epsilon-83d0.html "Scourmill Epsilon Title 83d0" "location.href = '$base/scourmill-bookmarked-b00c.html';" "" bare
 page scourmill-bookmarked-b00c.html "Scourmill Bookmarked Title b00c" "window.close();"
 printf 'body { color: #234; }\n' >"$site/scourmill-style-3b7d.css"
 python3 - "$site" <<'EOF'
@@ -63,11 +73,16 @@ def png(path, rgb):
 png(sys.argv[1] + "/scourmill-icon-e5f1.png", (200, 40, 40))
 png(sys.argv[1] + "/scourmill-picture-c0de.png", (40, 90, 200))
 EOF
-(cd "$site" && exec python3 -m http.server "$port" --bind 127.0.0.1 >"$work/server.log" 2>&1) &
-server_pid=$!
-for _ in $(seq 50); do
-    python3 -c "import urllib.request; urllib.request.urlopen('$base/scourmill-style-3b7d.css')" 2>/dev/null && break
-    sleep 0.2
+for p in "$port" "${other_ports[@]}"; do
+    (cd "$site" && exec python3 -m http.server "$p" --bind 127.0.0.1 >"$work/server-$p.log" 2>&1) &
+    server_pids+=($!)
+done
+for p in "$port" "${other_ports[@]}"; do
+    for _ in $(seq 50); do
+        python3 -c "import urllib.request; urllib.request.urlopen('http://127.0.0.1:$p/scourmill-style-3b7d.css')" \
+            2>/dev/null && break
+        sleep 0.2
+    done
 done
 
 # ---- Chromium ----------------------------------------------------------------------------------
@@ -109,7 +124,7 @@ browser = subprocess.Popen(
      "--disable-background-networking", "--disable-component-update", "--disable-sync",
      "--user-data-dir=" + home + "/.config/chromium", "--remote-debugging-pipe",
      base + "/scourmill-alpha-7f3a.html"], preexec_fn=fds, pass_fds=(3, 4))
-time.sleep(20)
+time.sleep(30)
 os.write(to_browser_w, b'{"id":1,"method":"Browser.close"}\0')
 browser.wait(timeout=60)
 EOF2
