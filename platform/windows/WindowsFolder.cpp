@@ -23,6 +23,8 @@ namespace {
 constexpr ULONG ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 // No delete sharing: while the handle is open nobody renames, moves or removes the folder.
 constexpr ULONG ShareKeepingPlace = FILE_SHARE_READ | FILE_SHARE_WRITE;
+// For a file being written: others may read it or take its name away, never write it.
+constexpr ULONG ShareOwnWrites = FILE_SHARE_READ | FILE_SHARE_DELETE;
 constexpr ACCESS_MASK FolderAccess = FILE_LIST_DIRECTORY | FILE_TRAVERSE | FILE_READ_ATTRIBUTES | READ_CONTROL;
 constexpr auto IdBothDirectoryInformation = static_cast<FILE_INFORMATION_CLASS>(37);
 
@@ -297,11 +299,13 @@ std::unique_ptr<RawFile> WindowsFolder::openFile(const std::string& name, Create
         ::SetLastError(record->isLink() ? ERROR_CANT_RESOLVE_FILENAME : ERROR_DIRECTORY);
         return nullptr;
     }
-    // No other handle may read or write while this one is open; deleting is shared, so that the
-    // name can go while the file is still held (cut, then removed, by the same run).
-    const HANDLE handle = record ? openRecord(m_handle, *record, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_DELETE,
+    // No other handle may write while this one is open. Reading is shared, so that a second handle
+    // of this run can read the last pass back past the system's cache (another reader sees only
+    // what the passes wrote); deleting is shared, so that the name can go while the file is still
+    // held (cut, then removed, by the same run).
+    const HANDLE handle = record ? openRecord(m_handle, *record, GENERIC_READ | GENERIC_WRITE, ShareOwnWrites,
                                               FILE_NON_DIRECTORY_FILE)
-                                 : openBelow(m_handle, wide, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_DELETE,
+                                 : openBelow(m_handle, wide, GENERIC_READ | GENERIC_WRITE, ShareOwnWrites,
                                              // CREATE_NEW: a file put there since the look above is not taken over
                                              create == Create::Exclusive ? FILE_CREATE : FILE_OPEN_IF,
                                              FILE_NON_DIRECTORY_FILE);

@@ -1,6 +1,6 @@
 // Open folders on Windows, on real files: a walk reaches entries below the folder's handle, the
 // folder cannot be moved away while it is open, and links, folders and files with other names are
-// never opened for writing.
+// never opened for writing, and the last pass is read back past the system's cache.
 
 #include "platform/Folder.h"
 #include "platform/Platform.h"
@@ -139,4 +139,35 @@ TEST_F(WindowsFolderTest, ALinkInAFolderIsNeverEnteredOrWrittenThrough) {
         EXPECT_TRUE(removed);
     }
     EXPECT_TRUE(fs::is_directory(dir.path() / "target"));
+}
+
+TEST_F(WindowsFolderTest, TheLastPassIsReadBackPastTheCache) {
+    dir.write("r\\f.bin", std::string(1000, 'x'));
+    auto folder = files.openFolder(at("r"));
+    auto file = folder->openFile("f.bin", false);
+    ASSERT_TRUE(file);
+    // A second handle of its own, reading whole sectors without the cache.
+    auto reader = file->openUncached();
+    ASSERT_TRUE(reader);
+    const std::size_t align = reader->readAlignment();
+    EXPECT_GE(align, 512u);
+    EXPECT_EQ(align & (align - 1), 0u);
+    std::vector<char> buffer(align * 3);
+    char* aligned = buffer.data() + (align - reinterpret_cast<std::uintptr_t>(buffer.data()) % align) % align;
+    ASSERT_EQ(reader->seek(0, platform::RawFile::From::Begin), 0);
+    EXPECT_EQ(reader->read(aligned, align * 2), 1000u); // up to the file's end
+    EXPECT_EQ(std::string(aligned, 1000), std::string(1000, 'x'));
+    reader.reset();
+    file.reset();
+
+    // A handle that shares nothing: the cache is written out and read through a copy of it.
+    auto alone = p->rawFiles().open(at("r\\f.bin"));
+    ASSERT_TRUE(alone);
+    reader = alone->openUncached();
+    ASSERT_TRUE(reader);
+    EXPECT_EQ(reader->readAlignment(), 1u);
+    char head[4] = {};
+    ASSERT_EQ(reader->seek(0, platform::RawFile::From::Begin), 0);
+    EXPECT_EQ(reader->read(head, 4), 4u);
+    EXPECT_EQ(std::string(head, 4), "xxxx");
 }
