@@ -79,7 +79,6 @@ public:
     virtual std::unique_ptr<RawFile> openForOverwrite(const std::string& name, Refusal& why);
     /// Whether the entry `name` is open or mapped in some process, or backs a loop device, judged
     /// by which file it is (never by a path's text, which may be too long for the system to take).
-    /// Where an exclusive open refuses a file in use by itself (Windows), false.
     virtual bool isInUse(const std::string& /*name*/) { return false; }
     /// Deletes the file or link `name` (never a link's target). True when it is gone, also when it
     /// already was.

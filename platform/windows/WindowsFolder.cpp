@@ -156,6 +156,10 @@ HANDLE openRecord(HANDLE folder, const Record& record, ACCESS_MASK access, ULONG
     return handle;
 }
 
+bool isSharingRefusal(DWORD error) {
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION || error == ERROR_USER_MAPPED_FILE;
+}
+
 std::string lastComponent(const std::string& path) {
     std::string p = path;
     while (p.size() > 3 && (p.back() == '\\' || p.back() == '/'))
@@ -315,6 +319,33 @@ std::unique_ptr<RawFile> WindowsFolder::openFile(const std::string& name, Create
         return nullptr;
     }
     return adoptPlainFile(handle);
+}
+
+std::unique_ptr<RawFile> WindowsFolder::openForOverwrite(const std::string& name, Refusal& why) {
+    // Asked before anything is changed on the file, read-only among it.
+    if (isInUse(name)) {
+        why = Refusal::InUse;
+        return nullptr;
+    }
+    auto file = Folder::openForOverwrite(name, why);
+    const DWORD error = ::GetLastError();
+    if (!file && why == Refusal::CannotOpen && isSharingRefusal(error))
+        why = Refusal::InUse; // opened by some program since the question above
+    ::SetLastError(error);
+    return file;
+}
+
+bool WindowsFolder::isInUse(const std::string& name) {
+    const auto record = recordOf(m_handle, widen(name));
+    if (!record || record->isLink() || record->isFolder())
+        return false;
+    // An open that shares nothing is refused while any other handle that reads, writes or deletes
+    // the file is open, in any process, and while a program has it mapped.
+    const HANDLE handle = openRecord(m_handle, *record, FILE_READ_DATA, 0, FILE_NON_DIRECTORY_FILE);
+    if (handle == INVALID_HANDLE_VALUE)
+        return isSharingRefusal(::GetLastError());
+    ::CloseHandle(handle);
+    return false;
 }
 
 bool WindowsFolder::removeFile(const std::string& name) {

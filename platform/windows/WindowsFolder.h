@@ -31,6 +31,8 @@ public:
     std::unique_ptr<Folder> openFolder(const std::string& name) override;
     using Folder::openFile;
     std::unique_ptr<RawFile> openFile(const std::string& name, Create create) override;
+    std::unique_ptr<RawFile> openForOverwrite(const std::string& name, Refusal& why) override;
+    bool isInUse(const std::string& name) override;
     bool removeFile(const std::string& name) override;
     bool removeFolder(const std::string& name) override;
     bool makeNormal(const std::string& name) override;
