@@ -67,6 +67,10 @@ public:
         return counted(m_real->openForOverwrite(name, why), m_ledger);
     }
     bool isInUse(const std::string& name) override { return m_real->isInUse(name); }
+    std::vector<std::string> extraStreams(const std::string& name) override { return m_real->extraStreams(name); }
+    std::unique_ptr<platform::RawFile> openStream(const std::string& name, const std::string& stream) override {
+        return counted(m_real->openStream(name, stream), m_ledger);
+    }
     bool removeFile(const std::string& name) override { return m_real->removeFile(name); }
     bool removeFolder(const std::string& name) override { return m_real->removeFolder(name); }
     bool makeNormal(const std::string& name) override { return m_real->makeNormal(name); }

@@ -160,6 +160,33 @@ bool isSharingRefusal(DWORD error) {
     return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION || error == ERROR_USER_MAPPED_FILE;
 }
 
+/// The names of the extra data streams of the open file `handle` ("name" for ":name:$DATA"); the
+/// main stream and any stream of another type are left out. None where the system cannot tell.
+std::vector<std::wstring> dataStreams(HANDLE handle) {
+    std::vector<std::uint64_t> buffer(1024);
+    while (!::GetFileInformationByHandleEx(handle, FileStreamInfo, buffer.data(),
+                                           static_cast<DWORD>(buffer.size() * sizeof(std::uint64_t)))) {
+        if (::GetLastError() != ERROR_MORE_DATA || buffer.size() >= (std::size_t{1} << 20))
+            return {}; // ERROR_HANDLE_EOF: no stream at all (a folder); others: the system keeps none
+        buffer.resize(buffer.size() * 4);
+    }
+    std::vector<std::wstring> names;
+    const auto* at = reinterpret_cast<const BYTE*>(buffer.data());
+    for (;;) {
+        const auto* info = reinterpret_cast<const FILE_STREAM_INFO*>(at);
+        const std::wstring full(info->StreamName, info->StreamNameLength / sizeof(wchar_t));
+        const std::wstring suffix = L":$DATA";
+        // ":name:$DATA"; the main stream is "::$DATA".
+        if (full.size() > suffix.size() + 1 && full[0] == L':' &&
+            full.compare(full.size() - suffix.size(), suffix.size(), suffix) == 0)
+            names.push_back(full.substr(1, full.size() - suffix.size() - 1));
+        if (info->NextEntryOffset == 0)
+            break;
+        at += info->NextEntryOffset;
+    }
+    return names;
+}
+
 std::string lastComponent(const std::string& path) {
     std::string p = path;
     while (p.size() > 3 && (p.back() == '\\' || p.back() == '/'))
@@ -346,6 +373,43 @@ bool WindowsFolder::isInUse(const std::string& name) {
         return isSharingRefusal(::GetLastError());
     ::CloseHandle(handle);
     return false;
+}
+
+std::vector<std::string> WindowsFolder::extraStreams(const std::string& name) {
+    const auto record = recordOf(m_handle, widen(name));
+    if (!record || record->isLink() || record->isFolder())
+        return {};
+    // Asked of the file itself: attribute access shares with every other open, the overwrite's own.
+    const HANDLE handle = openRecord(m_handle, *record, FILE_READ_ATTRIBUTES, ShareAll, FILE_NON_DIRECTORY_FILE);
+    if (handle == INVALID_HANDLE_VALUE)
+        return {};
+    std::vector<std::string> names;
+    for (const std::wstring& stream : dataStreams(handle))
+        names.push_back(narrow(stream));
+    ::CloseHandle(handle);
+    return names;
+}
+
+std::unique_ptr<RawFile> WindowsFolder::openStream(const std::string& name, const std::string& stream) {
+    const std::wstring wide = widen(stream);
+    const auto record = recordOf(m_handle, widen(name));
+    if (!record)
+        return nullptr;
+    if (record->isLink() || record->isFolder() || wide.empty() || wide.find_first_of(L":\\/") != std::wstring::npos) {
+        ::SetLastError(record->isLink() ? ERROR_CANT_RESOLVE_FILENAME : ERROR_INVALID_NAME);
+        return nullptr;
+    }
+    const HANDLE file = openRecord(m_handle, *record, FILE_READ_ATTRIBUTES, ShareAll, FILE_NON_DIRECTORY_FILE);
+    if (file == INVALID_HANDLE_VALUE)
+        return nullptr;
+    // The stream is opened below the file's own handle, by its name alone: the file checked above
+    // is the one whose stream is written.
+    const HANDLE handle = openBelow(file, L":" + wide + L":$DATA", GENERIC_READ | GENERIC_WRITE, ShareOwnWrites,
+                                    FILE_OPEN, FILE_NON_DIRECTORY_FILE);
+    const DWORD error = ::GetLastError();
+    ::CloseHandle(file);
+    ::SetLastError(error);
+    return adoptPlainFile(handle);
 }
 
 bool WindowsFolder::removeFile(const std::string& name) {
