@@ -56,7 +56,8 @@ public:
         Exclusive, ///< only a new file: fails (EEXIST, ERROR_FILE_EXISTS) when anything has the name
     };
     /// Opens the plain file `name` as RawFiles::open does (read-write, exclusively, never through a
-    /// link, never a file with other hard links), creating it as `create` says. Null on failure,
+    /// link, never a file with other hard links), creating it as `create` says; on Windows others
+    /// may still read it, so that the same run can read it back past the cache. Null on failure,
     /// with RawFiles::lastError() set.
     virtual std::unique_ptr<RawFile> openFile(const std::string& name, Create create) = 0;
     /// The same, created when missing only if `create`.
