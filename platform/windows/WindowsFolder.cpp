@@ -156,6 +156,8 @@ HANDLE openRecord(HANDLE folder, const Record& record, ACCESS_MASK access, ULONG
     return handle;
 }
 
+/// Whether `error` says that another open of the file, or a program's mapping of it, stands in
+/// the way.
 bool isSharingRefusal(DWORD error) {
     return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION || error == ERROR_USER_MAPPED_FILE;
 }
@@ -349,7 +351,7 @@ std::unique_ptr<RawFile> WindowsFolder::openFile(const std::string& name, Create
 }
 
 std::unique_ptr<RawFile> WindowsFolder::openForOverwrite(const std::string& name, Refusal& why) {
-    // Asked before anything is changed on the file, read-only among it.
+    // Asked before anything about the file changes, its read-only mark included.
     if (isInUse(name)) {
         why = Refusal::InUse;
         return nullptr;
