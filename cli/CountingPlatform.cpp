@@ -49,6 +49,9 @@ public:
     static std::unique_ptr<Folder> countedFolder(std::unique_ptr<Folder> folder, ChangeCounts& counts) {
         return folder ? std::make_unique<CountingFolder>(std::move(folder), counts) : nullptr;
     }
+    std::unique_ptr<RawFile> openStream(const std::string& name, const std::string& stream) override {
+        return counted(real().openStream(name, stream), m_counts);
+    }
 
 private:
     ChangeCounts& m_counts;

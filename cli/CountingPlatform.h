@@ -15,8 +15,9 @@ namespace cli {
 
 /// What has changed so far.
 struct ChangeCounts {
-    std::uint64_t filesOverwrittenAndDeleted = 0; ///< these four from the engine's verdicts
+    std::uint64_t filesOverwrittenAndDeleted = 0; ///< these from the engine's verdicts
     std::uint64_t filesOverwritten = 0;           ///< overwritten and still there
+    std::uint64_t streamsOverwritten = 0;         ///< extra data streams of the files above
     std::uint64_t filesDeleted = 0;               ///< deleted without being overwritten (links included)
     std::uint64_t foldersDeleted = 0;
     std::uint64_t filesVerified = 0; ///< read back and found as the last pass wrote them

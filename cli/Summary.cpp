@@ -31,6 +31,7 @@ std::string describeChanges(const ChangeCounts& c, const std::vector<std::string
     const Part parts[] = {
         {c.filesOverwrittenAndDeleted, "file", "files", "overwritten and deleted"},
         {c.filesOverwritten, "file", "files", "overwritten"},
+        {c.streamsOverwritten, "alternate data stream", "alternate data streams", "overwritten with them"},
         {c.filesDeleted, "file", "files", "deleted"},
         {c.foldersDeleted, "folder", "folders", "deleted"},
         {c.filesVerified, "file", "files", "verified"},

@@ -14,6 +14,8 @@ public:
             m_counts.foldersDeleted += verdict.removed;
             return;
         }
+        if (verdict.overwritten)
+            m_counts.streamsOverwritten += verdict.streams;
         if (verdict.overwritten && verdict.removed)
             ++m_counts.filesOverwrittenAndDeleted;
         else if (verdict.overwritten)
@@ -27,6 +29,7 @@ public:
     void addTo(ChangeCounts& counts) const {
         counts.filesOverwrittenAndDeleted += m_counts.filesOverwrittenAndDeleted;
         counts.filesOverwritten += m_counts.filesOverwritten;
+        counts.streamsOverwritten += m_counts.streamsOverwritten;
         counts.filesDeleted += m_counts.filesDeleted;
         counts.foldersDeleted += m_counts.foldersDeleted;
         counts.filesVerified += m_counts.filesVerified;

@@ -15,7 +15,8 @@ struct Verdict {
     bool overwritten = false; ///< every pass written and on the device
     bool removed = false;     ///< the name is gone
     bool verified = false;    ///< read back from the device and found as the last pass wrote it
-    std::uint64_t bytes = 0;  ///< bytes written into it
+    std::uint64_t bytes = 0;  ///< bytes written into it, its extra streams' included
+    std::uint32_t streams = 0; ///< extra data streams of the file overwritten with it
     std::string why;          ///< why it was not overwritten, or left; empty when all went as asked
     bool problem = false;     ///< a failure to name: the command ends with exit 1
 

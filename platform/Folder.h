@@ -17,6 +17,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace platform {
 
@@ -55,7 +56,8 @@ public:
         Exclusive, ///< only a new file: fails (EEXIST, ERROR_FILE_EXISTS) when anything has the name
     };
     /// Opens the plain file `name` as RawFiles::open does (read-write, exclusively, never through a
-    /// link, never a file with other hard links), creating it as `create` says. Null on failure,
+    /// link, never a file with other hard links), creating it as `create` says; on Windows others
+    /// may still read it, so that the same run can read it back past the cache. Null on failure,
     /// with RawFiles::lastError() set.
     virtual std::unique_ptr<RawFile> openFile(const std::string& name, Create create) = 0;
     /// The same, created when missing only if `create`.
@@ -79,8 +81,16 @@ public:
     virtual std::unique_ptr<RawFile> openForOverwrite(const std::string& name, Refusal& why);
     /// Whether the entry `name` is open or mapped in some process, or backs a loop device, judged
     /// by which file it is (never by a path's text, which may be too long for the system to take).
-    /// Where an exclusive open refuses a file in use by itself (Windows), false.
     virtual bool isInUse(const std::string& /*name*/) { return false; }
+    /// The names of the plain file `name`'s data streams besides its main one (NTFS alternate data
+    /// streams), which hold bytes of the file that its length does not count. None where the
+    /// system keeps no such streams, or when the file cannot be asked.
+    virtual std::vector<std::string> extraStreams(const std::string& /*name*/) { return {}; }
+    /// Opens the stream `stream` (a name extraStreams() gave) of the plain file `name` to be written
+    /// over, as openFile does the file. Null on failure, with RawFiles::lastError() set.
+    virtual std::unique_ptr<RawFile> openStream(const std::string& /*name*/, const std::string& /*stream*/) {
+        return nullptr;
+    }
     /// Deletes the file or link `name` (never a link's target). True when it is gone, also when it
     /// already was.
     virtual bool removeFile(const std::string& name) = 0;

@@ -236,6 +236,9 @@ public:
         // The checks every system shares, made through this folder's own calls, which only record.
         return Folder::openForOverwrite(name, why);
     }
+    std::unique_ptr<RawFile> openStream(const std::string& name, const std::string& stream) override {
+        return m_files.raw().open(full(name) + ":" + stream); // recorded, never written
+    }
     bool removeFile(const std::string& name) override { return m_files.removeFile(full(name)); }
     bool removeFolder(const std::string& name) override { return m_files.removeDirectory(full(name)); }
     bool makeNormal(const std::string& name) override { return m_files.makeNormal(full(name)); }

@@ -58,6 +58,10 @@ public:
         return m_real->openForOverwrite(name, why);
     }
     bool isInUse(const std::string& name) override { return m_real->isInUse(name); }
+    std::vector<std::string> extraStreams(const std::string& name) override { return m_real->extraStreams(name); }
+    std::unique_ptr<RawFile> openStream(const std::string& name, const std::string& stream) override {
+        return m_real->openStream(name, stream);
+    }
     bool removeFile(const std::string& name) override { return m_real->removeFile(name); }
     bool removeFolder(const std::string& name) override { return m_real->removeFolder(name); }
     bool makeNormal(const std::string& name) override { return m_real->makeNormal(name); }

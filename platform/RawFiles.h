@@ -51,8 +51,10 @@ public:
     /// system cannot tell, the whole file.
     virtual std::vector<std::pair<std::uint64_t, std::uint64_t>> dataRanges() const;
     /// A second handle to the same file for reading what the device holds, past the system's cache
-    /// (on Linux O_DIRECT, or the cache dropped first where the filesystem refuses it); null when
-    /// the system offers neither. Reads through it are whole multiples of `readAlignment()`.
+    /// (on Linux O_DIRECT, or the cache dropped first where the filesystem refuses it; on Windows
+    /// no intermediate buffering, or the cache written out first where this handle shares no
+    /// reading); null when the system offers neither. Reads through it are whole multiples of
+    /// `readAlignment()`.
     virtual std::unique_ptr<RawFile> openUncached() const { return nullptr; }
     /// The alignment in bytes that buffers, offsets and lengths of reads through openUncached()
     /// need; 1 when there is none.

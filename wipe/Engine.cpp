@@ -21,10 +21,26 @@ std::uint64_t fnv1a(std::uint64_t hash, const unsigned char* bytes, std::size_t 
 }
 constexpr std::uint64_t FnvStart = 0xcbf29ce484222325ULL;
 
+/// The data ranges of `file` inside its first `length` bytes.
+Ranges dataWithin(const RawFile& file, std::uint64_t length) {
+    Ranges inside;
+    for (auto [start, size] : file.dataRanges())
+        if (start < length)
+            inside.emplace_back(start, std::min(size, length - start));
+    return inside;
+}
+
+std::string errorText(platform::RawFiles& raw, int code) {
+    const std::string text = raw.errorText(code);
+    return text.empty() ? "error " + std::to_string(code) : text;
+}
+
+} // namespace
+
 /// The pass writer over one open file: writes land only where the file holds data (or past its
 /// first length, where a scheme lets the file grow), and the last pass's writes are remembered for
 /// the read-back.
-class FileWriter final : public PassWriter {
+class Engine::FileWriter final : public PassWriter {
 public:
     FileWriter(RawFile& file, platform::RawFiles& raw, std::uint64_t length, Ranges data)
         : m_file(file), m_raw(raw), m_length(length), m_end(length), m_data(std::move(data)) {}
@@ -97,22 +113,6 @@ private:
     bool m_remember = false;
     std::map<std::uint64_t, std::pair<std::uint64_t, std::uint64_t>> m_last;
 };
-
-/// The data ranges of `file` inside its first `length` bytes.
-Ranges dataWithin(const RawFile& file, std::uint64_t length) {
-    Ranges inside;
-    for (auto [start, size] : file.dataRanges())
-        if (start < length)
-            inside.emplace_back(start, std::min(size, length - start));
-    return inside;
-}
-
-std::string errorText(platform::RawFiles& raw, int code) {
-    const std::string text = raw.errorText(code);
-    return text.empty() ? "error " + std::to_string(code) : text;
-}
-
-} // namespace
 
 Engine::Engine(platform::Platform& platform, core::VerdictSink* verdicts, core::ProblemSink* problems)
     : m_platform(platform), m_verdicts(verdicts), m_problems(problems) {}
@@ -316,33 +316,47 @@ core::Verdict Engine::overwrite(Folder& folder, const std::string& name, Overwri
     if (!held || !held->sameFileAs(*entry))
         return left("was replaced during the run; left alone");
 
-    scheme.starting(v.item);
-    FileWriter writer(*file, raw, held->size, dataWithin(*file, held->size));
-    const int passes = held->size == 0 ? 0 : scheme.passes(); // nothing in it to overwrite
-    for (int pass = 1; pass <= passes; ++pass) {
-        writer.remember(options.verify && pass == passes);
-        const auto result = scheme.writePass(pass, writer);
-        v.bytes = writer.bytes();
-        if (result == OverwriteScheme::Pass::Stopped) {
-            if (!options.remove)
-                return left("stopped before pass " + std::to_string(pass) + " was complete; partly overwritten");
-            cutAndDelete(folder, name, std::move(file), *held);
-            v.removed = !folder.entry(name);
-            return left("stopped before pass " + std::to_string(pass) + " was complete; not overwritten" +
-                        (v.removed ? ", deleted all the same" : ""));
-        }
-        if (result == OverwriteScheme::Pass::Failed) {
-            file.reset();
-            return notWritten("pass " + std::to_string(pass) + " could not be written: " + errorText(raw, writer.error()));
-        }
-        // Each pass reaches the device before the next one writes over it.
-        if (!file->flush()) {
-            const int code = raw.lastError();
-            file.reset();
-            return notWritten("pass " + std::to_string(pass) + " did not reach the device: " + errorText(raw, code));
+    // The file's other streams first, with the same passes: they hold its bytes too, and go with
+    // its name.
+    std::string streamsVerify;
+    if (options.remove) {
+        for (const std::string& stream : folder.extraStreams(name)) {
+            const auto done = overwriteStream(folder, name, stream, *held, scheme, options.verify);
+            v.bytes += done.bytes;
+            if (done.outcome == Passes::Outcome::Stopped) {
+                cutAndDelete(folder, name, std::move(file), *held);
+                v.removed = !folder.entry(name);
+                return left("stopped while its stream " + stream + " was overwritten; not overwritten" +
+                            (v.removed ? ", deleted all the same" : ""));
+            }
+            if (done.outcome == Passes::Outcome::Failed) {
+                file.reset();
+                return notWritten("its stream " + stream + " " + done.why);
+            }
+            v.streams += done.bytes > 0;
+            if (streamsVerify.empty())
+                streamsVerify = done.verifyProblem;
         }
     }
-    v.overwritten = writer.bytes() > 0;
+
+    scheme.starting(v.item);
+    FileWriter writer(*file, raw, held->size, dataWithin(*file, held->size));
+    const std::uint64_t streamBytes = v.bytes;
+    const auto passes = writePasses(*file, writer, scheme, options.verify);
+    v.bytes = streamBytes + writer.bytes();
+    if (passes.outcome == Passes::Outcome::Stopped) {
+        const std::string stopped = "stopped before pass " + std::to_string(passes.pass) + " was complete";
+        if (!options.remove)
+            return left(stopped + "; partly overwritten");
+        cutAndDelete(folder, name, std::move(file), *held);
+        v.removed = !folder.entry(name);
+        return left(stopped + "; not overwritten" + (v.removed ? ", deleted all the same" : ""));
+    }
+    if (passes.outcome == Passes::Outcome::Failed) {
+        file.reset();
+        return notWritten(passes.why);
+    }
+    v.overwritten = v.bytes > 0;
     if (!v.overwritten)
         v.why = held->size == 0 ? "is empty: nothing to overwrite" : "too short to be overwritten";
     if (options.verify && v.overwritten) {
@@ -350,6 +364,11 @@ core::Verdict Engine::overwrite(Folder& folder, const std::string& name, Overwri
         std::vector<std::uint64_t> digests;
         writer.lastPass(ranges, digests);
         v = verify(*file, ranges, digests, v);
+    }
+    if (!streamsVerify.empty() && v.overwritten) {
+        v.verified = false;
+        v.why = streamsVerify;
+        v.problem = true;
     }
     if (options.replaceWith && !options.remove) {
         const std::string& bytes = *options.replaceWith;
@@ -369,6 +388,65 @@ core::Verdict Engine::overwrite(Folder& folder, const std::string& name, Overwri
     }
     report(v);
     return v;
+}
+
+Engine::Passes Engine::writePasses(RawFile& file, FileWriter& writer, OverwriteScheme& scheme, bool verify) {
+    auto& raw = m_platform.rawFiles();
+    Passes done;
+    const int passes = writer.length() == 0 ? 0 : scheme.passes(); // nothing in it to overwrite
+    for (int pass = 1; pass <= passes; ++pass) {
+        done.pass = pass;
+        writer.remember(verify && pass == passes);
+        const auto result = scheme.writePass(pass, writer);
+        done.bytes = writer.bytes();
+        if (result == OverwriteScheme::Pass::Stopped) {
+            done.outcome = Passes::Outcome::Stopped;
+            return done;
+        }
+        if (result == OverwriteScheme::Pass::Failed) {
+            done.outcome = Passes::Outcome::Failed;
+            done.why = "pass " + std::to_string(pass) + " could not be written: " + errorText(raw, writer.error());
+            return done;
+        }
+        // Each pass reaches the device before the next one writes over it.
+        if (!file.flush()) {
+            done.outcome = Passes::Outcome::Failed;
+            done.why = "pass " + std::to_string(pass) + " did not reach the device: " + errorText(raw, raw.lastError());
+            return done;
+        }
+    }
+    return done;
+}
+
+Engine::Passes Engine::overwriteStream(Folder& folder, const std::string& name, const std::string& stream,
+                                       const FileInfo& held, OverwriteScheme& scheme, bool verify) {
+    auto& raw = m_platform.rawFiles();
+    Passes done;
+    auto file = folder.openStream(name, stream);
+    const auto facts = file ? file->info() : std::nullopt;
+    if (!facts || !facts->sameFileAs(held)) {
+        const int code = file ? 0 : raw.lastError();
+        done.outcome = Passes::Outcome::Failed;
+        done.why = file ? "belongs to another file now" : "cannot be opened for writing: " + errorText(raw, code);
+        return done;
+    }
+    scheme.starting(join(folder.path(), name) + ":" + stream);
+    FileWriter writer(*file, raw, facts->size, dataWithin(*file, facts->size));
+    done = writePasses(*file, writer, scheme, verify);
+    if (done.outcome != Passes::Outcome::Written)
+        return done;
+    if (verify && writer.bytes() > 0) {
+        Ranges ranges;
+        std::vector<std::uint64_t> digests;
+        writer.lastPass(ranges, digests);
+        const auto checked = this->verify(*file, ranges, digests, core::Verdict{});
+        if (!checked.verified)
+            done.verifyProblem = "its stream " + stream + " " + checked.why;
+    }
+    // Cut, so that the stream's blocks are free before the file's name goes.
+    file->seek(0, RawFile::From::Begin);
+    file->truncate();
+    return done;
 }
 
 core::Verdict Engine::verify(RawFile& file, const Ranges& ranges, const std::vector<std::uint64_t>& digests,

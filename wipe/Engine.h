@@ -13,6 +13,9 @@
 //   The checks are made on the opened file itself, and the same open file takes every pass.
 // - Only the parts of a file that hold data are written, so a sparse file never fills the drive;
 //   a write or flush that fails ends the overwrite with the verdict "not overwritten".
+// - A file that is to go has its extra data streams (NTFS alternate data streams) written with the
+//   same passes and cut before its own data; one that cannot be written leaves the file "not
+//   overwritten".
 // - A tree removal never follows a link and never enters or removes another mount (mount IDs from
 //   the kernel, bind mounts included); a target that is itself a mount point or a filesystem's root
 //   is refused before anything is touched. Every item left is named.
@@ -69,6 +72,7 @@ public:
 
 struct OverwriteOptions {
     /// Cut and delete the file once written (and also when it cannot be written: its name goes).
+    /// Only then are its extra data streams written too: a file that stays keeps them as they are.
     bool remove = true;
     /// With `remove`, a link, pipe, socket or device in the file's place is removed (never written
     /// through or followed) instead of being left.
@@ -131,6 +135,23 @@ public:
     void report(const core::Verdict& verdict);
 
 private:
+    /// What writing every pass over one stream of a file came to.
+    struct Passes {
+        enum class Outcome { Written, Stopped, Failed };
+        Outcome outcome = Outcome::Written;
+        int pass = 0;              ///< the last pass begun
+        std::uint64_t bytes = 0;   ///< written in all
+        std::string why;           ///< for Failed: which pass, and the system's reason
+        std::string verifyProblem; ///< what a read-back found amiss; empty when all was as written
+    };
+    class FileWriter;
+    /// Writes each pass of `scheme` through `writer` (over `file`), every pass reaching the device
+    /// before the next begins; with `verify`, the last pass's writes are remembered.
+    Passes writePasses(platform::RawFile& file, FileWriter& writer, OverwriteScheme& scheme, bool verify);
+    /// Overwrites the extra stream `stream` of the file `name` (the one `held` describes) with
+    /// `scheme`, reads it back with `verify`, and cuts it.
+    Passes overwriteStream(platform::Folder& folder, const std::string& name, const std::string& stream,
+                           const platform::FileInfo& held, OverwriteScheme& scheme, bool verify);
     bool removeBelow(platform::Folder& dir, const std::function<bool(const platform::FileInfo&)>& keep);
     bool cutAndDelete(platform::Folder& folder, const std::string& name, std::unique_ptr<platform::RawFile> file,
                       const platform::FileInfo& held);

@@ -23,6 +23,8 @@ namespace {
 constexpr ULONG ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 // No delete sharing: while the handle is open nobody renames, moves or removes the folder.
 constexpr ULONG ShareKeepingPlace = FILE_SHARE_READ | FILE_SHARE_WRITE;
+// For a file being written: others may read it or take its name away, never write it.
+constexpr ULONG ShareOwnWrites = FILE_SHARE_READ | FILE_SHARE_DELETE;
 constexpr ACCESS_MASK FolderAccess = FILE_LIST_DIRECTORY | FILE_TRAVERSE | FILE_READ_ATTRIBUTES | READ_CONTROL;
 constexpr auto IdBothDirectoryInformation = static_cast<FILE_INFORMATION_CLASS>(37);
 
@@ -152,6 +154,39 @@ HANDLE openRecord(HANDLE folder, const Record& record, ACCESS_MASK access, ULONG
         return INVALID_HANDLE_VALUE;
     }
     return handle;
+}
+
+/// Whether `error` says that another open of the file, or a program's mapping of it, stands in
+/// the way.
+bool isSharingRefusal(DWORD error) {
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION || error == ERROR_USER_MAPPED_FILE;
+}
+
+/// The names of the extra data streams of the open file `handle` ("name" for ":name:$DATA"); the
+/// main stream and any stream of another type are left out. None where the system cannot tell.
+std::vector<std::wstring> dataStreams(HANDLE handle) {
+    std::vector<std::uint64_t> buffer(1024);
+    while (!::GetFileInformationByHandleEx(handle, FileStreamInfo, buffer.data(),
+                                           static_cast<DWORD>(buffer.size() * sizeof(std::uint64_t)))) {
+        if (::GetLastError() != ERROR_MORE_DATA || buffer.size() >= (std::size_t{1} << 20))
+            return {}; // ERROR_HANDLE_EOF: no stream at all (a folder); others: the system keeps none
+        buffer.resize(buffer.size() * 4);
+    }
+    std::vector<std::wstring> names;
+    const auto* at = reinterpret_cast<const BYTE*>(buffer.data());
+    for (;;) {
+        const auto* info = reinterpret_cast<const FILE_STREAM_INFO*>(at);
+        const std::wstring full(info->StreamName, info->StreamNameLength / sizeof(wchar_t));
+        const std::wstring suffix = L":$DATA";
+        // ":name:$DATA"; the main stream is "::$DATA".
+        if (full.size() > suffix.size() + 1 && full[0] == L':' &&
+            full.compare(full.size() - suffix.size(), suffix.size(), suffix) == 0)
+            names.push_back(full.substr(1, full.size() - suffix.size() - 1));
+        if (info->NextEntryOffset == 0)
+            break;
+        at += info->NextEntryOffset;
+    }
+    return names;
 }
 
 std::string lastComponent(const std::string& path) {
@@ -297,11 +332,13 @@ std::unique_ptr<RawFile> WindowsFolder::openFile(const std::string& name, Create
         ::SetLastError(record->isLink() ? ERROR_CANT_RESOLVE_FILENAME : ERROR_DIRECTORY);
         return nullptr;
     }
-    // No other handle may read or write while this one is open; deleting is shared, so that the
-    // name can go while the file is still held (cut, then removed, by the same run).
-    const HANDLE handle = record ? openRecord(m_handle, *record, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_DELETE,
+    // No other handle may write while this one is open. Reading is shared, so that a second handle
+    // of this run can read the last pass back past the system's cache (another reader sees only
+    // what the passes wrote); deleting is shared, so that the name can go while the file is still
+    // held (cut, then removed, by the same run).
+    const HANDLE handle = record ? openRecord(m_handle, *record, GENERIC_READ | GENERIC_WRITE, ShareOwnWrites,
                                               FILE_NON_DIRECTORY_FILE)
-                                 : openBelow(m_handle, wide, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_DELETE,
+                                 : openBelow(m_handle, wide, GENERIC_READ | GENERIC_WRITE, ShareOwnWrites,
                                              // CREATE_NEW: a file put there since the look above is not taken over
                                              create == Create::Exclusive ? FILE_CREATE : FILE_OPEN_IF,
                                              FILE_NON_DIRECTORY_FILE);
@@ -310,6 +347,70 @@ std::unique_ptr<RawFile> WindowsFolder::openFile(const std::string& name, Create
         ::SetLastError(ERROR_CANT_RESOLVE_FILENAME);
         return nullptr;
     }
+    return adoptPlainFile(handle);
+}
+
+std::unique_ptr<RawFile> WindowsFolder::openForOverwrite(const std::string& name, Refusal& why) {
+    // Asked before anything about the file changes, its read-only mark included.
+    if (isInUse(name)) {
+        why = Refusal::InUse;
+        return nullptr;
+    }
+    auto file = Folder::openForOverwrite(name, why);
+    const DWORD error = ::GetLastError();
+    if (!file && why == Refusal::CannotOpen && isSharingRefusal(error))
+        why = Refusal::InUse; // opened by some program since the question above
+    ::SetLastError(error);
+    return file;
+}
+
+bool WindowsFolder::isInUse(const std::string& name) {
+    const auto record = recordOf(m_handle, widen(name));
+    if (!record || record->isLink() || record->isFolder())
+        return false;
+    // An open that shares nothing is refused while any other handle that reads, writes or deletes
+    // the file is open, in any process, and while a program has it mapped.
+    const HANDLE handle = openRecord(m_handle, *record, FILE_READ_DATA, 0, FILE_NON_DIRECTORY_FILE);
+    if (handle == INVALID_HANDLE_VALUE)
+        return isSharingRefusal(::GetLastError());
+    ::CloseHandle(handle);
+    return false;
+}
+
+std::vector<std::string> WindowsFolder::extraStreams(const std::string& name) {
+    const auto record = recordOf(m_handle, widen(name));
+    if (!record || record->isLink() || record->isFolder())
+        return {};
+    // Asked of the file itself: attribute access shares with every other open, the overwrite's own.
+    const HANDLE handle = openRecord(m_handle, *record, FILE_READ_ATTRIBUTES, ShareAll, FILE_NON_DIRECTORY_FILE);
+    if (handle == INVALID_HANDLE_VALUE)
+        return {};
+    std::vector<std::string> names;
+    for (const std::wstring& stream : dataStreams(handle))
+        names.push_back(narrow(stream));
+    ::CloseHandle(handle);
+    return names;
+}
+
+std::unique_ptr<RawFile> WindowsFolder::openStream(const std::string& name, const std::string& stream) {
+    const std::wstring wide = widen(stream);
+    const auto record = recordOf(m_handle, widen(name));
+    if (!record)
+        return nullptr;
+    if (record->isLink() || record->isFolder() || wide.empty() || wide.find_first_of(L":\\/") != std::wstring::npos) {
+        ::SetLastError(record->isLink() ? ERROR_CANT_RESOLVE_FILENAME : ERROR_INVALID_NAME);
+        return nullptr;
+    }
+    const HANDLE file = openRecord(m_handle, *record, FILE_READ_ATTRIBUTES, ShareAll, FILE_NON_DIRECTORY_FILE);
+    if (file == INVALID_HANDLE_VALUE)
+        return nullptr;
+    // The stream is opened below the file's own handle, by its name alone: the file checked above
+    // is the one whose stream is written.
+    const HANDLE handle = openBelow(file, L":" + wide + L":$DATA", GENERIC_READ | GENERIC_WRITE, ShareOwnWrites,
+                                    FILE_OPEN, FILE_NON_DIRECTORY_FILE);
+    const DWORD error = ::GetLastError();
+    ::CloseHandle(file);
+    ::SetLastError(error);
     return adoptPlainFile(handle);
 }
 

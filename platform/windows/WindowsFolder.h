@@ -3,7 +3,8 @@
 // renamed, moved or replaced while a walk is inside it, with every entry reached below that handle
 // by its name alone (NtCreateFile with the folder as root) and the listing read from the handle
 // itself (GetFileInformationByHandleEx). Entries are always opened as themselves: a symbolic link,
-// junction or mount point is described and deleted, never entered or written through.
+// junction or mount point is described and deleted, never entered or written through. A file's
+// alternate data streams are listed from a handle to the file and opened below that handle.
 
 #include "platform/Folder.h"
 
@@ -31,6 +32,10 @@ public:
     std::unique_ptr<Folder> openFolder(const std::string& name) override;
     using Folder::openFile;
     std::unique_ptr<RawFile> openFile(const std::string& name, Create create) override;
+    std::unique_ptr<RawFile> openForOverwrite(const std::string& name, Refusal& why) override;
+    bool isInUse(const std::string& name) override;
+    std::vector<std::string> extraStreams(const std::string& name) override;
+    std::unique_ptr<RawFile> openStream(const std::string& name, const std::string& stream) override;
     bool removeFile(const std::string& name) override;
     bool removeFolder(const std::string& name) override;
     bool makeNormal(const std::string& name) override;

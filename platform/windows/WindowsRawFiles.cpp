@@ -4,15 +4,46 @@
 #include "platform/windows/WinText.h"
 
 #include <windows.h>
+#include <winternl.h>
 
 #include <algorithm>
 
 namespace platform::windows {
 namespace {
 
+// The volume's sector sizes (Windows 8 on), which the headers for Windows 7 leave out.
+constexpr auto FileFsSectorSizeInformation = static_cast<FS_INFORMATION_CLASS>(11);
+struct SectorSizes {
+    ULONG logical;
+    ULONG physicalForAtomicity;
+    ULONG physicalForPerformance;
+    ULONG effectiveForAtomicity;
+    ULONG flags;
+    ULONG sectorAlignmentOffset;
+    ULONG partitionAlignmentOffset;
+};
+
+/// The alignment reads without the system's cache need on the volume of `handle`: the larger of
+/// its logical and physical sector sizes, so that every read covers whole sectors.
+std::size_t sectorAlignment(HANDLE handle) {
+    std::size_t size = 0;
+    SectorSizes sectors{};
+    IO_STATUS_BLOCK status{};
+    if (::NtQueryVolumeInformationFile(handle, &status, &sectors, sizeof sectors, FileFsSectorSizeInformation) >= 0)
+        size = std::max(sectors.logical, sectors.physicalForPerformance);
+    FILE_FS_SIZE_INFORMATION volume{};
+    if (size == 0 && ::NtQueryVolumeInformationFile(handle, &status, &volume, sizeof volume, FileFsSizeInformation) >= 0)
+        size = volume.BytesPerSector; // systems before Windows 8 tell only the logical size
+    // A size that is no power of two between 512 bytes and 64 KiB is no sector size: whole pages
+    // are whole sectors on every disk there is.
+    const bool plausible = size >= 512 && size <= 65536 && (size & (size - 1)) == 0;
+    return plausible ? size : 4096;
+}
+
 class WindowsRawFile final : public RawFile {
 public:
-    explicit WindowsRawFile(HANDLE handle) : m_handle(handle) {}
+    /// `alignment`: for a handle that reads past the system's cache, what each read must align to.
+    explicit WindowsRawFile(HANDLE handle, std::size_t alignment = 1) : m_handle(handle), m_alignment(alignment) {}
     ~WindowsRawFile() override { ::CloseHandle(m_handle); }
     WindowsRawFile(const WindowsRawFile&) = delete;
     WindowsRawFile& operator=(const WindowsRawFile&) = delete;
@@ -67,11 +98,31 @@ public:
         return fi;
     }
 
-    // Opened with no read or write sharing: no other handle can read or write it at the same time.
+    // Opened with no write sharing: no other handle can write it at the same time.
     bool openElsewhere() const override { return false; }
+
+    std::unique_ptr<RawFile> openUncached() const override {
+        // The same file, reached through this handle and not through any name, read without the
+        // system's cache: what the reads return is what the device holds.
+        const HANDLE direct =
+            reopen(m_handle, FILE_READ_DATA | FILE_READ_ATTRIBUTES, FILE_NON_DIRECTORY_FILE | FILE_NO_INTERMEDIATE_BUFFERING);
+        if (direct != INVALID_HANDLE_VALUE)
+            return std::make_unique<WindowsRawFile>(direct, sectorAlignment(direct));
+        // A handle that shares no reading lets no second one open: the cache is written out, and
+        // what it then holds is read through a copy of this handle.
+        HANDLE copy = nullptr;
+        const HANDLE self = ::GetCurrentProcess();
+        if (!::FlushFileBuffers(m_handle) ||
+            !::DuplicateHandle(self, m_handle, self, &copy, 0, FALSE, DUPLICATE_SAME_ACCESS))
+            return nullptr;
+        return std::make_unique<WindowsRawFile>(copy);
+    }
+
+    std::size_t readAlignment() const override { return m_alignment; }
 
 private:
     HANDLE m_handle;
+    std::size_t m_alignment;
 };
 
 } // namespace

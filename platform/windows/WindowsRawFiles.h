@@ -1,7 +1,8 @@
 #pragma once
 // Raw file handles on Windows: CreateFileW with share mode 0 and OPEN_ALWAYS for the exclusive
 // read-write handle, ReadFile / WriteFile at the file position, SetFilePointer, FlushFileBuffers,
-// and FormatMessageW for the system's error texts. A reparse point (symbolic link, junction) is
+// and FormatMessageW for the system's error texts. The read-back after an overwrite reopens the
+// handle itself without intermediate buffering, in whole sectors of its volume. A reparse point (symbolic link, junction) is
 // opened as itself and then refused, so no handle ever reaches what a link points to.
 
 #include "platform/RawFiles.h"

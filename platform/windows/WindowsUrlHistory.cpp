@@ -38,10 +38,51 @@ FileTime fileTime(const FILETIME& t) {
     return FileTime{t.dwLowDateTime, t.dwHighDateTime};
 }
 
+/// COM started on the calling thread for as long as this lives, unless it was started there
+/// already: S_FALSE, one more start to end; RPC_E_CHANGED_MODE, started in the other apartment
+/// model, which serves as it is and is not ours to end.
+class ComOnThisThread {
+public:
+    ComOnThisThread() : m_started(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    ~ComOnThisThread() {
+        if (m_started)
+            ::CoUninitialize();
+    }
+    ComOnThisThread(const ComOnThisThread&) = delete;
+    ComOnThisThread& operator=(const ComOnThisThread&) = delete;
+
+private:
+    bool m_started;
+};
+
+/// One reference to a COM object, given back when it goes.
+template <typename T>
+class Held {
+public:
+    explicit Held(T* object = nullptr) : m_object(object) {}
+    ~Held() {
+        if (m_object)
+            m_object->Release();
+    }
+    Held(const Held&) = delete;
+    Held& operator=(const Held&) = delete;
+    T* operator->() const { return m_object; }
+    explicit operator bool() const { return m_object != nullptr; }
+
+private:
+    T* m_object;
+};
+
 class WindowsUrlHistoryEnum final : public UrlHistoryEnum {
 public:
-    explicit WindowsUrlHistoryEnum(IEnumSTATURL* enumerator) : m_enum(enumerator) {}
-    ~WindowsUrlHistoryEnum() override { m_enum->Release(); }
+    /// Takes `com` (started by the call that made the enumerator), the store and the enumerator.
+    WindowsUrlHistoryEnum(std::unique_ptr<ComOnThisThread> com, IUrlHistoryStg2* store, IEnumSTATURL* enumerator)
+        : m_com(std::move(com)), m_store(store), m_enum(enumerator) {}
+    ~WindowsUrlHistoryEnum() override {
+        // The enumerator before the store, and both before the thread's COM ends.
+        m_enum->Release();
+        m_store->Release();
+    }
     WindowsUrlHistoryEnum(const WindowsUrlHistoryEnum&) = delete;
     WindowsUrlHistoryEnum& operator=(const WindowsUrlHistoryEnum&) = delete;
 
@@ -70,33 +111,17 @@ public:
     }
 
 private:
+    std::unique_ptr<ComOnThisThread> m_com;
+    IUrlHistoryStg2* m_store;
     IEnumSTATURL* m_enum;
 };
 
 } // namespace
 
-WindowsUrlHistory::~WindowsUrlHistory() {
-    if (m_store)
-        m_store->Release();
-    if (m_comStarted)
-        ::CoUninitialize();
-}
-
-IUrlHistoryStg2* WindowsUrlHistory::store() {
-    if (m_tried) {
-        if (!m_store)
-            succeeded(m_created);
-        return m_store;
-    }
-    m_tried = true;
-    // S_FALSE: this thread had COM already; a thread in the other apartment model can still use it.
-    const HRESULT started = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    m_comStarted = SUCCEEDED(started);
+IUrlHistoryStg2* WindowsUrlHistory::createStore() {
     void* created = nullptr;
-    m_created = ::CoCreateInstance(UrlHistoryClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUrlHistoryStg2, &created);
-    if (succeeded(m_created))
-        m_store = static_cast<IUrlHistoryStg2*>(created);
-    return m_store;
+    const HRESULT result = ::CoCreateInstance(UrlHistoryClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUrlHistoryStg2, &created);
+    return succeeded(result) ? static_cast<IUrlHistoryStg2*>(created) : nullptr;
 }
 
 bool WindowsUrlHistory::succeeded(HRESULT result) {
@@ -110,28 +135,35 @@ bool WindowsUrlHistory::succeeded(HRESULT result) {
 
 bool WindowsUrlHistory::addUrl(const std::string& url, const std::string& title, std::uint32_t flags) {
     m_problems.clear();
-    IUrlHistoryStg2* s = store();
-    return s && succeeded(s->AddUrl(widen(url).c_str(), widen(title).c_str(), flags));
+    const ComOnThisThread com;
+    const Held<IUrlHistoryStg2> store(createStore());
+    return store && succeeded(store->AddUrl(widen(url).c_str(), widen(title).c_str(), flags));
 }
 
 bool WindowsUrlHistory::deleteUrl(const std::string& url, std::uint32_t flags, Remover& /*remover: the store keeps no files of its own*/) {
     m_problems.clear();
-    IUrlHistoryStg2* s = store();
-    return s && succeeded(s->DeleteUrl(widen(url).c_str(), flags));
+    const ComOnThisThread com;
+    const Held<IUrlHistoryStg2> store(createStore());
+    return store && succeeded(store->DeleteUrl(widen(url).c_str(), flags));
 }
 
 std::unique_ptr<UrlHistoryEnum> WindowsUrlHistory::enumUrls() {
-    IUrlHistoryStg2* s = store();
+    auto com = std::make_unique<ComOnThisThread>();
+    IUrlHistoryStg2* store = createStore();
     IEnumSTATURL* enumerator = nullptr;
-    if (!s || !succeeded(s->EnumUrls(&enumerator)) || !enumerator)
+    if (!store || !succeeded(store->EnumUrls(&enumerator)) || !enumerator) {
+        if (store)
+            store->Release();
         return nullptr;
-    return std::make_unique<WindowsUrlHistoryEnum>(enumerator);
+    }
+    return std::make_unique<WindowsUrlHistoryEnum>(std::move(com), store, enumerator);
 }
 
 bool WindowsUrlHistory::clearHistory(Remover& /*remover*/) {
     m_problems.clear();
-    IUrlHistoryStg2* s = store();
-    return s && succeeded(s->ClearHistory());
+    const ComOnThisThread com;
+    const Held<IUrlHistoryStg2> store(createStore());
+    return store && succeeded(store->ClearHistory());
 }
 
 } // namespace platform::windows

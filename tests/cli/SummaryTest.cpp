@@ -30,6 +30,7 @@ TEST(VerdictLedger, CountsOnlyWhatTheVerdictsSayHappened) {
     cli::VerdictLedger ledger;
     auto overwritten = core::Verdict::about("a");
     overwritten.overwritten = overwritten.removed = overwritten.verified = true;
+    overwritten.streams = 2;
     ledger.record(overwritten);
     auto kept = core::Verdict::about("b");
     kept.overwritten = true;
@@ -38,6 +39,7 @@ TEST(VerdictLedger, CountsOnlyWhatTheVerdictsSayHappened) {
     auto failed = core::Verdict::left("c", "pass 1 could not be written: No space left on device");
     failed.removed = true;
     failed.bytes = 4096;
+    failed.streams = 1; // its streams were written, yet they count no more than it does
     ledger.record(failed);
     ledger.record(core::Verdict::left("d", "is open or mapped in a running program; left alone"));
     auto folder = core::Verdict::about("e", true);
@@ -47,7 +49,8 @@ TEST(VerdictLedger, CountsOnlyWhatTheVerdictsSayHappened) {
     cli::ChangeCounts counts;
     counts.bytesWritten = 220;
     ledger.addTo(counts);
-    EXPECT_EQ(cli::describeChanges(counts), "1 file overwritten and deleted, 1 file overwritten, 1 file deleted, "
+    EXPECT_EQ(cli::describeChanges(counts), "1 file overwritten and deleted, 1 file overwritten, "
+                                            "2 alternate data streams overwritten with them, 1 file deleted, "
                                             "1 folder deleted, 1 file verified, 220 B written");
     EXPECT_EQ(cli::describeChanges({}), "nothing changed");
     EXPECT_EQ(cli::describeChanges({}, {"1.0 GiB of memory filled"}), "1.0 GiB of memory filled");

@@ -8,10 +8,12 @@
 #include <gtest/gtest.h>
 
 #include <windows.h>
+#include <objbase.h>
 #include <wininet.h>
 
 #include <cstring>
 #include <map>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -125,4 +127,28 @@ TEST(WindowsUrlHistory, TheStoreWorksOrFailsWithoutPretending) {
         found = found || record.pwcsUrl == Unicode;
     EXPECT_TRUE(found);
     EXPECT_TRUE(history.deleteUrl(Unicode, 0, noRemover));
+}
+
+TEST(WindowsUrlHistory, EachCallWorksFromAnyThreadAndEndsTheComItStarted) {
+    auto p = platform::createNative();
+    auto& history = p->urlHistory();
+    bool added = false;
+    std::vector<platform::StoreProblem> problems;
+    HRESULT startedAfter = E_FAIL;
+    std::thread([&] {
+        added = history.addUrl(Ascii, "Title", 0);
+        problems = history.storeProblems();
+        // The call ended the COM it started: this thread may still choose its apartment model.
+        startedAfter = ::CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+        if (SUCCEEDED(startedAfter))
+            ::CoUninitialize();
+    }).join();
+    EXPECT_EQ(startedAfter, S_OK);
+    // Another thread, once the first has ended, reaches the store the same way.
+    EXPECT_EQ(history.deleteUrl(Ascii, 0), added);
+    if (!added) {
+        ASSERT_EQ(problems.size(), 1u);
+        ASSERT_EQ(history.storeProblems().size(), 1u);
+        EXPECT_EQ(history.storeProblems()[0].reason, problems[0].reason);
+    }
 }
