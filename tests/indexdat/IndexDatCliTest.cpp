@@ -3,7 +3,7 @@
 
 #include "indexdat/ActivityWipe.h"
 #include "tests/indexdat/RecordFile.h"
-#include "tests/support/CliProcess.h"
+#include "tests/support/Process.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
