@@ -6,7 +6,7 @@
 #include "platform/linux/LinuxUrlHistory.h"
 #include "platform/linux/ProfileHistory.h"
 #include "platform/linux/Sqlite.h"
-#include "tests/support/CliProcess.h"
+#include "tests/support/Process.h"
 
 #include <gtest/gtest.h>
 
