@@ -3,10 +3,11 @@
 // driven through the real window by object name on the offscreen platform.
 
 #include "app/TaviMain.h"
-#include "app/autoclean/AutoCleanState.h"
+#include "autoclean/AutoCleanState.h"
 #include "controls/ggcommand/GGCommand.h"
 #include "tests/gui/MainWindowUnderTest.h"
 #include "tests/platform/BrowserHome.h"
+#include "tests/support/CachedAddresses.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Hive.h"
 #include "tests/support/QtTestMain.h"
@@ -66,7 +67,7 @@ private slots:
 
     void showCacheListsTheEntriesAndWipeCacheDeletesExactlyThose() {
         auto* list = m_app->main.findChild<QListWidget*>("List1");
-        const auto cached = platform::cachedAddresses(m_home->freshPlatform()->urlCache());
+        const auto cached = testsupport::cachedAddresses(m_home->freshPlatform()->urlCache());
         const std::set<std::string> addresses(cached.begin(), cached.end()); // one line for both browsers
         QVERIFY(!cached.empty());
         list->clear();
@@ -78,7 +79,7 @@ private slots:
 
         QTest::mouseClick(button(2), Qt::LeftButton);
         QCOMPARE(list->count(), 0);
-        QVERIFY(platform::cachedAddresses(m_home->freshPlatform()->urlCache()).empty());
+        QVERIFY(testsupport::cachedAddresses(m_home->freshPlatform()->urlCache()).empty());
         QCOMPARE(status(), entries + " removed");
     }
 

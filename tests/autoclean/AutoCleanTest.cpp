@@ -1,8 +1,9 @@
-// AutoClean's transitions and the process check it relies on, with a real child process started
+// AutoClean's transitions, the process check and the watch step, with a real child process started
 // under a watched browser name.
 
-#include "app/autoclean/AutoCleanState.h"
-#include "app/autoclean/CheckProcess.h"
+#include "autoclean/AutoCleanState.h"
+#include "autoclean/CheckProcess.h"
+#include "autoclean/WatchStep.h"
 #include "platform/Platform.h"
 #include "tests/support/ChildProcess.h"
 
@@ -66,4 +67,19 @@ TEST(CheckProcess, WatchesTheBrowsersByTheirProgramFilesNotTheHelpersThatOutlive
         testsupport::ChildProcess browser(program);
         EXPECT_TRUE(IsProcessRunning(platform->processes(), watchedBrowsers())) << program;
     }
+}
+
+TEST(WatchStep, AsksForACleanOnlyOnceTheBrowserThatStartedIsGone) {
+    auto platform = platform::createNative();
+    auto& processes = platform->processes();
+    AutoCleanState s = toggled({});
+    EXPECT_EQ(watchStep(s, Timer::Check, processes), Tick::Nothing);
+    {
+        testsupport::ChildProcess browser("firefox");
+        EXPECT_EQ(watchStep(s, Timer::Check, processes), Tick::BrowserStarted);
+        EXPECT_EQ(s, (AutoCleanState{OnCaption, false, true}));
+        EXPECT_EQ(watchStep(s, Timer::Closed, processes), Tick::Nothing);
+    }
+    EXPECT_EQ(watchStep(s, Timer::Closed, processes), Tick::CleanDue);
+    EXPECT_EQ(s, (AutoCleanState{OnCaption, false, true})); // the caller moves on after its clean
 }
