@@ -117,10 +117,6 @@ private:
 Engine::Engine(platform::Platform& platform, core::VerdictSink* verdicts, core::ProblemSink* problems)
     : m_platform(platform), m_verdicts(verdicts), m_problems(problems) {}
 
-std::string Engine::join(const std::string& folder, const std::string& name) const {
-    return joinPath(m_platform.fileSystem(), folder, name);
-}
-
 void Engine::report(const core::Verdict& verdict) {
     if (m_verdicts)
         m_verdicts->record(verdict);
@@ -163,7 +159,7 @@ std::optional<Engine::Target> Engine::locate(const std::string& path, std::strin
             why = "the working folder cannot be read";
             return std::nullopt;
         }
-        rest = root + sep + text;
+        rest = files.join(root, text);
         root = sep == '/' ? "/" : rest.substr(0, 3);
     }
     // The names after the root, "." dropped and ".." taking its folder away, as written.
@@ -189,7 +185,7 @@ std::optional<Engine::Target> Engine::locate(const std::string& path, std::strin
     std::string walked = root;
     for (std::size_t i = 0; folder && i + 1 < names.size(); ++i) {
         const auto entry = folder->entry(names[i]);
-        walked = join(walked, names[i]);
+        walked = m_platform.fileSystem().join(walked, names[i]);
         if (entry && entry->isLink()) {
             why = "leads through the link " + walked + "; name the folder it points to instead";
             return std::nullopt;
@@ -204,7 +200,7 @@ std::optional<Engine::Target> Engine::locate(const std::string& path, std::strin
 }
 
 core::Verdict Engine::remove(Folder& folder, const std::string& name, const std::string& whyNotOverwritten) {
-    auto v = core::Verdict::about(join(folder.path(), name));
+    auto v = core::Verdict::about(m_platform.fileSystem().join(folder.path(), name));
     const auto entry = folder.entry(name);
     if (entry && isMountPoint(folder, *entry)) {
         v.why = "is a mount point; left in place";
@@ -264,7 +260,7 @@ bool Engine::rewrite(Folder& folder, const std::string& name, const std::string&
 core::Verdict Engine::overwrite(Folder& folder, const std::string& name, OverwriteScheme& scheme,
                                 const OverwriteOptions& options) {
     auto& raw = m_platform.rawFiles();
-    auto v = core::Verdict::about(join(folder.path(), name));
+    auto v = core::Verdict::about(m_platform.fileSystem().join(folder.path(), name));
     const auto left = [&](const std::string& why, bool problem = true) {
         v.why = why;
         v.problem = problem;
@@ -430,7 +426,7 @@ Engine::Passes Engine::overwriteStream(Folder& folder, const std::string& name, 
         done.why = file ? "belongs to another file now" : "cannot be opened for writing: " + errorText(raw, code);
         return done;
     }
-    scheme.starting(join(folder.path(), name) + ":" + stream);
+    scheme.starting(m_platform.fileSystem().join(folder.path(), name) + ":" + stream);
     FileWriter writer(*file, raw, facts->size, dataWithin(*file, facts->size));
     done = writePasses(*file, writer, scheme, verify);
     if (done.outcome != Passes::Outcome::Written)
@@ -524,7 +520,7 @@ bool Engine::removeOwnFile(Folder& folder, const std::string& name, const FileIn
         }
     }
     if (!gone)
-        report(core::Verdict::left(join(folder.path(), name), now->sameFileAs(expected) ? "cannot be deleted" : "is no longer the file this run made; left alone"));
+        report(core::Verdict::left(m_platform.fileSystem().join(folder.path(), name), now->sameFileAs(expected) ? "cannot be deleted" : "is no longer the file this run made; left alone"));
     return gone;
 }
 
@@ -544,7 +540,7 @@ std::string Engine::treeRefusal(Folder& parent, const std::string& name) {
 }
 
 bool Engine::removeEmptyFolder(Folder& parent, const std::string& name) {
-    auto v = core::Verdict::about(join(parent.path(), name), true);
+    auto v = core::Verdict::about(m_platform.fileSystem().join(parent.path(), name), true);
     v.removed = parent.removeFolder(name);
     if (!v.removed) {
         v.why = "cannot be deleted";
@@ -557,14 +553,14 @@ bool Engine::removeEmptyFolder(Folder& parent, const std::string& name) {
 bool Engine::removeTree(Folder& parent, const std::string& name, const std::function<bool(const FileInfo&)>& keep) {
     const std::string refusal = treeRefusal(parent, name);
     if (!refusal.empty()) {
-        report(core::Verdict::left(join(parent.path(), name), refusal, true));
+        report(core::Verdict::left(m_platform.fileSystem().join(parent.path(), name), refusal, true));
         return false;
     }
     const auto entry = parent.entry(name);
     parent.makeNormal(name); // a read-only folder would refuse the removal of its entries
     auto dir = parent.openFolder(name);
     if (!dir || !dir->self().sameFileAs(*entry)) {
-        report(core::Verdict::left(join(parent.path(), name), "cannot be opened", true));
+        report(core::Verdict::left(m_platform.fileSystem().join(parent.path(), name), "cannot be opened", true));
         return false;
     }
     const bool emptied = removeBelow(*dir, keep);
@@ -587,7 +583,7 @@ bool Engine::removeBelow(Folder& dir, const std::function<bool(const FileInfo&)>
     bool all = true;
     for (const auto& entry : entries) {
         if (isMountPoint(dir, entry)) {
-            report(core::Verdict::left(join(dir.path(), entry.name), "is a mount point; left in place", entry.isDirectory()));
+            report(core::Verdict::left(m_platform.fileSystem().join(dir.path(), entry.name), "is a mount point; left in place", entry.isDirectory()));
             all = false;
         } else if (entry.isDirectory() && !entry.isLink()) {
             all = removeTree(dir, entry.name, keep) && all;
@@ -627,13 +623,6 @@ std::int64_t readBackDifference(RawFile& file, std::uint64_t length, const Expec
         at += n;
     }
     return -1;
-}
-
-std::string joinPath(const platform::FileSystem& files, const std::string& folder, const std::string& name) {
-    const char sep = files.separator();
-    if (folder.empty() || folder.back() == sep)
-        return folder + name;
-    return folder + sep + name;
 }
 
 std::pair<std::string, std::string> splitPath(const platform::FileSystem& files, const std::string& path) {

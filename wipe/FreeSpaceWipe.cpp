@@ -50,7 +50,7 @@ FreeSpaceWipe::FreeSpaceWipe(platform::Platform& platform, FreeSpaceView& view, 
     : m_platform(platform), m_view(view), m_problems(problems) {}
 
 std::string FreeSpaceWipe::tempPath(const std::string& dir) const {
-    return joinPath(m_platform.fileSystem(), dir, texts::TempFileName);
+    return m_platform.fileSystem().join(dir, texts::TempFileName);
 }
 
 core::Currency FreeSpaceWipe::freeSpace(const std::string& dir) {

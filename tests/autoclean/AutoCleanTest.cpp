@@ -1,9 +1,10 @@
-// AutoClean's transitions and the process check it relies on, with a real child process started
+// AutoClean's transitions, the process check and the watch step, with a real child process started
 // under a watched browser name. The check sees only the children the test started: a browser the
 // machine happens to run must not decide the outcome.
 
-#include "app/autoclean/AutoCleanState.h"
-#include "app/autoclean/CheckProcess.h"
+#include "autoclean/AutoCleanState.h"
+#include "autoclean/CheckProcess.h"
+#include "autoclean/WatchStep.h"
 #include "platform/Platform.h"
 #include "tests/support/Process.h"
 
@@ -91,4 +92,20 @@ TEST(CheckProcess, WatchesTheBrowsersByTheirProgramFilesNotTheHelpersThatOutlive
         processes.own = {browser.pid()};
         EXPECT_TRUE(IsProcessRunning(processes, watchedBrowsers())) << program;
     }
+}
+
+TEST(WatchStep, AsksForACleanOnlyOnceTheBrowserThatStartedIsGone) {
+    auto platform = platform::createNative();
+    OwnChildren processes(platform->processes());
+    AutoCleanState s = toggled({});
+    EXPECT_EQ(watchStep(s, Timer::Check, processes), Tick::Nothing);
+    {
+        testsupport::ChildProcess browser("firefox");
+        processes.own = {browser.pid()};
+        EXPECT_EQ(watchStep(s, Timer::Check, processes), Tick::BrowserStarted);
+        EXPECT_EQ(s, (AutoCleanState{OnCaption, false, true}));
+        EXPECT_EQ(watchStep(s, Timer::Closed, processes), Tick::Nothing);
+    }
+    EXPECT_EQ(watchStep(s, Timer::Closed, processes), Tick::CleanDue);
+    EXPECT_EQ(s, (AutoCleanState{OnCaption, false, true})); // the caller moves on after its clean
 }
