@@ -62,7 +62,7 @@ TEST(CheckProcess, FindsAProgramByNameIgnoringCaseAndBlanks) {
     OwnChildren processes(platform->processes());
     testsupport::ChildProcess browser("iexplore.exe");
     EXPECT_FALSE(IsProcessRunning(processes, "iexplore.exe")); // not one of ours yet
-    processes.own.push_back(browser.pid());
+    processes.own.push_back(static_cast<long>(browser.pid()));
     EXPECT_TRUE(IsProcessRunning(processes, "  IEXPLORE.EXE "));
     EXPECT_TRUE(IsProcessRunning(processes, watchedBrowsers()));
     int pumped = 0;
@@ -78,7 +78,7 @@ TEST(CheckProcess, WatchesTheBrowsersByTheirProgramFilesNotTheHelpersThatOutlive
         testsupport::ChildProcess helper("chrome_crashpad_handler");
         testsupport::ChildProcess crash("crashhelper");
         OwnChildren processes(platform->processes());
-        processes.own = {helper.pid(), crash.pid()};
+        processes.own = {static_cast<long>(helper.pid()), static_cast<long>(crash.pid())};
         EXPECT_FALSE(IsProcessRunning(processes, watchedBrowsers()));
     }
 #ifdef _WIN32
@@ -89,7 +89,7 @@ TEST(CheckProcess, WatchesTheBrowsersByTheirProgramFilesNotTheHelpersThatOutlive
     for (const std::string& program : browsers) {
         testsupport::ChildProcess browser(program);
         OwnChildren processes(platform->processes());
-        processes.own = {browser.pid()};
+        processes.own = {static_cast<long>(browser.pid())};
         EXPECT_TRUE(IsProcessRunning(processes, watchedBrowsers())) << program;
     }
 }
@@ -100,8 +100,12 @@ TEST(WatchStep, AsksForACleanOnlyOnceTheBrowserThatStartedIsGone) {
     AutoCleanState s = toggled({});
     EXPECT_EQ(watchStep(s, Timer::Check, processes), Tick::Nothing);
     {
+#ifdef _WIN32
+        testsupport::ChildProcess browser("iexplore.exe"); // the one browser watched there
+#else
         testsupport::ChildProcess browser("firefox");
-        processes.own = {browser.pid()};
+#endif
+        processes.own = {static_cast<long>(browser.pid())};
         EXPECT_EQ(watchStep(s, Timer::Check, processes), Tick::BrowserStarted);
         EXPECT_EQ(s, (AutoCleanState{OnCaption, false, true}));
         EXPECT_EQ(watchStep(s, Timer::Closed, processes), Tick::Nothing);
