@@ -37,12 +37,11 @@ std::string secondsText(double seconds) {
     return s;
 }
 
-/// Writes `bytes` at `position` of the file; like every write of the file object, a short or failed
-/// one (a full drive) goes unreported.
-void writeAt(Random& file, std::int64_t position, std::span<const std::uint8_t> bytes) {
+/// Writes `bytes` at `position` of the file. False when the file took fewer of them (a full drive).
+bool writeAt(Random& file, std::int64_t position, std::span<const std::uint8_t> bytes) {
     file.SeekAbsolute(static_cast<std::int32_t>(position >> 32),
                       static_cast<std::int32_t>(static_cast<std::uint32_t>(position)));
-    file.WriteBytes(bytes);
+    return file.Raw().write(bytes.data(), bytes.size()) == bytes.size();
 }
 
 } // namespace
@@ -175,13 +174,15 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
                 m_random.reseed(pass <= 4 ? std::sin(t) : std::tan(t));
             }
             const Gutmann::Values values = Gutmann::values(pass, m_random);
+            // Block 2 is always covered again before anything reaches the device (see below): only
+            // blocks 1 and 3 are ever written.
             const auto block1 = Gutmann::wideBlock(values[0], chars);
-            const auto block2 = Gutmann::wideBlock(values[1], chars);
             const auto block3 = Gutmann::wideBlock(values[2], chars);
 
             FreeSpaceProgress now{pass, increment, 0, count, {}, {}, 0};
             std::vector<Write> writes; // the last pass's writes, in order, for its read-back
             std::int64_t at = 0;       // where the increment before this one began
+            bool full = false;         // whether the drive has taken all it can
             for (std::int64_t i = 1; i <= steps; ++i) {
                 // The seek halves come from the 64-bit position itself; for the fixed increment that
                 // is exactly what the offset and high-half bookkeeping below amounts to, and it stays
@@ -194,16 +195,19 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
                 // byte of the pass once, instead of three blocks twice the increment wide.
                 const auto kept = static_cast<std::size_t>(
                     std::min<std::int64_t>(position - at, static_cast<std::int64_t>(block1.size())));
-                if (kept > 0)
-                    writeAt(file, at, std::span(block1).first(kept));
+                const auto write = [&](std::int64_t start, std::size_t length, const std::vector<std::uint8_t>& block) {
+                    // A write that comes back short has met the end of the free space: the ones
+                    // after it in the pass would only fail, each after the filesystem has looked
+                    // for room once more.
+                    if (length == 0 || full)
+                        return;
+                    full = !writeAt(file, start, std::span(block).first(length));
+                    if (m_verify && pass == Gutmann::PassCount)
+                        writes.push_back({start, length, &block});
+                };
+                write(at, kept, block1);
                 if (i == steps)
-                    writeAt(file, position, block3);
-                if (m_verify && pass == Gutmann::PassCount) {
-                    if (kept > 0)
-                        writes.push_back({at, kept, &block1});
-                    if (i == steps)
-                        writes.push_back({position, block3.size(), &block3});
-                }
+                    write(position, block3.size(), block3);
                 // Nothing later in the pass writes before this increment's start again: what lies
                 // before it can go to the device while the run goes on.
                 if (position > at)
