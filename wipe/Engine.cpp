@@ -75,7 +75,8 @@ public:
         const auto* bytes = static_cast<const unsigned char*>(data);
         const std::uint64_t end = offset + count;
         // The pieces of [offset, end) that hold data, then whatever lies past the first length.
-        for (const auto& [start, size] : m_data) {
+        for (auto range = firstEndingAfter(offset); range != m_data.end() && range->first < end; ++range) {
+            const auto [start, size] = *range;
             const std::uint64_t from = std::max(offset, start), to = std::min(end, start + size);
             if (from < to && !put(from, bytes + (from - offset), to - from))
                 return false;
@@ -88,10 +89,8 @@ public:
     }
 
     std::uint64_t nextData(std::uint64_t offset) const override {
-        for (const auto& [start, size] : m_data)
-            if (offset < start + size)
-                return std::max(offset, start);
-        return std::max(offset, m_length);
+        const auto range = firstEndingAfter(offset);
+        return range != m_data.end() ? std::max(offset, range->first) : std::max(offset, m_length);
     }
 
     void startFlush(std::uint64_t offset, std::uint64_t length) override {
@@ -114,6 +113,13 @@ public:
     }
 
 private:
+    /// The first data range that ends after `offset`: a file of many extents is written in many
+    /// pieces, and each finds its ranges without walking all that lie before it.
+    Ranges::const_iterator firstEndingAfter(std::uint64_t offset) const {
+        return std::upper_bound(m_data.begin(), m_data.end(), offset,
+                                [](std::uint64_t at, const auto& range) { return at < range.first + range.second; });
+    }
+
     bool put(std::uint64_t at, const unsigned char* bytes, std::uint64_t count) {
         if (m_file.seek(static_cast<std::int64_t>(at), RawFile::From::Begin) != static_cast<std::int64_t>(at) ||
             m_file.write(bytes, count) != count) {
