@@ -174,7 +174,7 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
                 m_random.reseed(pass <= 4 ? std::sin(t) : std::tan(t));
             }
             const Gutmann::Values values = Gutmann::values(pass, m_random);
-            // Block 2 is always covered again before anything reaches the device (see below): only
+            // Block 2 is always covered again before it is sent to the device (see below): only
             // blocks 1 and 3 are ever written.
             const auto block1 = Gutmann::wideBlock(values[0], chars);
             const auto block3 = Gutmann::wideBlock(values[2], chars);
@@ -189,10 +189,10 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
                 // right for the removable increment past 2 GiB, where the offset no longer fits.
                 const std::int64_t position = core::roundHalfEven(now.wiped.toDouble());
                 // An increment lays block 1 where the one before began and blocks 2 and 3 at its own
-                // start, which the next increment's block 1 covers again. Nothing reaches the device
-                // in between, so of block 1 only the part before this increment's start is ever
-                // kept, and of block 3 only what the last increment leaves: those are written, each
-                // byte of the pass once, instead of three blocks twice the increment wide.
+                // start, where the next increment's block 1 lands again before any of it is sent to
+                // the device. So of block 1 only the part before this increment's start stays, and
+                // of block 3 only what the last increment lays: those alone are written, each byte
+                // of the pass once, rather than three blocks twice the increment wide.
                 const auto kept = static_cast<std::size_t>(
                     std::min<std::int64_t>(position - at, static_cast<std::int64_t>(block1.size())));
                 const auto write = [&](std::int64_t start, std::size_t length, const std::vector<std::uint8_t>& block) {
