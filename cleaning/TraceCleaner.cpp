@@ -45,11 +45,16 @@ void ReportStoresInUse(core::ProblemSink* problems, const std::vector<std::strin
         problems->skipped(store, "its browser is running; its " + what + " was left alone");
 }
 
-void ReportStoreProblems(core::ProblemSink* problems, const std::vector<platform::StoreProblem>& stores) {
+void ReportStoreProblems(core::ProblemSink* problems, const std::vector<platform::StoreProblem>& stores,
+                         bool absentIsFailure) {
     if (!problems)
         return;
-    for (const platform::StoreProblem& store : stores)
-        problems->skipped(store.file, store.reason);
+    for (const platform::StoreProblem& store : stores) {
+        if (store.absent && !absentIsFailure)
+            problems->noted(store.file, store.reason + "; this system has no such store, so nothing in it is left");
+        else
+            problems->skipped(store.file, store.reason);
+    }
 }
 
 void TraceCleaner::ShowCache() {
@@ -149,7 +154,7 @@ void TraceCleaner::CleanAll() {
         if (!after.count(url))
             m_view.itemDone(TraceStep::History, url);
     ReportStoresInUse(m_problems, m_platform.urlHistory().storesInUse(), "history");
-    ReportStoreProblems(m_problems, m_platform.urlHistory().storeProblems());
+    ReportStoreProblems(m_problems, m_platform.urlHistory().storeProblems(), false);
 }
 
 void TraceCleaner::cleanCookieRecords() {

@@ -27,7 +27,10 @@ namespace cleaning {
 /// because its browser runs; `what` names the part left ("cache", "history").
 void ReportStoresInUse(core::ProblemSink* problems, const std::vector<std::string>& stores, const std::string& what);
 /// Tells `problems` (when given) about each file of a store that could not be read or cleaned.
-void ReportStoreProblems(core::ProblemSink* problems, const std::vector<platform::StoreProblem>& stores);
+/// With `absentIsFailure` false, a store this system does not have is only noted: a full clean
+/// misses nothing in it, while a command about that store alone cannot do its work.
+void ReportStoreProblems(core::ProblemSink* problems, const std::vector<platform::StoreProblem>& stores,
+                         bool absentIsFailure = true);
 
 class TraceCleaner {
 public:

@@ -9,4 +9,8 @@ void StderrSink::skipped(const std::string& item, const std::string& reason) {
     std::cerr << "scourmill-cli: skipped " << item << ": " << reason << "\n";
 }
 
+void StderrSink::noted(const std::string& item, const std::string& text) {
+    std::cerr << "scourmill-cli: note: " << item << ": " << text << "\n";
+}
+
 } // namespace cli

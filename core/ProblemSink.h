@@ -14,6 +14,8 @@ public:
 
     /// `item` (a path, a key, an address) was skipped for `reason`.
     virtual void skipped(const std::string& item, const std::string& reason) = 0;
+    /// `item` is worth telling about (`text`) but nothing failed: a store this system does not have.
+    virtual void noted(const std::string& /*item*/, const std::string& /*text*/) {}
 };
 
 /// A sink that forgets everything: the desktop program's quiet behaviour.

@@ -45,6 +45,9 @@ struct UrlCacheEntryInfo {
 struct StoreProblem {
     std::string file;
     std::string reason;
+    /// The store does not exist on this system (Wine has no URL history store): nothing was
+    /// recorded there, so a full clean has nothing to miss in it.
+    bool absent = false;
 };
 
 /// An open enumeration of the cache; 0 is none.

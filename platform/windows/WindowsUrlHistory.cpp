@@ -113,7 +113,8 @@ bool WindowsUrlHistory::succeeded(HRESULT result) {
         return true;
     // Named once: the listing that follows a change meets the same refusal.
     if (m_problems.empty())
-        m_problems.push_back({kStoreName, "cannot be reached: " + describe(result)});
+        m_problems.push_back({kStoreName, "cannot be reached: " + describe(result),
+                              result == E_NOTIMPL || result == REGDB_E_CLASSNOTREG});
     return false;
 }
 

@@ -28,11 +28,13 @@ using testsupport::ScratchDir;
 // The listing opens WinINet's record files, the cookie folder's among them; the cookie step after it
 // must still find that one free. The first case of this program, so that no earlier case has had
 // this process's WinINet open that file.
-TEST(WindowsCli, CleanAllDeletesTheCookieRecordFileItsOwnListingOpened) {
+TEST(WindowsCli, CleanAllDeletesTheCookieRecordFileItsOwnListingOpenedAndEndsWithZero) {
     wchar_t cookies[MAX_PATH] = {};
     ASSERT_EQ(::SHGetFolderPathW(nullptr, CSIDL_COOKIES, nullptr, 0, cookies), S_OK);
     const std::filesystem::path record = std::filesystem::path(cookies) / "index.dat";
     const auto r = runCli("clean-all --yes");
+    // Wine has no URL history store: that is said, and is no failure of a full clean.
+    EXPECT_EQ(r.code, 0) << r.seen();
     EXPECT_EQ(r.err.find("index.dat"), std::string::npos) << r.seen();
     EXPECT_FALSE(std::filesystem::exists(record)) << r.seen();
 }
