@@ -59,7 +59,7 @@ BrowserHome::BrowserHome(CacheLayout layout, FirefoxRoot root, BrowserChoice bro
     m_firefoxRoot = root == FirefoxRoot::DotMozilla ? m_home / ".mozilla/firefox" : m_home / ".config/mozilla/firefox";
     if (browsers.chromium) {
         copyTree(kData / "chromium/user-data", chromiumUserData());
-        copyTree(kData / "chromium/cache/Default/Cache/Cache_Data", chromiumCache());
+        copyTree(kData / "chromium/cache/Default", chromiumCache().parent_path().parent_path());
     }
     if (browsers.firefox) {
         copyTree(kData / "firefox/profiles", m_firefoxRoot);

@@ -19,7 +19,8 @@ std::set<std::string> cachedInBoth() {
     std::set<std::string> urls;
     for (const VisitedPage& page : visitedPages())
         urls.insert(page.url);
-    for (const char* file : {"scourmill-style-3b7d.css", "scourmill-picture-c0de.png", "scourmill-icon-e5f1.png"})
+    for (const char* file : {"scourmill-style-3b7d.css", "scourmill-picture-c0de.png", "scourmill-icon-e5f1.png",
+                             "scourmill-script-9a4e.js"})
         urls.insert(kSite + file);
     return urls;
 }

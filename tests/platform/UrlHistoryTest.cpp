@@ -37,11 +37,12 @@ std::vector<std::string> urlsOf(const std::vector<platform::StatUrl>& records) {
     return urls;
 }
 
-/// Texts that only a visit leaves: addresses and titles of the pages that are not bookmarked.
+/// Texts that only a visit leaves: addresses and titles of the pages that are not bookmarked, and
+/// the address of the script they ran.
 std::vector<std::string> visitTraces() {
     return {"scourmill-alpha-7f3a", "scourmill-beta-91c2", "scourmill-untitled-4d8e", "scourmill-gamma-2e6b",
             "scourmill-query-5521", "scourmill-delta-6a1f", "scourmill-epsilon-83d0", "Alpha Title 7f3a",
-            "Beta Title 91c2", "Gamma Title 2e6b", "Delta Title 6a1f", "Epsilon Title 83d0"};
+            "Beta Title 91c2", "Gamma Title 2e6b", "Delta Title 6a1f", "Epsilon Title 83d0", "scourmill-script-9a4e"};
 }
 
 /// Every file of the home that still holds one of `texts`, with the text.
@@ -102,7 +103,13 @@ void addUnlistedCacheFiles(const BrowserHome& home) {
     put(home.chromiumProfile() / "GPUCache/data_1", trace);
     put(home.chromiumProfile() / "DawnWebGPUCache/data_1", trace);
     put(home.chromiumProfile() / "Shared Dictionary/cache/0123456789abcdef_0", trace);
-    put(home.firefoxCache() / "entries/0123456789ABCDEF0123456789ABCDEF01234567", trace); // cut before its metadata
+    // A page's entry the browser stopped writing before its metadata: only the data, whose size
+    // the last four bytes give, and no key.
+    for (const auto& entry : fs::directory_iterator(home.firefoxCache() / "entries"))
+        if (const std::string b = readFile(entry.path()); b.find("page scourmill-alpha-7f3a") != std::string::npos)
+            put(home.firefoxCache() / "entries/0123456789ABCDEF0123456789ABCDEF01234567",
+                b.substr(0, std::uint8_t(b[b.size() - 4]) << 24 | std::uint8_t(b[b.size() - 3]) << 16 |
+                                std::uint8_t(b[b.size() - 2]) << 8 | std::uint8_t(b[b.size() - 1])));
     put(home.firefoxCache() / "doomed/1", trace);
     put(home.firefoxCache() / "trash12345/entries/0123456789ABCDEF0123456789ABCDEF0123456A", trace);
     put(home.firefoxCache().parent_path() / "thumbnails/0a1b2c.png", trace);
@@ -237,6 +244,10 @@ TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
     BrowserHome home;
     const std::string bookmarks = readFile(home.chromiumProfile() / "Bookmarks");
     ASSERT_FALSE(filesHolding(home, visitTraces()).empty());
+    // Chromium keeps the script's compiled code under the script's address.
+    const auto scripts = filesHolding(home, {"scourmill-script-9a4e"});
+    ASSERT_TRUE(std::any_of(scripts.begin(), scripts.end(),
+                            [](const std::string& f) { return f.find("/Code Cache/js/") != std::string::npos; }));
     ASSERT_TRUE(fs::exists(home.firefoxProfile() / "sessionstore.jsonlz4"));
 
     addUnlistedCacheFiles(home);

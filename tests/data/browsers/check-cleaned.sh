@@ -27,7 +27,7 @@ echo "== cleaning"
 as_user "$cli" show-cache | sed 's/^/  cached: /'
 as_user "$cli" wipe-cache --yes
 as_user "$cli" history clear --yes
-left=$(grep -rlaF -e alpha-7f3a -e beta-91c2 -e untitled-4d8e -e gamma-2e6b -e query-5521 -e delta-6a1f -e epsilon-83d0 "$home" || true)
+left=$(grep -rlaF -e alpha-7f3a -e beta-91c2 -e untitled-4d8e -e gamma-2e6b -e query-5521 -e delta-6a1f -e epsilon-83d0 -e script-9a4e "$home" || true)
 echo "files still naming a visited page: ${left:-none}"
 sites=$(grep -oa '127\.0\.0\.1:4812[0-9]' "$home/.config/chromium/Default/Preferences" | sort -u | tr '\n' ' ' || true)
 echo "visited sites still in Chromium's Preferences: ${sites:-none}"

@@ -2,13 +2,16 @@
 # Makes the browser profiles the platform tests run on: Chromium and Firefox ESR, each started
 # headless under a throw-away home, visiting a few pages of a local web server whose addresses and
 # titles are easy to find in raw bytes, one of them without a title and one bookmarked, two of them
-# on sites of their own (other ports) so that the per-site records hold more than one site. The result
+# on sites of their own (other ports) so that the per-site records hold more than one site. Most
+# pages load the same large script, so that Chromium, seeing it again, keeps its compiled code
+# under the script's address in "Code Cache/js". The result
 # is pruned to what records visits or is needed to open the profile again, and copied here in a
 # neutral layout that the tests place either way (caches under $XDG_CACHE_HOME, or in the profile):
 #
 #   chromium/user-data/...                the user-data folder: "Local State", Default/, and the
 #                                         visit records it keeps for all its profiles
 #   chromium/cache/Default/Cache/...      the Default profile's disk cache
+#   chromium/cache/Default/Code Cache/js  its compiled scripts
 #   firefox/profiles/profiles.ini         the profile list (a relative path) and the profile folder
 #   firefox/cache/NAME/cache2/...         the profile's disk cache
 #
@@ -34,11 +37,12 @@ trap cleanup EXIT
 site="$work/site"
 mkdir -p "$site"
 # A page that moves on to the next one after a moment, so one browser start visits them all.
-# A page with "bare" as its fifth argument loads nothing else (its icon is empty and inline), so
+# A page with "bare" as its fifth argument loads nothing else (no script either) (its icon is empty and inline), so
 # that the other sites add only their page to each cache.
 page() { # file title next [extra body] [bare]
     local title_tag="" head='<link rel="icon" href="/scourmill-icon-e5f1.png">
-<link rel="stylesheet" href="/scourmill-style-3b7d.css">'
+<link rel="stylesheet" href="/scourmill-style-3b7d.css">
+<script src="/scourmill-script-9a4e.js"></script>'
     [ -n "$2" ] && title_tag="<title>$2</title>"
     [ "${5:-}" = bare ] && head='<link rel="icon" href="data:,">'
     cat >"$site/$1" <<EOF
@@ -61,6 +65,12 @@ page scourmill-delta-6a1f.html "Scourmill Delta Title 6a1f" \
 page scourmill-epsilon-83d0.html "Scourmill Epsilon Title 83d0" "location.href = '$base/scourmill-bookmarked-b00c.html';" "" bare
 page scourmill-bookmarked-b00c.html "Scourmill Bookmarked Title b00c" "window.close();"
 printf 'body { color: #234; }\n' >"$site/scourmill-style-3b7d.css"
+# V8 only keeps compiled code for scripts of some size that a page runs more than once.
+for i in $(seq 200); do
+    printf 'function scourmillPart%d(x) { var s = 0; for (var k = 0; k < x; k++) s += (k * %d) %% 7; return s; }\n' "$i" "$i"
+done >"$site/scourmill-script-9a4e.js"
+printf 'var scourmillTotal = 0; for (var i = 1; i <= 200; i++) scourmillTotal += this["scourmillPart" + i](3);\n' \
+    >>"$site/scourmill-script-9a4e.js"
 python3 - "$site" <<'EOF'
 import struct, sys, zlib
 def png(path, rgb):
@@ -152,6 +162,8 @@ user_pref("dom.allow_scripts_to_close_windows", true);
 user_pref("browser.places.importBookmarksHTML", true);
 user_pref("browser.sessionstore.resume_from_crash", false);
 user_pref("network.http.speculative-parallel-limit", 0);
+// Only the script itself is cached, not the bytecode Firefox would add to its entry.
+user_pref("dom.script_loader.bytecode_cache.enabled", false);
 EOF
 cat >"$fprofile/bookmarks.html" <<EOF
 <!DOCTYPE NETSCAPE-Bookmark-file-1>
@@ -185,7 +197,7 @@ keep "$cdata" "$here/chromium/user-data" "Local State" segmentation_platform/ukm
     Default/Favicons-journal "Default/Top Sites" "Default/Top Sites-journal" Default/Shortcuts \
     Default/Shortcuts-journal "Default/Visited Links" "Default/Network Action Predictor" \
     "Default/Network Action Predictor-journal" Default/Sessions
-keep "$chome/.cache/chromium" "$here/chromium/cache" Default/Cache/Cache_Data
+keep "$chome/.cache/chromium" "$here/chromium/cache" Default/Cache/Cache_Data "Default/Code Cache/js"
 
 fname="$(basename "$fprofile")"
 mkdir -p "$here/firefox/profiles"
