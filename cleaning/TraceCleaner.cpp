@@ -127,6 +127,8 @@ void TraceCleaner::CleanAll() {
     CleanIT(m_platform, silent, m_problems).CleanTypedURLs();
     deleteListed(true);
     ReportStoreProblems(m_problems, m_platform.urlCache().storeProblems());
+    // The cache lets go of its record files first: on Windows it holds the cookie folder's one.
+    m_platform.urlCache().release();
     if (m_view.interrupted())
         return;
     cleanCookieRecords();

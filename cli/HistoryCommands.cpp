@@ -100,12 +100,13 @@ void clear(Context& ctx) {
     reportStores(ctx);
 }
 
+// One paragraph: the help wraps it to the terminal's width.
 const char* const kSessionNote =
-    "Clearing the history deletes the session files of every profile, and removing an address those\n"
-    "of each profile whose history held it (Chromium's Sessions/, Current and Last Session and Tabs;\n"
-    "Firefox's sessionstore.jsonlz4 and sessionstore-backups/), since they keep the addresses of open\n"
-    "tabs: the browser then starts with no tabs to restore. A profile whose browser runs is left\n"
-    "alone; a database that cannot be read or cleaned is named and left as it is. Either makes the\n"
+    "Clearing the history deletes the session files of every profile, and removing an address those "
+    "of each profile whose history held it (Chromium's Sessions/, Current and Last Session and Tabs; "
+    "Firefox's sessionstore.jsonlz4 and sessionstore-backups/), since they keep the addresses of open "
+    "tabs: the browser then starts with no tabs to restore. A profile whose browser runs is left "
+    "alone; a database that cannot be read or cleaned is named and left as it is. Either makes the "
     "exit code 1.";
 
 } // namespace

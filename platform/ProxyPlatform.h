@@ -271,6 +271,7 @@ public:
     void findClose(UrlCacheEnum enumeration) override { m_real.findClose(enumeration); }
     bool deleteEntry(const std::string& url, Remover& remover) override { return m_real.deleteEntry(url, remover); }
     std::size_t deleteUnlisted(Remover& remover) override { return m_real.deleteUnlisted(remover); }
+    void release() override { m_real.release(); }
     std::vector<std::string> storesInUse() const override { return m_real.storesInUse(); }
     std::vector<StoreProblem> storeProblems() const override { return m_real.storeProblems(); }
 

@@ -75,6 +75,9 @@ public:
     /// Returns the number of items removed (a folder of a side cache counts once); each that stays
     /// is named by storeProblems(). Nothing where the cache has no such files.
     virtual std::size_t deleteUnlisted(Remover& /*remover*/) { return 0; }
+    /// Closes every enumeration and lets go of every file the cache holds open, so that a step
+    /// after the listing finds them free; the next call opens what it needs again.
+    virtual void release() {}
     /// The stores (browser profile folders) the last call left alone because their browser holds
     /// them; always empty where the cache has no such notion.
     virtual std::vector<std::string> storesInUse() const { return {}; }

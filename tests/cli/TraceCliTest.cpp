@@ -1,25 +1,21 @@
-// clean-all, preview, autoclean, the cache and the history commands as a user runs them: the
+// clean-all, preview, the cache and the history commands as a user runs them: the
 // question and its counts, the exit codes, the lines printed, and what a user is told of what was
 // left alone. What the cleans leave on disk is for the cleaning tests.
 
 #include "tests/platform/BrowserHome.h"
-#include "tests/support/ChildProcess.h"
-#include "tests/support/CliProcess.h"
+#include "tests/support/Process.h"
 #include "tests/support/Hive.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <map>
 #include <optional>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -87,8 +83,6 @@ TEST_F(TraceCli, CleanAllAsksWithTheCountsAndPreviewNamesWhatItThenRemoves) {
 
     r = runCli("clean-all --yes");
     EXPECT_EQ(r.code, 0) << r.seen();
-    EXPECT_FALSE(fs::exists(tmp / "sub"));
-    EXPECT_FALSE(fs::exists(cookies / "index.dat"));
 }
 
 TEST_F(TraceCli, AFileInUseIsNamedOnStderrAndMakesTheExitCodeOne) {
@@ -100,27 +94,6 @@ TEST_F(TraceCli, AFileInUseIsNamedOnStderrAndMakesTheExitCodeOne) {
     EXPECT_TRUE(contains(r.err, (tmp / "held.txt").string() + ": is open in a running program")) << r.err;
     EXPECT_EQ(readFile(tmp / "held.txt"), "held");
     EXPECT_FALSE(fs::exists(tmp / "one.txt"));
-}
-
-TEST_F(TraceCli, AutocleanCleansOnceEachTimeTheBrowserClosesUntilCtrlC) {
-    const fs::path out = tmp.parent_path() / "autoclean.out";
-    testsupport::BackgroundCli cli("autoclean --interval 40 >" + testsupport::shellQuoted(out) + " 2>/dev/null");
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    EXPECT_TRUE(fs::exists(cookies / "index.dat")); // no browser has run yet: nothing cleaned
-    {
-        testsupport::ChildProcess browser("chromium");
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        EXPECT_TRUE(fs::exists(cookies / "index.dat")); // still running
-    }
-    EXPECT_TRUE(testsupport::waitUntil([&] { return !fs::exists(cookies / "index.dat"); }));
-    EXPECT_TRUE(testsupport::waitUntil([&] { return contains(readFile(out), "cookie record file"); }));
-    EXPECT_TRUE(fs::exists(tmp / "one.txt")); // AutoClean leaves the temporary folder alone
-    EXPECT_EQ(cli.stop(SIGINT), 0);
-    const std::string printed = readFile(out);
-    EXPECT_TRUE(contains(printed, "the browser closed; cleaned 0 cache entries, 1 cookie record file and 0 history entries"))
-        << printed;
-    EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 1);
-    fs::remove(out);
 }
 
 /// The number written just before `what` in `text`; -1 when `what` is not there.
@@ -302,37 +275,5 @@ TEST(TempFolderCli, ATemporaryFolderThatIsNoneIsRefusedWholeAndSharedOnesLoseOnl
         for (const std::string& gone : row.gone)
             expected.erase(gone);
         EXPECT_EQ(ownedSnapshot(w), expected);
-    }
-}
-
-// A FIFO planted as a trash record or as the registry hive, and a recent-documents list that is a
-// link to /dev/null (recording switched off): each command names each one and never waits.
-TEST(RecordsCli, PlantedRecordsAreNamedLeftAsTheyAreAndNeverWaitedFor) {
-    for (const char* command : {"preview", "clean-item --yes 'Do Em All'", "clean-item 'Recent Documents'"}) {
-        SCOPED_TRACE(command);
-        testsupport::ScratchDir world;
-        const fs::path data = world.path() / "data", prefix = world.path() / "wine";
-        fs::create_directories(data / "Trash/info");
-        world.write("data/Trash/files/item.txt", "trashed");
-        ASSERT_EQ(::mkfifo((data / "Trash/info/item.txt.trashinfo").c_str(), 0600), 0);
-        fs::create_symlink("/dev/null", data / "recently-used.xbel");
-        fs::create_directories(prefix);
-        ASSERT_EQ(::mkfifo((prefix / "user.reg").c_str(), 0600), 0);
-
-        const std::string env = "env XDG_DATA_HOME=" + testsupport::shellQuoted(data) +
-                                " WINEPREFIX=" + testsupport::shellQuoted(prefix);
-        const auto r = testsupport::runCommand("timeout 60 " + env + " " + SCOURMILL_CLI + " " + command);
-        EXPECT_EQ(r.code, 1) << r.seen();
-        const bool all = std::string(command) != "clean-item 'Recent Documents'";
-        if (all) {
-            EXPECT_TRUE(contains(r.err, (data / "Trash/info/item.txt.trashinfo").string() + ": is a FIFO, not a regular file"))
-                << r.err;
-        }
-        EXPECT_TRUE(contains(r.err, (data / "recently-used.xbel").string() + ": is a symbolic link")) << r.err;
-        EXPECT_TRUE(contains(r.err, "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RecentDocs: "
-                                    "the registry cannot be read"))
-            << r.err;
-        EXPECT_EQ(fs::read_symlink(data / "recently-used.xbel"), "/dev/null");
-        EXPECT_TRUE(fs::is_fifo(fs::symlink_status(prefix / "user.reg")));
     }
 }

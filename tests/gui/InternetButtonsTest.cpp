@@ -1,13 +1,12 @@
-// The main window's Internet buttons and AutoClean cleaning for real: copies of real browser
+// The main window's Internet buttons cleaning for real: copies of real browser
 // profiles, a scratch temporary folder and a Wine prefix whose cookie folder holds record files,
 // driven through the real window by object name on the offscreen platform.
 
 #include "app/TaviMain.h"
-#include "app/autoclean/AutoCleanState.h"
 #include "controls/ggcommand/GGCommand.h"
 #include "tests/gui/MainWindowUnderTest.h"
 #include "tests/platform/BrowserHome.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Process.h"
 #include "tests/support/Hive.h"
 #include "tests/support/QtTestMain.h"
 #include "tests/support/Scratch.h"
@@ -15,7 +14,6 @@
 #include <QAction>
 #include <QLabel>
 #include <QListWidget>
-#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 
@@ -64,24 +62,6 @@ private slots:
         fs::remove_all(prefix / "drive_c");
     }
 
-    void showCacheListsTheEntriesAndWipeCacheDeletesExactlyThose() {
-        auto* list = m_app->main.findChild<QListWidget*>("List1");
-        const auto cached = platform::cachedAddresses(m_home->freshPlatform()->urlCache());
-        const std::set<std::string> addresses(cached.begin(), cached.end()); // one line for both browsers
-        QVERIFY(!cached.empty());
-        list->clear();
-        QTest::mouseClick(button(1), Qt::LeftButton);
-        QCOMPARE(list->count(), int(addresses.size()));
-        QCOMPARE(list->item(0)->text().toStdString(), cached[0]);
-        const QString entries = QString::number(addresses.size()) + " cache entries";
-        QCOMPARE(status(), entries + " listed");
-
-        QTest::mouseClick(button(2), Qt::LeftButton);
-        QCOMPARE(list->count(), 0);
-        QVERIFY(platform::cachedAddresses(m_home->freshPlatform()->urlCache()).empty());
-        QCOMPARE(status(), entries + " removed");
-    }
-
     void fullCleanButtonAndTrayEntryEmptyTheTempFolderAndCookieRecordsAndTellWhatWasLeft() {
         // Firefox runs: its profile stays, and the status line says so.
         testsupport::ChildProcess firefox("lock-holder-f");
@@ -102,28 +82,6 @@ private slots:
         QVERIFY(fs::is_empty(tmp));
     }
 
-    void aTemporaryFolderThatIsTheHomeStopsTheWholeCleanAndTheWindowSaysWhy() {
-        auto* warning = m_app->main.findChild<QLabel*>("lblWarning");
-        // Run as root, the window says so from the start; as a user it has nothing to say.
-        QCOMPARE(!warning->isHidden(), ::geteuid() == 0);
-        QCOMPARE(warning->text().contains("root"), ::geteuid() == 0);
-
-        const QByteArray savedTemp = qgetenv("TMPDIR");
-        const fs::path home = qgetenv("HOME").toStdString();
-        write(home / "Documents/plan.txt", "plan");
-        qputenv("TMPDIR", home.string().c_str());
-        m_app = std::make_unique<testsupport::MainWindowUnderTest>();
-        qputenv("TMPDIR", savedTemp);
-        warning = m_app->main.findChild<QLabel*>("lblWarning");
-        QTest::mouseClick(button(3), Qt::LeftButton);
-        QVERIFY(!warning->isHidden());
-        QVERIFY2(warning->text().contains(QString::fromStdString(home.string() + " is your home folder")),
-                 qPrintable(warning->text()));
-        QCOMPARE(testsupport::readFile(home / "Documents/plan.txt"), std::string("plan"));
-        QVERIFY(fs::exists(cookies / "index.dat")); // nothing of the clean was done
-        fs::remove_all(home / "Documents");
-    }
-
     void theWindowStaysLiveWhileALargeFileIsOverwritten() {
         write(tmp / "large.bin", std::string(8 << 20, 'L'));
         QTimer ticker;
@@ -133,29 +91,6 @@ private slots:
         QTest::mouseClick(button(3), Qt::LeftButton);
         QVERIFY(!fs::exists(tmp / "large.bin"));
         QVERIFY(ticks > 0); // no event loop ran but the wipe's own: the timer fired during the wipe
-    }
-
-    void autoCleanCleansOnceAfterTheBrowserClosesAndLeavesTheTempFolder() {
-        GGCommand* toggle = button(10);
-        auto* check = m_app->main.findChild<QTimer*>("TCheck");
-        auto* closed = m_app->main.findChild<QTimer*>("TClosed");
-        check->setInterval(30); // the real 2000 ms would only make the test slow
-        closed->setInterval(30);
-        QSignalSpy cleans(&m_app->main, &app::TaviMain::autoCleaned);
-        QTest::mouseClick(toggle, Qt::LeftButton);
-        QCOMPARE(toggle->caption(), QString::fromStdString(autoclean::OnCaption));
-        {
-            testsupport::ChildProcess browser("iexplore.exe");
-            QTRY_VERIFY(closed->isActive());
-            QTest::qWait(100);
-            QCOMPARE(cleans.count(), 0); // still running: no clean
-        }
-        QTRY_COMPARE(cleans.count(), 1);
-        QVERIFY(!fs::exists(cookies / "index.dat"));
-        QVERIFY(testsupport::listHistory(m_home->freshPlatform()->urlHistory()).empty());
-        QVERIFY(fs::exists(tmp / "one.txt"));
-        QTest::qWait(100);
-        QCOMPARE(cleans.count(), 1);
     }
 };
 

@@ -1,6 +1,6 @@
 // The two secure-deletion windows on the offscreen platform, driven by object name: what the
 // windows add to the wipes beneath them (their buttons' wiring, locking while running, refusals,
-// Exit or a logout's signal in the middle of a run, the note on copy-on-write drives).
+// Exit or a logout's signal in the middle of a run).
 
 #include "app/StopSignals.h"
 #include "platform/Platform.h"
@@ -60,22 +60,6 @@ private slots:
         QVERIFY(ask.asked.empty());
     }
 
-    void staleTemporaryFileIsOfferedForRemovalWhenTheDriveIsShown() {
-        ScratchDir dir;
-        testsupport::LoopImage image(dir.path(), 8);
-        if (!image.mounted())
-            QSKIP(qPrintable("no loop-mounted drive: " + QString::fromStdString(image.reason())));
-        const fs::path stale = image.mountPoint() / "WNXTEMP.000";
-        std::ofstream(stale) << "left behind by a crash";
-        testsupport::RecordingPrompts ask;
-        wipe::ui::TaviSecureWipe window(*m_platform, nullptr, &ask);
-        window.show();
-        chooseDrive(window, image.mountPoint());
-        QTRY_VERIFY(!ask.asked.empty()); // offered once the window is on screen
-        QVERIFY(ask.asked.back().find(stale.string()) != std::string::npos);
-        QVERIFY(!fs::exists(stale));
-    }
-
     void exitDuringAFreeSpaceWipeEndsTheProgramWithTheTemporaryFileRemoved_data() {
         QTest::addColumn<int>("signal");
         QTest::newRow("Exit from the tray menu") << 0;
@@ -131,33 +115,6 @@ private slots:
         QVERIFY(child<QPushButton>(*window, "CmdOK")->isEnabled());
         QVERIFY(!fs::exists(dir.path() / "big.bin")); // the file at hand is finished off
         QCOMPARE(testsupport::readFile(dir.path() / "later.txt"), std::string("not reached"));
-    }
-
-    void bothWindowsNoteWhereOverwritingCannotReachWithoutStoppingAnything() {
-        ScratchDir dir;
-        testsupport::LoopImage cow(dir.path() / "cow", 160, "mkfs.btrfs -q -f");
-        if (!cow.mounted())
-            QSKIP(qPrintable("no copy-on-write drive: " + QString::fromStdString(cow.reason())));
-        testsupport::ScratchMount ram("-t tmpfs -o size=4m scourmill", dir.path() / "ram");
-        testsupport::RecordingPrompts ask;
-        wipe::ui::TaviSecureWipe freeSpace(*m_platform, nullptr, &ask);
-        freeSpace.show();
-        auto* note = child<QLabel>(freeSpace, "lblOverwriteLimits");
-        chooseDrive(freeSpace, cow.mountPoint());
-        QVERIFY(note->isVisible());
-        QVERIFY(note->text().contains("copy-on-write filesystem (btrfs)"));
-        chooseDrive(freeSpace, ram.point());
-        QVERIFY(!note->isVisible());
-
-        std::ofstream(cow.mountPoint() / "f.txt") << "data";
-        wipe::ui::frmSize files(*m_platform, nullptr, &ask, QString::fromStdString(cow.mountPoint().string()));
-        files.show();
-        QVERIFY(child<QLabel>(files, "lblOverwriteLimits")->isVisible());
-        child<QListWidget>(files, "filFiles")->selectAll();
-        child<QLineEdit>(files, "txtFileName")->setText("f.txt");
-        child<QPushButton>(files, "CmdOK")->click(); // the note asks nothing: the wipe runs
-        QVERIFY(!fs::exists(cow.mountPoint() / "f.txt"));
-        QCOMPARE(ask.asked.size(), std::size_t{1});
     }
 
     void secureDeleteWindowFiltersAndWipesTheSelectionOnly() {

@@ -106,26 +106,6 @@ private slots:
         QVERIFY(!window.hoverHelp().menu("hlp2")->isVisible());
     }
 
-    void answeringNoStillRefreshesAndYesOverwrites() {
-        indexdat::ui::TaviIndex window(*m_platform);
-        window.show();
-        auto* raw = child<QPlainTextEdit>(window, "RichTextBox1");
-        raw->setPlainText("stale");
-        QStringList asked;
-        answerBoxes({QMessageBox::No}, &asked);
-        QTest::mouseClick(child<GGCommand>(window, "GGCommand4"), Qt::LeftButton);
-        QCOMPARE(asked, QStringList{QString("Tavi Manage Index.dat Files|TaviWipe %1 ?")
-                                        .arg(QString::fromStdString(m_file.string()))});
-        QCOMPARE(child<QListWidget>(window, "List2")->count(), 0);
-        QVERIFY(raw->toPlainText().startsWith("Client UrlCache"));
-        QCOMPARE(readAll(m_file), m_record);
-
-        answerBoxes({QMessageBox::Yes}, &asked);
-        QTest::mouseClick(child<GGCommand>(window, "GGCommand4"), Qt::LeftButton);
-        QCOMPARE(readAll(m_file).size(), indexdat::lengthAfterWipe(m_record.size()));
-        std::ofstream(m_file, std::ios::binary) << m_record; // for the other cases
-    }
-
     void theRawViewShowsEveryByteOfALargeFileInLines() {
         const fs::path big = m_file.parent_path() / "big" / "index.dat";
         fs::create_directories(big.parent_path());

@@ -120,31 +120,6 @@ private slots:
             QVERIFY(m_app->main.isMinimized()); // no notification area to come back from
     }
 
-    void cleanItemCleansTheChosenListOnlyAndAnyOtherTextCleansNothing() {
-        const auto hive = testsupport::writeUserReg(qEnvironmentVariable("WINEPREFIX").toStdString(),
-                                                    "\n[Software\\\\Microsoft\\\\Internet Explorer\\\\TypedURLs] 1\n"
-                                                    "\"url1\"=\"http://a.example/\"\n\"url4\"=\"http://d.example/\"\n");
-        auto* combo = m_app->main.findChild<QComboBox*>("Combo1");
-        // The comparison is exact: the no-choice message comes up as a real box and nothing goes.
-        combo->setEditText("ie typed url's");
-        QString title;
-        QTimer::singleShot(0, this, [&] {
-            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-                title = box->windowTitle();
-                box->accept();
-            }
-        });
-        QTest::mouseClick(button(11), Qt::LeftButton);
-        QCOMPARE(title, QString("Tavi Message"));
-        QVERIFY(testsupport::readFile(hive).find("url1") != std::string::npos);
-
-        combo->setCurrentIndex(combo->findText("IE Typed URL's"));
-        QTest::mouseClick(button(11), Qt::LeftButton);
-        const std::string text = testsupport::readFile(hive);
-        QVERIFY(text.find("url1") == std::string::npos);
-        QVERIFY(text.find("\"url4\"=\"http://d.example/\"") != std::string::npos); // past the gap
-    }
-
     void listDoubleClickAndPopUpStopperStartRealPrograms() {
         // Stand-ins for the desktop's default handler and the pop-up stopper, found on the search
         // path; each writes down how it was called.

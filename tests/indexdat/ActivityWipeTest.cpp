@@ -6,7 +6,8 @@
 #include "indexdat/ActivityWipe.h"
 #include "platform/Platform.h"
 #include "tests/indexdat/RecordFile.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Process.h"
+#include "tests/support/Recorders.h"
 #include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
 
@@ -23,11 +24,6 @@ using testsupport::ScratchDir;
 
 namespace {
 
-struct Recorder final : core::ProblemSink {
-    std::vector<std::string> items;
-    void skipped(const std::string& item, const std::string&) override { items.push_back(item); }
-};
-
 std::string randomBytes(std::size_t n, unsigned seed) {
     std::mt19937 rng(seed);
     std::string s(n, '\0');
@@ -40,7 +36,7 @@ class ActivityWipeTest : public ::testing::Test {
 protected:
     std::unique_ptr<platform::Platform> p = platform::createNative();
     ScratchDir dir;
-    Recorder problems;
+    testsupport::RecordingSink problems;
     int progressCalls = 0;
 
     void wipe(const fs::path& path) {

@@ -7,6 +7,7 @@
 #include "platform/FolderList.h"
 #include "indexdat/RawReport.h"
 #include "platform/Platform.h"
+#include "tests/support/Recorders.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
@@ -160,10 +161,7 @@ TEST_F(FileSearchTest, NoDepthStopsTheSearchAndEveryFolderItCouldNotEnterIsNamed
         fs::permissions(tree.path() / sub, fs::perms(0755));
     fs::permissions(tree.path() / "locked", fs::perms::none);
     const auto searchTree = [&] {
-        struct Sink : core::ProblemSink {
-            std::vector<std::string> items;
-            void skipped(const std::string& item, const std::string&) override { items.push_back(item); }
-        } sink;
+        testsupport::RecordingSink sink;
         std::vector<std::string> seen;
         std::int16_t f = 0, d = 0;
         indexdat::FileSearch finder(p->fileSystem(), [&](const std::string& path) { seen.push_back(path); }, &sink);
@@ -171,7 +169,7 @@ TEST_F(FileSearchTest, NoDepthStopsTheSearchAndEveryFolderItCouldNotEnterIsNamed
         finder.FindFilesAPI(start, "index.dat", f, d);
         std::sort(seen.begin(), seen.end());
         return seen == std::vector<std::string>{"./a/index.dat", "./z/index.dat"} &&
-               sink.items == std::vector<std::string>{"./locked/"} && f == 2 && d == 3;
+               sink.items.size() == 1 && sink.items.count("./locked/") && f == 2 && d == 3;
     };
     const fs::path before = fs::current_path();
     fs::current_path(tree.path()); // reached as nobody, whatever the folders above allow

@@ -1,6 +1,6 @@
 #include "tests/platform/BrowserHome.h"
 
-#include "tests/support/CliProcess.h"
+#include "tests/support/Process.h"
 
 #include <fstream>
 

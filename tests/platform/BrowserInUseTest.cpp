@@ -1,7 +1,7 @@
 // Profiles that a browser holds are left whole by the cache and the history, and named.
 
 #include "tests/platform/BrowserHome.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Process.h"
 
 #include <gtest/gtest.h>
 

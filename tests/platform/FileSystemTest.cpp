@@ -7,9 +7,10 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <grp.h>
 #include <map>
 #include <optional>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -22,12 +23,14 @@ using testsupport::ScratchDir;
 
 namespace {
 
-/// Whether `path` is in use as an ordinary user is told: asked in a child process running as
-/// nobody, which cannot open the loop devices' nodes. Empty when the child could not ask.
-std::optional<bool> inUseAsNobody(platform::FileSystem& files, const fs::path& path) {
+/// Whether `path` is in use as a user who cannot open the loop devices' nodes is told, going by
+/// the path sysfs names instead: asked in a child process that sees an empty /dev in a mount
+/// namespace of its own. Empty when the child could not ask.
+std::optional<bool> inUseWithoutDeviceNodes(platform::FileSystem& files, const fs::path& path) {
     const pid_t pid = ::fork();
     if (pid == 0) {
-        if (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0)
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("tmpfs", "/dev", "tmpfs", 0, "size=4k") != 0)
             ::_exit(2);
         ::_exit(files.isInUse(path.string()) ? 1 : 0);
     }
@@ -125,11 +128,9 @@ TEST_F(FileSystemTest, AFileHeldOpenOrBackingALoopDeviceIsInUseByWhicheverNameRe
     EXPECT_TRUE(files.isInUse(moved.string()));
     EXPECT_FALSE(files.isInUse(image.string()));
 
-    // An ordinary user, who cannot open the device nodes, is told the same.
-    fs::permissions(testsupport::scratchRoot(), fs::perms::others_exec, fs::perm_options::add);
-    fs::permissions(dir.path(), fs::perms::others_exec, fs::perm_options::add);
-    EXPECT_EQ(inUseAsNobody(files, moved), std::optional<bool>(true));
-    EXPECT_EQ(inUseAsNobody(files, image), std::optional<bool>(false));
+    // A user who cannot open the device nodes is told the same.
+    EXPECT_EQ(inUseWithoutDeviceNodes(files, moved), std::optional<bool>(true));
+    EXPECT_EQ(inUseWithoutDeviceNodes(files, image), std::optional<bool>(false));
 
     ASSERT_TRUE(loop.detach());
     EXPECT_FALSE(files.isInUse(moved.string()));

@@ -35,36 +35,132 @@ std::map<fs::path, std::string> everything(const fs::path& root) {
     return out;
 }
 
-// What the preview must never reach: the calls whose effects leave no trace in the files.
+/// Fails the test: `call` reached the machine through the preview.
+bool tripped(const std::string& call) {
+    ADD_FAILURE() << call << " went through the preview to the machine";
+    return false;
+}
+
+// The native platform under the preview, with every call of every facility that could change
+// anything failing the test: whatever the preview forwards may only read.
+struct ReadOnlyFile final : platform::ProxyRawFile {
+    using ProxyRawFile::ProxyRawFile;
+    std::size_t write(const void*, std::size_t) override { return tripped("a write"), 0; }
+    bool truncate() override { return tripped("a cut"); }
+};
+
+std::unique_ptr<platform::RawFile> readOnly(std::unique_ptr<platform::RawFile> file) {
+    return file ? std::make_unique<ReadOnlyFile>(std::move(file)) : nullptr;
+}
+
+struct ReadOnlyFolder final : platform::ProxyFolder {
+    using ProxyFolder::ProxyFolder;
+    using ProxyFolder::openFile;
+    static std::unique_ptr<platform::Folder> wrap(std::unique_ptr<platform::Folder> folder) {
+        return folder ? std::make_unique<ReadOnlyFolder>(std::move(folder)) : nullptr;
+    }
+    std::unique_ptr<platform::Folder> openFolder(const std::string& name) override {
+        return wrap(real().openFolder(name));
+    }
+    std::unique_ptr<platform::RawFile> openFile(const std::string& name, Create) override {
+        return tripped("opening " + name + " for writing"), nullptr;
+    }
+    std::unique_ptr<platform::RawFile> openForOverwrite(const std::string& name, Refusal&) override {
+        return tripped("opening " + name + " to overwrite"), nullptr;
+    }
+    std::unique_ptr<platform::RawFile> openStream(const std::string& name, const std::string&) override {
+        return tripped("opening a stream of " + name), nullptr;
+    }
+    bool removeFile(const std::string& name) override { return tripped("removing " + name); }
+    bool removeFolder(const std::string& name) override { return tripped("removing " + name); }
+    bool makeNormal(const std::string& name) override { return tripped("making " + name + " normal"); }
+};
+
 struct Tripwire final : platform::ProxyPlatform {
+    struct Raw final : platform::ProxyRawFiles {
+        using ProxyRawFiles::ProxyRawFiles;
+        std::unique_ptr<platform::RawFile> open(const std::string& path) override {
+            return tripped("opening " + path + " for writing"), nullptr;
+        }
+        std::unique_ptr<platform::RawFile> openForReading(const std::string& path) override {
+            return readOnly(real().openForReading(path));
+        }
+    };
+    struct Files final : platform::ProxyFileSystem {
+        using ProxyFileSystem::ProxyFileSystem;
+        std::unique_ptr<platform::Folder> openFolder(const std::string& path) override {
+            return ReadOnlyFolder::wrap(real().openFolder(path));
+        }
+        bool removeFile(const std::string& path) override { return tripped("removing " + path); }
+        bool removeDirectory(const std::string& path) override { return tripped("removing " + path); }
+        bool createDirectory(const std::string& path) override { return tripped("creating " + path); }
+        bool makeNormal(const std::string& path) override { return tripped("making " + path + " normal"); }
+    };
+    struct Reg final : platform::ProxyRegistry {
+        using ProxyRegistry::ProxyRegistry;
+        long createKey(platform::RegKey, const std::string& key, platform::RegKey&) override {
+            return tripped("creating key " + key), platform::RegResult::AccessDenied;
+        }
+        long setValue(platform::RegKey, const std::string& name, std::uint32_t, const std::uint8_t*,
+                      std::uint32_t) override {
+            return tripped("setting value " + name), platform::RegResult::AccessDenied;
+        }
+        long deleteValue(platform::RegKey, const std::string& name) override {
+            return tripped("deleting value " + name), platform::RegResult::AccessDenied;
+        }
+    };
+    struct Memory final : platform::ProxyVirtualMemory {
+        using ProxyVirtualMemory::ProxyVirtualMemory;
+        void* commitLarge(std::size_t) override { return tripped("filling memory"), nullptr; }
+        bool lock(void*, std::size_t) override { return tripped("locking memory"); }
+        bool setOutOfMemoryScore(int) override { return tripped("setting the out-of-memory score"); }
+    };
     struct NoShell final : platform::ProxyShell {
         using ProxyShell::ProxyShell;
-        bool open(const std::string& target) override {
-            ADD_FAILURE() << "opened " << target;
-            return false;
-        }
-        bool startProgram(const std::string& program) override {
-            ADD_FAILURE() << "started " << program;
-            return false;
-        }
+        bool open(const std::string& target) override { return tripped("opening " + target); }
+        bool startProgram(const std::string& program) override { return tripped("starting " + program); }
     };
-    struct NoFill final : platform::ProxyVirtualMemory {
-        using ProxyVirtualMemory::ProxyVirtualMemory;
-        void* commitLarge(std::size_t) override {
-            ADD_FAILURE() << "filled memory";
-            return nullptr;
-        }
-        bool setOutOfMemoryScore(int) override {
-            ADD_FAILURE() << "set the out-of-memory score";
-            return false;
-        }
+    struct Cache final : platform::ProxyUrlCache {
+        using ProxyUrlCache::ProxyUrlCache;
+        bool deleteEntry(const std::string& url, platform::Remover&) override { return tripped("deleting " + url); }
+        std::size_t deleteUnlisted(platform::Remover&) override { return tripped("deleting the cache"), 0; }
     };
+    struct History final : platform::ProxyUrlHistory {
+        using ProxyUrlHistory::ProxyUrlHistory;
+        bool addUrl(const std::string& url, const std::string&, std::uint32_t) override {
+            return tripped("adding " + url);
+        }
+        bool deleteUrl(const std::string& url, std::uint32_t, platform::Remover&) override {
+            return tripped("deleting " + url);
+        }
+        bool clearHistory(platform::Remover&) override { return tripped("clearing the history"); }
+    };
+    struct Bin final : platform::ProxyRecycleBin {
+        using ProxyRecycleBin::ProxyRecycleBin;
+        bool empty(const std::string&, unsigned, platform::RecycleBinUi&) override { return tripped("emptying the bin"); }
+        bool clearRecentDocuments(platform::Remover&) override { return tripped("clearing the recent documents"); }
+    };
+
     explicit Tripwire(std::unique_ptr<platform::Platform> native)
-        : ProxyPlatform(std::move(native)), shellWire(real().shell()), memoryWire(real().virtualMemory()) {}
+        : ProxyPlatform(std::move(native)), raw(real().rawFiles()), files(real().fileSystem()),
+          reg(real().registry()), memory(real().virtualMemory()), shellWire(real().shell()),
+          cache(real().urlCache()), history(real().urlHistory()), bin(real().recycleBin()) {}
+    platform::RawFiles& rawFiles() override { return raw; }
+    platform::FileSystem& fileSystem() override { return files; }
+    platform::Registry& registry() override { return reg; }
+    platform::VirtualMemory& virtualMemory() override { return memory; }
     platform::Shell& shell() override { return shellWire; }
-    platform::VirtualMemory& virtualMemory() override { return memoryWire; }
+    platform::UrlCache& urlCache() override { return cache; }
+    platform::UrlHistory& urlHistory() override { return history; }
+    platform::RecycleBin& recycleBin() override { return bin; }
+    Raw raw;
+    Files files;
+    Reg reg;
+    Memory memory;
     NoShell shellWire;
-    NoFill memoryWire;
+    Cache cache;
+    History history;
+    Bin bin;
 };
 
 // What the stores would remove or write through: a preview never hands them anything.

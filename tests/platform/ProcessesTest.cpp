@@ -1,6 +1,6 @@
 #include "platform/Platform.h"
 #include "platform/linux/LinuxProcesses.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Process.h"
 
 #include <gtest/gtest.h>
 

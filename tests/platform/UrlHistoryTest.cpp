@@ -7,7 +7,7 @@
 #include "browsers/Sqlite.h"
 #include "platform/linux/LinuxUrlHistory.h"
 #include "platform/linux/ReadOnlySqliteFiles.h"
-#include "tests/support/CliProcess.h"
+#include "tests/support/Process.h"
 
 #include <gtest/gtest.h>
 

@@ -10,8 +10,7 @@
 #include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
 #include "tests/support/ScratchMount.h"
-#include "tests/support/ChildProcess.h"
-#include "tests/support/CliProcess.h"
+#include "tests/support/Process.h"
 #include "tests/wipe/Recorders.h"
 #include "wipe/FreeSpaceWipe.h"
 #include "wipe/SecureDelete.h"
@@ -41,16 +40,6 @@ using testsupport::shellQuoted;
 namespace {
 
 const bool Root = ::geteuid() == 0;
-
-struct Verdicts final : core::VerdictSink {
-    std::vector<core::Verdict> all;
-    void record(const core::Verdict& v) override { all.push_back(v); }
-};
-
-struct Problems final : core::ProblemSink {
-    std::map<std::string, std::string> items;
-    void skipped(const std::string& item, const std::string& reason) override { items[item] = reason; }
-};
 
 /// A child process that runs `setUp` and then waits until the scene ends; its pid, or -1 when
 /// `setUp` failed.
@@ -150,7 +139,7 @@ struct Entry {
     /// Removes whatever it finds, in use or not (the trash: the user put it there to be gone).
     bool takesAll = false;
     std::function<void(Scene&)> prepare; ///< sets the scene's folder and name
-    std::function<void(Scene&, Problems&, Verdicts&)> run;
+    std::function<void(Scene&, testsupport::RecordingSink&, testsupport::RecordingVerdicts&)> run;
 };
 
 struct Attack {
@@ -172,7 +161,7 @@ platform::Platform& native() {
 const std::vector<Entry>& entries() {
     static const std::vector<Entry> all = {
         {"shred", false, false, [](Scene& s) { s.folder = s.work.path(), s.name = "target"; },
-         [](Scene& s, Problems& p, Verdicts& v) {
+         [](Scene& s, testsupport::RecordingSink& p, testsupport::RecordingVerdicts& v) {
              testsupport::SecureDeleteRecorder view;
              wipe::SecureDelete(native(), view, p, &v).WipeFile(s.item().string() + s.suffix);
          }},
@@ -181,16 +170,16 @@ const std::vector<Entry>& entries() {
              s.folder = s.work.path() / "victim", s.name = "target";
              fs::create_directories(s.folder);
          },
-         [](Scene& s, Problems& p, Verdicts& v) {
+         [](Scene& s, testsupport::RecordingSink& p, testsupport::RecordingVerdicts& v) {
              testsupport::SecureDeleteRecorder view;
              wipe::SecureDelete(native(), view, p, &v).WipeFolder(s.folder.string() + s.suffix);
          }},
         {"indexdat wipe", false, false, [](Scene& s) { s.folder = s.work.path(), s.name = "index.dat"; },
-         [](Scene& s, Problems& p, Verdicts& v) {
+         [](Scene& s, testsupport::RecordingSink& p, testsupport::RecordingVerdicts& v) {
              indexdat::WipeFileContents(native(), s.item().string() + s.suffix, [](double) { return true; }, &p, &v);
          }},
         {"temp clean", true, false, [](Scene& s) { s.folder = s.work.path(), s.name = "target"; },
-         [](Scene& s, Problems& p, Verdicts& v) {
+         [](Scene& s, testsupport::RecordingSink& p, testsupport::RecordingVerdicts& v) {
              cleaning::ListView view;
              cleaning::TraceCleaner cleaner(native(), view, &p, &v);
              cleaning::FolderPaths paths;
@@ -199,7 +188,7 @@ const std::vector<Entry>& entries() {
              cleaner.CleanTempFolder();
          }},
         {"cookie records", true, false, [](Scene& s) { s.folder = s.work.path(), s.name = "index.dat"; },
-         [](Scene& s, Problems& p, Verdicts& v) {
+         [](Scene& s, testsupport::RecordingSink& p, testsupport::RecordingVerdicts& v) {
              cleaning::ListView view;
              cleaning::TraceCleaner cleaner(native(), view, &p, &v);
              cleaning::FolderPaths paths;
@@ -216,7 +205,7 @@ const std::vector<Entry>& entries() {
              std::ofstream(trash / "info/target.trashinfo") << "[Trash Info]\nPath=/somewhere/target\n";
              s.folder = trash / "files", s.name = "target";
          },
-         [](Scene&, Problems& p, Verdicts&) {
+         [](Scene&, testsupport::RecordingSink& p, testsupport::RecordingVerdicts&) {
              core::SilentPrompts silent;
              cleaning::CleanIT(native(), silent, &p).EmptyRecycleBin("", true, true, true);
          }},
@@ -225,7 +214,7 @@ const std::vector<Entry>& entries() {
              s.folder = std::getenv("XDG_DATA_HOME"), s.name = "recently-used.xbel";
              fs::remove_all(s.item()); // what an earlier case left
          },
-         [](Scene&, Problems& p, Verdicts&) {
+         [](Scene&, testsupport::RecordingSink& p, testsupport::RecordingVerdicts&) {
              core::SilentPrompts silent;
              cleaning::CleanIT(native(), silent, &p).CleanRecentDocs();
          }},
@@ -238,12 +227,12 @@ const std::vector<Entry>& entries() {
              std::ofstream(profile / "Preferences") << "{}";
              s.folder = profile / "Code Cache/js", s.name = "target";
          },
-         [](Scene&, Problems& p, Verdicts& v) {
+         [](Scene&, testsupport::RecordingSink& p, testsupport::RecordingVerdicts& v) {
              cleaning::ListView view;
              cleaning::TraceCleaner(native(), view, &p, &v).CleanAll();
          }},
         {"free-space temporary file", true, false, [](Scene& s) { s.folder = s.work.path(), s.name = "WNXTEMP.000"; },
-         [](Scene& s, Problems& p, Verdicts&) {
+         [](Scene& s, testsupport::RecordingSink& p, testsupport::RecordingVerdicts&) {
              testsupport::FreeSpaceRecorder view;
              try {
                  wipe::FreeSpaceWipe(native(), view, p)
@@ -432,8 +421,8 @@ TEST_P(DestructionMatrix, LeavesWhatWasNotAskedForAndNeverCallsItOverwritten) {
     const fs::path item = scene.item();
     const bool sparse = scene.image != nullptr;
 
-    Problems problems;
-    Verdicts verdicts;
+    testsupport::RecordingSink problems;
+    testsupport::RecordingVerdicts verdicts;
     entry.run(scene, problems, verdicts);
 
     for (const auto& [path, was] : scene.kept) {

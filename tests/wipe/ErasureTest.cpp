@@ -51,22 +51,18 @@ struct ErasureTest : ::testing::Test {
 
 } // namespace
 
-struct LastVerdict final : core::VerdictSink {
-    core::Verdict last;
-    void record(const core::Verdict& v) override { last = v; }
-};
-
 TEST_F(ErasureTest, ShreddedFileLeavesNoTraceOnTheDiskAndReadsBackAsTheLastPassWroteIt) {
     const fs::path file = image.mountPoint() / "secret.txt";
     plant(file, 340 * 1000);
     expectPlantedThenGone([&] {
         testsupport::SecureDeleteRecorder view;
-        LastVerdict verdict;
+        testsupport::RecordingVerdicts verdict;
         wipe::SecureDelete shred(*platform, view, quiet, &verdict);
         shred.setVerify(true);
         EXPECT_TRUE(shred.WipeFile(file.string()));
         EXPECT_FALSE(fs::exists(file));
-        EXPECT_TRUE(verdict.last.overwritten && verdict.last.verified) << verdict.last.why;
+        ASSERT_FALSE(verdict.all.empty());
+        EXPECT_TRUE(verdict.all.back().overwritten && verdict.all.back().verified) << verdict.all.back().why;
     });
 }
 

@@ -1,40 +1,15 @@
 #pragma once
-// Stand-ins for the people and windows around the wipe engines: prompts that answer from a script
-// and remember what was said, and views that record what a window would show.
+// Stand-ins for the windows around the wipe engines: views that record what a window would show.
 
-#include "core/ProblemSink.h"
-#include "core/Prompts.h"
+#include "tests/support/Recorders.h"
 #include "wipe/FreeSpaceView.h"
 #include "wipe/SecureDeleteView.h"
 
-#include <deque>
 #include <functional>
 #include <string>
 #include <vector>
 
 namespace testsupport {
-
-struct RecordingPrompts final : core::Prompts {
-    std::deque<bool> answers; ///< next answers to yes/no questions; Yes when none are left
-    std::vector<std::string> asked, told;
-    std::vector<int> askedStyles;
-
-    bool askYesNo(const std::string& text, const std::string&, int style) override {
-        asked.push_back(text);
-        askedStyles.push_back(style);
-        if (answers.empty())
-            return true;
-        const bool a = answers.front();
-        answers.pop_front();
-        return a;
-    }
-    void tell(const std::string& text, const std::string&, int) override { told.push_back(text); }
-};
-
-struct RecordingSink final : core::ProblemSink {
-    std::vector<std::string> items;
-    void skipped(const std::string& item, const std::string&) override { items.push_back(item); }
-};
 
 struct FreeSpaceRecorder final : wipe::FreeSpaceView {
     RecordingPrompts ask;

@@ -1,7 +1,7 @@
 // Memory figures, processes, known folders and drives as the system itself reports them.
 
 #include "platform/Platform.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Process.h"
 #include "tests/support/Scratch.h"
 #include "tests/support/Wine.h"
 

@@ -24,6 +24,10 @@ struct NoRemover final : platform::Remover {
         ADD_FAILURE() << "asked to remove " << name;
         return false;
     }
+    bool rewrite(platform::Folder&, const std::string& name, const std::string&) override {
+        ADD_FAILURE() << "asked to rewrite " << name;
+        return false;
+    }
 } noRemover;
 
 const std::string Ascii = "http://cache.example.test/page.html";
@@ -145,7 +149,7 @@ TEST(WindowsUrlHistory, EachCallWorksFromAnyThreadAndEndsTheComItStarted) {
     }).join();
     EXPECT_EQ(startedAfter, S_OK);
     // Another thread, once the first has ended, reaches the store the same way.
-    EXPECT_EQ(history.deleteUrl(Ascii, 0), added);
+    EXPECT_EQ(history.deleteUrl(Ascii, 0, noRemover), added);
     if (!added) {
         ASSERT_EQ(problems.size(), 1u);
         ASSERT_EQ(history.storeProblems().size(), 1u);

@@ -1,6 +1,11 @@
 #pragma once
-// Running a command-line program as a user or a script does: a real process through the shell,
-// with no terminal on its standard input, its standard output kept apart from its messages.
+// Real processes for tests. A command-line program run as a user or a script runs it: through the
+// shell, with no terminal on its standard input, its standard output kept apart from its messages.
+// A child running under a chosen program name (a copy of sleep, on Windows of the test sleeper,
+// renamed), for code that watches the process list, and one that holds a file open, for code that
+// must leave files in use alone.
+
+#include "tests/support/Scratch.h"
 
 #include <filesystem>
 #include <functional>
@@ -53,5 +58,44 @@ bool waitUntil(const std::function<bool()>& condition);
 
 /// `path` in single quotes for the shell (paths with a quote in them are not supported).
 std::string shellQuoted(const std::filesystem::path& path);
+
+class ChildProcess {
+public:
+    /// Starts a program file called `programName` that sleeps, and waits until it runs under that name.
+    explicit ChildProcess(const std::string& programName);
+    ~ChildProcess();
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    pid_t pid() const { return m_pid; }
+    /// Ends the process and waits for it.
+    void stop();
+
+private:
+    ScratchDir m_dir;
+    pid_t m_pid = -1;
+#ifdef _WIN32
+    void* m_process = nullptr; ///< the process handle
+#endif
+};
+
+/// A child process (sleep) that holds `path` open for reading until it ends.
+class FileHolder {
+public:
+    explicit FileHolder(const std::string& path);
+    ~FileHolder();
+    FileHolder(const FileHolder&) = delete;
+    FileHolder& operator=(const FileHolder&) = delete;
+
+    /// Whether the child runs with the file open.
+    bool holding() const { return m_holding; }
+
+private:
+    pid_t m_pid = -1;
+    bool m_holding = false;
+#ifdef _WIN32
+    void* m_process = nullptr;
+#endif
+};
 
 } // namespace testsupport
