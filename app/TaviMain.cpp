@@ -5,9 +5,8 @@
 #include "app/RecycleProgress.h"
 #include "app/WindowSet.h"
 #include "app/WorkingList.h"
-#include "app/autoclean/AutoCleanState.h"
-#include "app/autoclean/CheckProcess.h"
 #include "app/tray/SysTray.h"
+#include "autoclean/WatchStep.h"
 #include "cleaning/CURLHistory.h"
 #include "cleaning/CleanIT.h"
 #include "cleaning/TempFolderGuard.h"
@@ -371,10 +370,6 @@ void TaviMain::Timer1_Timer() {
         m_lblConnected->setText("Connected to the Internet");
 }
 
-bool TaviMain::browserRunning() {
-    return autoclean::IsProcessRunning(m_platform.processes(), autoclean::watchedBrowsers(), pumpEvents);
-}
-
 namespace {
 
 autoclean::AutoCleanState readState(const ggcommand::GGCommand* toggle, const QTimer* check, const QTimer* closed) {
@@ -396,13 +391,15 @@ void TaviMain::GGCommand10_Click() {
 }
 
 void TaviMain::TCheck_Timer() {
-    const bool running = browserRunning();
-    writeState(autoclean::afterCheckTick(readState(button(10), m_tCheck, m_tClosed), running), button(10), m_tCheck,
-               m_tClosed);
+    autoclean::AutoCleanState state = readState(button(10), m_tCheck, m_tClosed);
+    autoclean::watchStep(state, autoclean::Timer::Check, m_platform.processes(), pumpEvents);
+    writeState(state, button(10), m_tCheck, m_tClosed);
 }
 
 void TaviMain::TClosed_Timer() {
-    if (!autoclean::mustClean(browserRunning()))
+    autoclean::AutoCleanState state = readState(button(10), m_tCheck, m_tClosed);
+    if (autoclean::watchStep(state, autoclean::Timer::Closed, m_platform.processes(), pumpEvents) !=
+        autoclean::Tick::CleanDue)
         return;
     m_tray->ShowIcon(QIcon(m_picture1->pixmap()));
     QThread::msleep(500);

@@ -113,7 +113,6 @@ private:
     void showFromTray();
     /// Shows `text` on the window's warning line; an empty text hides the line.
     void showWarning(const std::string& text);
-    bool browserRunning();
     /// Runs `action` quietly, then shows what it did in the status line.
     void reported(const std::function<void()>& action);
 

@@ -3,12 +3,13 @@
 // its time beside the whole command to tell the backend's share from the rest.
 
 #include "platform/Platform.h"
+#include "tests/support/CachedAddresses.h"
 
 #include <cstdio>
 
 int main() {
     const auto platform = platform::createNative();
-    for (const std::string& url : platform::cachedAddresses(platform->urlCache()))
-        std::puts(url.c_str());
+    for (const std::string& address : testsupport::cachedAddresses(platform->urlCache()))
+        std::puts(address.c_str());
     return 0;
 }

@@ -42,6 +42,8 @@ timed() {
     echo "$t1 - $t0" | bc -l
 }
 ratio() { printf '%.2f' "$(echo "$1 / $2" | bc -l)"; }
+# The middle one of the numbers on standard input.
+median() { sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
 # One line per tool: NAME, total seconds, passes.
 line() { printf '%-17s %8.2f s  (%.3f s a pass, %d passes)\n' "$1" "$2" "$(echo "$2 / $3" | bc -l)" "$3"; }
 
@@ -52,12 +54,11 @@ plant() {
     dd if=/dev/urandom of="$victim" bs=1M count="$mib" status=none
     sync -f "$victim"
 }
-# The dd pass is short and noisy: the mean of five.
-dd_pass=0
-for _ in 1 2 3 4 5; do
+# The dd pass is short and noisy: the median of five, so that one stall does not move it.
+dd_pass=$(for _ in 1 2 3 4 5; do
     plant
-    dd_pass=$(echo "$dd_pass + $(timed dd if=/dev/zero of="$victim" bs=1M count="$mib" conv=notrunc,fsync) / 5" | bc -l)
-done
+    timed dd if=/dev/zero of="$victim" bs=1M count="$mib" conv=notrunc,fsync
+done | median)
 plant; ours=$(timed "$cli" shred --yes "$victim")
 plant; srm_all=$(timed srm "$victim")
 line "dd (one pass)" "$dd_pass" 1
@@ -81,9 +82,12 @@ rm -f "$victim"
 
 echo "== free-space wipe of a ${mib} MiB filesystem"
 fresh "$work/space" "$mib"
-dd_fill=$(timed dd if=/dev/zero of="$work/space/fill" bs=1M conv=fsync)
-rm -f "$work/space/fill"
-sync -f "$work/space"
+# One fill is as short and as noisy as one dd pass: the median of three.
+dd_fill=$(for _ in 1 2 3; do
+    timed dd if=/dev/zero of="$work/space/fill" bs=1M conv=fsync
+    rm -f "$work/space/fill"
+    sync -f "$work/space"
+done | median)
 ours=$(timed "$cli" wipe-free-space --yes "$work/space")
 sfill_all=$(timed sfill -I "$work/space")
 line "dd fill" "$dd_fill" 1

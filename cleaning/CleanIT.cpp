@@ -2,7 +2,7 @@
 
 #include "wipe/Engine.h"
 
-#include "cleaning/Registry.h"
+#include "cleaning/RegStrings.h"
 #include "core/NumberFormat.h"
 #include "platform/PreviewPlatform.h"
 

@@ -1,6 +1,6 @@
 #include "cleaning/FolderPaths.h"
 
-#include "cleaning/Registry.h"
+#include "cleaning/RegStrings.h"
 
 namespace cleaning {
 

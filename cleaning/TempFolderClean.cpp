@@ -1,9 +1,7 @@
-// The file side of the trace cleaning: the rules that decide which files of the shared temporary
-// and cookie folders may go, the temporary-folder clean, and the eleven-pass overwrite. Everything
-// happens inside open folders (platform::Folder), so a folder renamed or replaced by a link while
-// the clean runs cannot lead it anywhere else, and no walk crosses into another mount.
+// Everything happens inside open folders (platform::Folder), so a folder renamed or replaced by a
+// link while the clean runs cannot lead it anywhere else, and no walk crosses into another mount.
 
-#include "cleaning/TraceCleaner.h"
+#include "cleaning/TempFolderClean.h"
 
 #include "cleaning/TempFolderGuard.h"
 #include "core/Rounding.h"
@@ -47,7 +45,16 @@ std::unique_ptr<Folder> openListed(Folder& parent, const FileInfo& entry) {
 
 } // namespace
 
-TraceCleaner::Kept TraceCleaner::kept(Folder& folder, const FileInfo& entry) {
+TempFolderClean::TempFolderClean(platform::Platform& platform, wipe::Engine& engine, TraceView& view,
+                                 core::ProblemSink* problems)
+    : m_platform(platform), m_engine(engine), m_view(view), m_problems(problems) {}
+
+void TempFolderClean::skipped(const std::string& item, const std::string& reason) {
+    if (m_problems)
+        m_problems->skipped(item, reason);
+}
+
+TempFolderClean::Kept TempFolderClean::kept(Folder& folder, const FileInfo& entry) {
     if (!entry.isRegular || entry.isLink() || wipe::isMountPoint(folder, entry))
         return Kept::NotAFile;
     if (!entry.ownedByUser)
@@ -57,8 +64,8 @@ TraceCleaner::Kept TraceCleaner::kept(Folder& folder, const FileInfo& entry) {
     return Kept::No;
 }
 
-void TraceCleaner::wipeIfAllowed(Folder& folder, const FileInfo& entry, TraceStep step) {
-    const std::string path = join(folder.path(), entry.name);
+void TempFolderClean::wipeIfAllowed(Folder& folder, const FileInfo& entry, TraceStep step) {
+    const std::string path = m_platform.fileSystem().join(folder.path(), entry.name);
     switch (kept(folder, entry)) {
     case Kept::No:
         if (wipeEntry(folder, entry.name))
@@ -73,8 +80,7 @@ void TraceCleaner::wipeIfAllowed(Folder& folder, const FileInfo& entry, TraceSte
     }
 }
 
-void TraceCleaner::CleanTempFolder() {
-    const std::string temp = m_paths.TempPath;
+void TempFolderClean::Clean(const std::string& temp) {
     if (temp.empty())
         return; // never the current folder
     auto top = m_platform.fileSystem().openFolder(temp);
@@ -107,11 +113,11 @@ void TraceCleaner::CleanTempFolder() {
     }
 }
 
-void TraceCleaner::cleanSubfolder(Folder& parent, const FileInfo& entry) {
+void TempFolderClean::cleanSubfolder(Folder& parent, const FileInfo& entry) {
     // Another user's folder, or another filesystem mounted here, is not this user's to empty.
     if (!entry.ownedByUser || wipe::isMountPoint(parent, entry))
         return;
-    const std::string path = join(parent.path(), entry.name);
+    const std::string path = m_platform.fileSystem().join(parent.path(), entry.name);
     auto dir = openListed(parent, entry);
     if (!dir) {
         skipped(path, "cannot be opened");
@@ -140,7 +146,7 @@ void TraceCleaner::cleanSubfolder(Folder& parent, const FileInfo& entry) {
         m_engine.removeEmptyFolder(parent, entry.name);
 }
 
-bool TraceCleaner::clearBelow(Folder& dir, bool remove) {
+bool TempFolderClean::clearBelow(Folder& dir, bool remove) {
     bool listed = false;
     const auto entries = entriesOf(dir, listed);
     bool all = listed;
@@ -160,7 +166,7 @@ bool TraceCleaner::clearBelow(Folder& dir, bool remove) {
             goes = remove ? m_engine.remove(dir, fi.name).removed
                           : !dir.isInUse(fi.name);
             if (remove && goes)
-                m_view.itemDone(TraceStep::TempFiles, join(dir.path(), fi.name));
+                m_view.itemDone(TraceStep::TempFiles, m_platform.fileSystem().join(dir.path(), fi.name));
         }
         all = goes && all;
         if (!all && !remove)
@@ -171,9 +177,9 @@ bool TraceCleaner::clearBelow(Folder& dir, bool remove) {
 
 /// The eleven passes of 0x55 bytes over blocks 0 to round(length / 1024) of 1024 bytes each, one run
 /// of bytes from the start written a group of blocks at a time.
-class TraceCleaner::Scheme final : public wipe::OverwriteScheme {
+class TempFolderClean::Scheme final : public wipe::OverwriteScheme {
 public:
-    explicit Scheme(TraceCleaner& owner) : m_owner(owner) {}
+    explicit Scheme(TempFolderClean& owner) : m_owner(owner) {}
 
     int passes() const override { return Passes; }
     void starting(const std::string& shown) override { m_shown = shown; }
@@ -202,18 +208,18 @@ public:
     }
 
 private:
-    TraceCleaner& m_owner;
+    TempFolderClean& m_owner;
     std::string m_shown;
     std::uint64_t m_total = 0;
 };
 
-void TraceCleaner::WipeFile(const std::string& path) {
+void TempFolderClean::WipeFile(const std::string& path) {
     const auto [folderPath, name] = wipe::splitPath(m_platform.fileSystem(), path);
     if (auto folder = m_platform.fileSystem().openFolder(folderPath))
         wipeEntry(*folder, name);
 }
 
-bool TraceCleaner::wipeEntry(Folder& folder, const std::string& name) {
+bool TempFolderClean::wipeEntry(Folder& folder, const std::string& name) {
     Scheme scheme(*this);
     wipe::OverwriteOptions options;
     options.missingIsProblem = false; // already gone: the full clean deletes first on purpose

@@ -35,7 +35,7 @@ std::unique_ptr<Folder> openWhereItLeads(platform::FileSystem& fs, const std::st
     if (auto folder = fs.openFolder(path))
         return folder;
     // A home folder may itself be a link to where it lives: the folder it leads to is the home.
-    return fs.openFolder(path + fs.separator() + ".");
+    return fs.openFolder(fs.join(path, "."));
 }
 
 bool sameAsAny(const FileInfo& folder, const std::vector<FileInfo>& others) {

@@ -26,7 +26,8 @@ std::uintptr_t address(const void* pointer) {
 
 TraceCleaner::TraceCleaner(platform::Platform& platform, TraceView& view, core::ProblemSink* problems,
                            core::VerdictSink* verdicts)
-    : m_platform(platform), m_view(view), m_problems(problems), m_engine(platform, verdicts, problems), m_storeFiles(platform, nullptr, nullptr) {}
+    : m_platform(platform), m_view(view), m_problems(problems), m_engine(platform, verdicts, problems),
+      m_storeFiles(platform, nullptr, nullptr), m_temp(platform, m_engine, view, problems) {}
 
 void TraceCleaner::ReadFolderPaths() {
     m_paths = cleaning::ReadFolderPaths(m_platform);
@@ -49,10 +50,6 @@ void ReportStoreProblems(core::ProblemSink* problems, const std::vector<platform
         return;
     for (const platform::StoreProblem& store : stores)
         problems->skipped(store.file, store.reason);
-}
-
-std::string TraceCleaner::join(const std::string& folder, const std::string& name) const {
-    return wipe::joinPath(m_platform.fileSystem(), folder, name);
 }
 
 void TraceCleaner::ShowCache() {
@@ -164,7 +161,7 @@ void TraceCleaner::cleanCookieRecords() {
     m_view.clearList();
     folder->list([&](const platform::FileInfo& fi) {
         if (!fi.isDirectory() || fi.isLink())
-            m_view.addLine(join(path, fi.name));
+            m_view.addLine(m_platform.fileSystem().join(path, fi.name));
         return true;
     });
     for (std::size_t i = 0; i < m_view.lineCount() && !m_view.interrupted(); ++i) {
@@ -174,13 +171,14 @@ void TraceCleaner::cleanCookieRecords() {
             continue; // the cookies themselves stay
         const std::string name = wipe::splitPath(m_platform.fileSystem(), line).second;
         const auto info = folder->entry(name);
-        const Kept verdict = info ? kept(*folder, *info) : Kept::NotAFile;
+        using Kept = TempFolderClean::Kept;
+        const Kept verdict = info ? TempFolderClean::kept(*folder, *info) : Kept::NotAFile;
         if (verdict == Kept::InUse)
             skipped(line, "is open in a running program; left alone");
         if (verdict != Kept::No)
             continue;
         // Deleted first on purpose: the wipe then finds nothing, unless the deletion failed.
-        if (m_engine.remove(*folder, name).removed || wipeEntry(*folder, name))
+        if (m_engine.remove(*folder, name).removed || m_temp.wipeEntry(*folder, name))
             m_view.itemDone(TraceStep::CookieFiles, line);
     }
     m_view.clearList();

@@ -5,15 +5,12 @@
 // folder (CleanTempFolder), and the overwrite-then-delete of one file (WipeFile) that the last two
 // use. Nothing here shows a message: a failing step is skipped and the routine goes on, and each
 // skipped item, and each browser profile left alone because its browser runs, goes to the
-// optional problem sink.
-//
-// The temporary and cookie folders are shared with running programs (and, for /tmp, with other
-// users), so automatic cleaning touches only the user's own regular files that no process has
-// open. Links, sockets, pipes and devices are never touched, nothing is followed through a link,
-// and no walk enters another filesystem.
+// optional problem sink. The files of the temporary and cookie folders go by the rules of
+// TempFolderClean, which also does the overwrite.
 
 #include "cleaning/CURLHistory.h"
 #include "cleaning/FolderPaths.h"
+#include "cleaning/TempFolderClean.h"
 #include "cleaning/TraceView.h"
 #include "core/ProblemSink.h"
 #include "platform/Folder.h"
@@ -40,6 +37,9 @@ public:
     /// cache before the history collection exists.
     TraceCleaner(platform::Platform& platform, TraceView& view, core::ProblemSink* problems = nullptr,
                  core::VerdictSink* verdicts = nullptr);
+    // The temp clean works through this cleaner's own engine.
+    TraceCleaner(const TraceCleaner&) = delete;
+    TraceCleaner& operator=(const TraceCleaner&) = delete;
 
     /// The URL history collection the full clean clears; it must outlive the cleaner.
     void SetHistory(CURLHistory& history) { m_history = &history; }
@@ -62,34 +62,16 @@ public:
     /// files named "index.dat" in the cookie folder (overwriting any whose deletion fails), then
     /// clears the URL history.
     void CleanAll();
-    /// Overwrites and deletes the temporary folder's own files, and does the same for the files of
-    /// each first-level subfolder before removing it with what lies below. A subfolder that still
-    /// holds anything the rules keep (or anything read-only below its first level) stays.
-    void CleanTempFolder();
-    /// Overwrites `path` eleven times with 0x55 bytes, blocks 0 to round(length / 1024) of 1024
-    /// bytes each (so the file may grow by up to a block), each pass reaching the device before
-    /// the next, then deletes it. A missing file is left missing; a file with other names (hard
-    /// links) is not overwritten, only this name is removed; anything but a plain file is left.
-    void WipeFile(const std::string& path);
+    /// The temporary-folder clean (TempFolderClean::Clean) of the folder read at start-up.
+    void CleanTempFolder() { m_temp.Clean(m_paths.TempPath); }
+    /// TempFolderClean::WipeFile.
+    void WipeFile(const std::string& path) { m_temp.WipeFile(path); }
 
 private:
-    /// Why automatic cleaning leaves an entry alone.
-    enum class Kept { No, NotAFile, OtherOwner, InUse };
-    Kept kept(platform::Folder& folder, const platform::FileInfo& entry);
-    class Scheme;
-    /// The overwrite of WipeFile, for the entry `name` of an open folder. True when it is gone.
-    bool wipeEntry(platform::Folder& folder, const std::string& name);
-    /// wipeEntry for an entry of the temporary or cookie folder, when the rules allow.
-    void wipeIfAllowed(platform::Folder& folder, const platform::FileInfo& entry, TraceStep step);
-    void cleanSubfolder(platform::Folder& parent, const platform::FileInfo& entry);
-    /// Walks everything below `dir`. With `remove` false, tells whether all of it may go; with it
-    /// true, removes what may and tells whether all of it went.
-    bool clearBelow(platform::Folder& dir, bool remove);
     /// With `always` false, an empty list erases nothing.
     void deleteListed(bool always);
     void cleanCookieRecords();
     void skipped(const std::string& item, const std::string& reason);
-    std::string join(const std::string& folder, const std::string& name) const;
 
     platform::Platform& m_platform;
     TraceView& m_view;
@@ -98,8 +80,8 @@ private:
     wipe::Engine m_engine;
     /// Removes the files of the browsers' stores: counted and named by the stores themselves.
     wipe::Engine m_storeFiles;
+    TempFolderClean m_temp;
     FolderPaths m_paths;
-    std::vector<std::uint8_t> m_pattern;
 };
 
 } // namespace cleaning

@@ -4,8 +4,7 @@
 // the exit code 1. Ctrl-C stops a clean at the next block: the file being overwritten is deleted
 // and nothing further is touched.
 
-#include "app/autoclean/AutoCleanState.h"
-#include "app/autoclean/CheckProcess.h"
+#include "autoclean/WatchStep.h"
 #include "cleaning/CURLHistory.h"
 #include "cleaning/CleanAllPreview.h"
 #include "cleaning/CleanIT.h"
@@ -128,12 +127,12 @@ void watch(Context& ctx, int interval) {
         pause(interval);
         if (interrupted())
             break;
-        const bool running = autoclean::IsProcessRunning(ctx.platform.processes(), autoclean::watchedBrowsers());
-        if (state.checkEnabled) {
-            state = autoclean::afterCheckTick(state, running);
-            if (state.closedEnabled)
-                std::cerr << now() << " the browser runs; cleaning when it closes\n";
-        } else if (state.closedEnabled && autoclean::mustClean(running)) {
+        // One loop stands for both timers: the start is watched until it happens, then the close.
+        const auto timer = state.checkEnabled ? autoclean::Timer::Check : autoclean::Timer::Closed;
+        const autoclean::Tick tick = autoclean::watchStep(state, timer, ctx.platform.processes());
+        if (tick == autoclean::Tick::BrowserStarted) {
+            std::cerr << now() << " the browser runs; cleaning when it closes\n";
+        } else if (tick == autoclean::Tick::CleanDue) {
             TerminalTraceView view;
             cleaning::TraceCleaner cleaner(ctx.platform, view, &ctx.problems, &ctx.verdicts);
             cleaner.SetHistory(history);

@@ -85,6 +85,15 @@ public:
     virtual bool isInUse(const std::string& path) = 0;
     /// The path separator of this platform: '\\' or '/'.
     virtual char separator() const = 0;
+
+    /// `folder` + separator() + `name`, with no doubled separator; `name` alone when `folder` is
+    /// empty.
+    std::string join(const std::string& folder, const std::string& name) const {
+        const char sep = separator();
+        if (folder.empty() || folder.back() == sep)
+            return folder + name;
+        return folder + sep + name;
+    }
 };
 
 } // namespace platform

@@ -136,10 +136,6 @@ public:
     /// The raw files that the folders' files open through.
     void attach(PreviewRawFiles& raw) { m_raw = &raw; }
     PreviewRawFiles& raw() { return *m_raw; }
-    std::string joined(const std::string& dir, const std::string& name) const {
-        const char sep = separator();
-        return dir.empty() || dir.back() == sep ? dir + name : dir + sep + name;
-    }
     bool removed(const std::string& path) const {
         return !m_journal.removedPaths.empty() && m_journal.removedPaths.count(path) > 0;
     }
@@ -147,12 +143,12 @@ public:
     bool list(const std::string& dir, const std::string& pattern,
               const std::function<bool(const FileInfo&)>& visit) override {
         return real().list(dir, pattern,
-                           [&](const FileInfo& fi) { return removed(joined(dir, fi.name)) || visit(fi); });
+                           [&](const FileInfo& fi) { return removed(join(dir, fi.name)) || visit(fi); });
     }
     bool names(const std::string& dir,
                const std::function<bool(const std::string&, EntryKind)>& visit) override {
         return real().names(dir, [&](const std::string& name, EntryKind kind) {
-            return removed(joined(dir, name)) || visit(name, kind);
+            return removed(join(dir, name)) || visit(name, kind);
         });
     }
     std::optional<FileInfo> info(const std::string& path) override {
@@ -244,7 +240,7 @@ public:
     bool makeNormal(const std::string& name) override { return m_files.makeNormal(full(name)); }
 
 private:
-    std::string full(const std::string& name) const { return m_files.joined(path(), name); }
+    std::string full(const std::string& name) const { return m_files.join(path(), name); }
 
     PreviewFileSystem& m_files;
 };

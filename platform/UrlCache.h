@@ -85,9 +85,4 @@ public:
     virtual std::vector<StoreProblem> storeProblems() const { return {}; }
 };
 
-/// The source address of every entry of `cache`, in its enumeration order, read with the
-/// size-first calls above into a plain buffer. For tools and checks that want the list itself;
-/// the cache listing of the cleaner reads entries into its own memory block instead.
-std::vector<std::string> cachedAddresses(UrlCache& cache);
-
 } // namespace platform

@@ -14,12 +14,52 @@ using platform::Folder;
 using platform::RawFile;
 using Ranges = std::vector<std::pair<std::uint64_t, std::uint64_t>>;
 
-std::uint64_t fnv1a(std::uint64_t hash, const unsigned char* bytes, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i)
-        hash = (hash ^ bytes[i]) * 0x100000001b3ULL;
-    return hash;
+/// The digest a written range is compared by after its read-back: eight bytes a step, so that it
+/// keeps pace with the writes and reads it watches. Each step is a bijection of the state, so a
+/// range that differs in one word never digests the same. Bytes may come in pieces of any size.
+class Digest {
+public:
+    void add(const unsigned char* bytes, std::size_t count) {
+        while (m_carried > 0 && m_carried < sizeof m_carry && count > 0) {
+            m_carry[m_carried++] = *bytes++;
+            --count;
+        }
+        if (m_carried == sizeof m_carry) {
+            step(m_carry);
+            m_carried = 0;
+        }
+        for (; count >= sizeof m_carry; bytes += sizeof m_carry, count -= sizeof m_carry)
+            step(bytes);
+        if (count > 0) { // nothing is carried now: the carry was either filled up or never begun
+            std::memcpy(m_carry, bytes, count);
+            m_carried = count;
+        }
+    }
+    std::uint64_t value() const {
+        std::uint64_t hash = m_hash;
+        for (std::size_t i = 0; i < m_carried; ++i)
+            hash = (hash ^ m_carry[i]) * Prime;
+        return (hash ^ m_carried) * Prime;
+    }
+
+private:
+    static constexpr std::uint64_t Prime = 0x100000001b3ULL;
+    void step(const unsigned char* word) {
+        std::uint64_t w;
+        std::memcpy(&w, word, sizeof w);
+        m_hash = (m_hash ^ w) * Prime;
+    }
+
+    std::uint64_t m_hash = 0xcbf29ce484222325ULL;
+    unsigned char m_carry[8] = {};
+    std::size_t m_carried = 0;
+};
+
+std::uint64_t digestOf(const unsigned char* bytes, std::size_t count) {
+    Digest digest;
+    digest.add(bytes, count);
+    return digest.value();
 }
-constexpr std::uint64_t FnvStart = 0xcbf29ce484222325ULL;
 
 /// The data ranges of `file` inside its first `length` bytes.
 Ranges dataWithin(const RawFile& file, std::uint64_t length) {
@@ -51,7 +91,8 @@ public:
         const auto* bytes = static_cast<const unsigned char*>(data);
         const std::uint64_t end = offset + count;
         // The pieces of [offset, end) that hold data, then whatever lies past the first length.
-        for (const auto& [start, size] : m_data) {
+        for (auto range = firstEndingAfter(offset); range != m_data.end() && range->first < end; ++range) {
+            const auto [start, size] = *range;
             const std::uint64_t from = std::max(offset, start), to = std::min(end, start + size);
             if (from < to && !put(from, bytes + (from - offset), to - from))
                 return false;
@@ -64,10 +105,8 @@ public:
     }
 
     std::uint64_t nextData(std::uint64_t offset) const override {
-        for (const auto& [start, size] : m_data)
-            if (offset < start + size)
-                return std::max(offset, start);
-        return std::max(offset, m_length);
+        const auto range = firstEndingAfter(offset);
+        return range != m_data.end() ? std::max(offset, range->first) : std::max(offset, m_length);
     }
 
     void startFlush(std::uint64_t offset, std::uint64_t length) override {
@@ -90,6 +129,13 @@ public:
     }
 
 private:
+    /// The first data range that ends after `offset`: a file of many extents is written in many
+    /// pieces, and each finds its ranges without walking all that lie before it.
+    Ranges::const_iterator firstEndingAfter(std::uint64_t offset) const {
+        return std::upper_bound(m_data.begin(), m_data.end(), offset,
+                                [](std::uint64_t at, const auto& range) { return at < range.first + range.second; });
+    }
+
     bool put(std::uint64_t at, const unsigned char* bytes, std::uint64_t count) {
         if (m_file.seek(static_cast<std::int64_t>(at), RawFile::From::Begin) != static_cast<std::int64_t>(at) ||
             m_file.write(bytes, count) != count) {
@@ -99,7 +145,7 @@ private:
         m_bytes += count;
         m_end = std::max(m_end, at + count);
         if (m_remember)
-            m_last[at] = {count, fnv1a(FnvStart, bytes, count)};
+            m_last[at] = {count, digestOf(bytes, count)};
         return true;
     }
 
@@ -116,10 +162,6 @@ private:
 
 Engine::Engine(platform::Platform& platform, core::VerdictSink* verdicts, core::ProblemSink* problems)
     : m_platform(platform), m_verdicts(verdicts), m_problems(problems) {}
-
-std::string Engine::join(const std::string& folder, const std::string& name) const {
-    return joinPath(m_platform.fileSystem(), folder, name);
-}
 
 void Engine::report(const core::Verdict& verdict) {
     if (m_verdicts)
@@ -163,7 +205,7 @@ std::optional<Engine::Target> Engine::locate(const std::string& path, std::strin
             why = "the working folder cannot be read";
             return std::nullopt;
         }
-        rest = root + sep + text;
+        rest = files.join(root, text);
         root = sep == '/' ? "/" : rest.substr(0, 3);
     }
     // The names after the root, "." dropped and ".." taking its folder away, as written.
@@ -189,7 +231,7 @@ std::optional<Engine::Target> Engine::locate(const std::string& path, std::strin
     std::string walked = root;
     for (std::size_t i = 0; folder && i + 1 < names.size(); ++i) {
         const auto entry = folder->entry(names[i]);
-        walked = join(walked, names[i]);
+        walked = m_platform.fileSystem().join(walked, names[i]);
         if (entry && entry->isLink()) {
             why = "leads through the link " + walked + "; name the folder it points to instead";
             return std::nullopt;
@@ -204,7 +246,7 @@ std::optional<Engine::Target> Engine::locate(const std::string& path, std::strin
 }
 
 core::Verdict Engine::remove(Folder& folder, const std::string& name, const std::string& whyNotOverwritten) {
-    auto v = core::Verdict::about(join(folder.path(), name));
+    auto v = core::Verdict::about(m_platform.fileSystem().join(folder.path(), name));
     const auto entry = folder.entry(name);
     if (entry && isMountPoint(folder, *entry)) {
         v.why = "is a mount point; left in place";
@@ -264,7 +306,7 @@ bool Engine::rewrite(Folder& folder, const std::string& name, const std::string&
 core::Verdict Engine::overwrite(Folder& folder, const std::string& name, OverwriteScheme& scheme,
                                 const OverwriteOptions& options) {
     auto& raw = m_platform.rawFiles();
-    auto v = core::Verdict::about(join(folder.path(), name));
+    auto v = core::Verdict::about(m_platform.fileSystem().join(folder.path(), name));
     const auto left = [&](const std::string& why, bool problem = true) {
         v.why = why;
         v.problem = problem;
@@ -430,7 +472,7 @@ Engine::Passes Engine::overwriteStream(Folder& folder, const std::string& name, 
         done.why = file ? "belongs to another file now" : "cannot be opened for writing: " + errorText(raw, code);
         return done;
     }
-    scheme.starting(join(folder.path(), name) + ":" + stream);
+    scheme.starting(m_platform.fileSystem().join(folder.path(), name) + ":" + stream);
     FileWriter writer(*file, raw, facts->size, dataWithin(*file, facts->size));
     done = writePasses(*file, writer, scheme, verify);
     if (done.outcome != Passes::Outcome::Written)
@@ -464,7 +506,7 @@ core::Verdict Engine::verify(RawFile& file, const Ranges& ranges, const std::vec
         static_cast<unsigned char*>(::operator new(chunk, std::align_val_t(align))), release);
     for (std::size_t i = 0; i < ranges.size(); ++i) {
         const auto [offset, length] = ranges[i];
-        std::uint64_t hash = FnvStart;
+        Digest digest;
         std::uint64_t at = offset / align * align;
         const std::uint64_t end = offset + length;
         bool complete = true;
@@ -480,14 +522,14 @@ core::Verdict Engine::verify(RawFile& file, const Ranges& ranges, const std::vec
                 complete = false;
                 break;
             }
-            hash = fnv1a(hash, buffer.get() + (from - at), static_cast<std::size_t>(to - from));
+            digest.add(buffer.get() + (from - at), static_cast<std::size_t>(to - from));
             at += got;
             if (got < want && at < end) {
                 complete = false;
                 break;
             }
         }
-        if (!complete || hash != digests[i]) {
+        if (!complete || digest.value() != digests[i]) {
             v.why = "verify: the device holds other bytes than the last pass wrote in the block at offset " +
                     std::to_string(offset);
             v.problem = true;
@@ -524,7 +566,7 @@ bool Engine::removeOwnFile(Folder& folder, const std::string& name, const FileIn
         }
     }
     if (!gone)
-        report(core::Verdict::left(join(folder.path(), name), now->sameFileAs(expected) ? "cannot be deleted" : "is no longer the file this run made; left alone"));
+        report(core::Verdict::left(m_platform.fileSystem().join(folder.path(), name), now->sameFileAs(expected) ? "cannot be deleted" : "is no longer the file this run made; left alone"));
     return gone;
 }
 
@@ -544,7 +586,7 @@ std::string Engine::treeRefusal(Folder& parent, const std::string& name) {
 }
 
 bool Engine::removeEmptyFolder(Folder& parent, const std::string& name) {
-    auto v = core::Verdict::about(join(parent.path(), name), true);
+    auto v = core::Verdict::about(m_platform.fileSystem().join(parent.path(), name), true);
     v.removed = parent.removeFolder(name);
     if (!v.removed) {
         v.why = "cannot be deleted";
@@ -557,14 +599,14 @@ bool Engine::removeEmptyFolder(Folder& parent, const std::string& name) {
 bool Engine::removeTree(Folder& parent, const std::string& name, const std::function<bool(const FileInfo&)>& keep) {
     const std::string refusal = treeRefusal(parent, name);
     if (!refusal.empty()) {
-        report(core::Verdict::left(join(parent.path(), name), refusal, true));
+        report(core::Verdict::left(m_platform.fileSystem().join(parent.path(), name), refusal, true));
         return false;
     }
     const auto entry = parent.entry(name);
     parent.makeNormal(name); // a read-only folder would refuse the removal of its entries
     auto dir = parent.openFolder(name);
     if (!dir || !dir->self().sameFileAs(*entry)) {
-        report(core::Verdict::left(join(parent.path(), name), "cannot be opened", true));
+        report(core::Verdict::left(m_platform.fileSystem().join(parent.path(), name), "cannot be opened", true));
         return false;
     }
     const bool emptied = removeBelow(*dir, keep);
@@ -587,7 +629,7 @@ bool Engine::removeBelow(Folder& dir, const std::function<bool(const FileInfo&)>
     bool all = true;
     for (const auto& entry : entries) {
         if (isMountPoint(dir, entry)) {
-            report(core::Verdict::left(join(dir.path(), entry.name), "is a mount point; left in place", entry.isDirectory()));
+            report(core::Verdict::left(m_platform.fileSystem().join(dir.path(), entry.name), "is a mount point; left in place", entry.isDirectory()));
             all = false;
         } else if (entry.isDirectory() && !entry.isLink()) {
             all = removeTree(dir, entry.name, keep) && all;
@@ -627,13 +669,6 @@ std::int64_t readBackDifference(RawFile& file, std::uint64_t length, const Expec
         at += n;
     }
     return -1;
-}
-
-std::string joinPath(const platform::FileSystem& files, const std::string& folder, const std::string& name) {
-    const char sep = files.separator();
-    if (folder.empty() || folder.back() == sep)
-        return folder + name;
-    return folder + sep + name;
 }
 
 std::pair<std::string, std::string> splitPath(const platform::FileSystem& files, const std::string& path) {

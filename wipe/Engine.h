@@ -129,8 +129,6 @@ public:
     /// Removes the empty folder `name` of `parent`. True when it is gone.
     bool removeEmptyFolder(platform::Folder& parent, const std::string& name);
 
-    /// `folder` + the platform's separator + `name`.
-    std::string join(const std::string& folder, const std::string& name) const;
     /// Tells the sinks; for the schemes' callers, which add their own verdicts (a refusal up front).
     void report(const core::Verdict& verdict);
 
@@ -170,9 +168,6 @@ using Expected = std::function<void(std::uint64_t offset, unsigned char* out, st
 /// compares them with `expected`. The offset of the first difference; -1 when all is as expected;
 /// -2 when the file cannot be read back that way.
 std::int64_t readBackDifference(platform::RawFile& file, std::uint64_t length, const Expected& expected);
-
-/// `folder` + the platform's separator + `name`, with no doubled separator.
-std::string joinPath(const platform::FileSystem& files, const std::string& folder, const std::string& name);
 
 /// The folder part and the last component of `path`: ("/a", "b") for "/a/b", (".", "b") for "b".
 std::pair<std::string, std::string> splitPath(const platform::FileSystem& files, const std::string& path);

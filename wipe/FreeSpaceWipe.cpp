@@ -13,6 +13,7 @@
 #include <cstring>
 #include <thread>
 #include <algorithm>
+#include <span>
 
 namespace wipe {
 namespace {
@@ -36,6 +37,13 @@ std::string secondsText(double seconds) {
     return s;
 }
 
+/// Writes `bytes` at `position` of the file. False when the file took fewer of them (a full drive).
+bool writeAt(Random& file, std::int64_t position, std::span<const std::uint8_t> bytes) {
+    file.SeekAbsolute(static_cast<std::int32_t>(position >> 32),
+                      static_cast<std::int32_t>(static_cast<std::uint32_t>(position)));
+    return file.Raw().write(bytes.data(), bytes.size()) == bytes.size();
+}
+
 } // namespace
 
 core::Currency FreeSpaceWipe::fixedIncrement() {
@@ -50,7 +58,7 @@ FreeSpaceWipe::FreeSpaceWipe(platform::Platform& platform, FreeSpaceView& view, 
     : m_platform(platform), m_view(view), m_problems(problems) {}
 
 std::string FreeSpaceWipe::tempPath(const std::string& dir) const {
-    return joinPath(m_platform.fileSystem(), dir, texts::TempFileName);
+    return m_platform.fileSystem().join(dir, texts::TempFileName);
 }
 
 core::Currency FreeSpaceWipe::freeSpace(const std::string& dir) {
@@ -166,35 +174,45 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
                 m_random.reseed(pass <= 4 ? std::sin(t) : std::tan(t));
             }
             const Gutmann::Values values = Gutmann::values(pass, m_random);
+            // Block 2 is always covered again before it is sent to the device (see below): only
+            // blocks 1 and 3 are ever written.
             const auto block1 = Gutmann::wideBlock(values[0], chars);
-            const auto block2 = Gutmann::wideBlock(values[1], chars);
             const auto block3 = Gutmann::wideBlock(values[2], chars);
 
             FreeSpaceProgress now{pass, increment, 0, count, {}, {}, 0};
-            std::int64_t previous = 0;
             std::vector<Write> writes; // the last pass's writes, in order, for its read-back
-            std::int64_t at = 0;       // where the next write lands: where the last seek left the file
+            std::int64_t at = 0;       // where the increment before this one began
+            bool full = false;         // whether the drive has taken all it can
             for (std::int64_t i = 1; i <= steps; ++i) {
                 // The seek halves come from the 64-bit position itself; for the fixed increment that
                 // is exactly what the offset and high-half bookkeeping below amounts to, and it stays
                 // right for the removable increment past 2 GiB, where the offset no longer fits.
                 const std::int64_t position = core::roundHalfEven(now.wiped.toDouble());
-                const auto highPos = static_cast<std::int32_t>(position >> 32);
-                const auto lowPos = static_cast<std::int32_t>(static_cast<std::uint32_t>(position));
-                file.WriteBytes(block1);
-                file.SeekAbsolute(highPos, lowPos);
-                file.WriteBytes(block2);
-                file.SeekAbsolute(highPos, lowPos);
-                file.WriteBytes(block3);
-                file.SeekAbsolute(highPos, lowPos);
-                if (m_verify && pass == Gutmann::PassCount)
-                    writes.insert(writes.end(), {{at, &block1}, {position, &block2}, {position, &block3}});
-                at = position;
+                // An increment lays block 1 where the one before began and blocks 2 and 3 at its own
+                // start, where the next increment's block 1 lands again before any of it is sent to
+                // the device. So of block 1 only the part before this increment's start stays, and
+                // of block 3 only what the last increment lays: those alone are written, each byte
+                // of the pass once, rather than three blocks twice the increment wide.
+                const auto kept = static_cast<std::size_t>(
+                    std::min<std::int64_t>(position - at, static_cast<std::int64_t>(block1.size())));
+                const auto write = [&](std::int64_t start, std::size_t length, const std::vector<std::uint8_t>& block) {
+                    // A write that comes back short has met the end of the free space: the ones
+                    // after it in the pass would only fail, each after the filesystem has looked
+                    // for room once more.
+                    if (length == 0 || full)
+                        return;
+                    full = !writeAt(file, start, std::span(block).first(length));
+                    if (m_verify && pass == Gutmann::PassCount)
+                        writes.push_back({start, length, &block});
+                };
+                write(at, kept, block1);
+                if (i == steps)
+                    write(position, block3.size(), block3);
                 // Nothing later in the pass writes before this increment's start again: what lies
                 // before it can go to the device while the run goes on.
-                if (position > previous)
-                    file.StartFlush(previous, position - previous);
-                previous = position;
+                if (position > at)
+                    file.StartFlush(at, position - at);
+                at = position;
                 m_view.pumpEvents();
 
                 now.offset = now.offset + increment;
@@ -242,20 +260,15 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
 }
 
 void FreeSpaceWipe::verifyLastPass(platform::RawFile& file, const std::string& path, const std::vector<Write>& writes) {
-    // What the file holds: each write covers what earlier ones left from its start on. The writes
-    // never start before an earlier one, so the pieces stay in order.
+    // What the file holds: the pass's writes, which follow each other without overlapping, with
+    // nothing (zeros) in any gap between two of them.
     struct Piece {
         std::int64_t start, end;
         const std::vector<std::uint8_t>* block;
     };
     std::vector<Piece> pieces;
-    for (const auto& [start, block] : writes) {
-        while (!pieces.empty() && pieces.back().start >= start)
-            pieces.pop_back();
-        if (!pieces.empty())
-            pieces.back().end = std::min(pieces.back().end, start);
-        pieces.push_back({start, start + static_cast<std::int64_t>(block->size()), block});
-    }
+    for (const auto& write : writes)
+        pieces.push_back({write.start, write.start + static_cast<std::int64_t>(write.length), write.block});
     // A full drive cuts the last writes short: what the pass wrote is what the file came to hold.
     const auto held = file.info();
     const auto length = std::min<std::uint64_t>(static_cast<std::uint64_t>(pieces.empty() ? 0 : pieces.back().end),

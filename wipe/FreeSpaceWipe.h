@@ -2,8 +2,9 @@
 // The free-space wipe: fills the free space of a drive with the temporary file WNXTEMP.000 and
 // writes it over in the 35 passes of the Gutmann method, deleting the file after each pass, so
 // that what deleted files left in the free space is overwritten. A run advances by a fixed
-// increment, writing three blocks over the same place per increment, and reads the exit and pause
-// check boxes once per increment. Every pass reaches the device before the file is deleted, and the
+// increment, laying three blocks over the same place per increment, and reads the exit and pause
+// check boxes once per increment. Only what the three blocks leave behind is written: each byte of a
+// pass goes into the file once. Every pass reaches the device before the file is deleted, and the
 // file is removed on every way out of a run, errors included.
 //
 // A run works in one open folder: the drive's kind, its free space and every pass's file are all
@@ -17,6 +18,8 @@
 #include "wipe/FreeSpaceView.h"
 #include "wipe/PatternRandom.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -91,8 +94,12 @@ public:
 private:
     Outcome start(const std::string& dir, bool removable);
     bool exitConfirmed();
-    /// One write of a pass: where it began and the block written.
-    using Write = std::pair<std::int64_t, const std::vector<std::uint8_t>*>;
+    /// One write of a pass: where it began, and the block whose first `length` bytes it wrote.
+    struct Write {
+        std::int64_t start;
+        std::size_t length;
+        const std::vector<std::uint8_t>* block;
+    };
     void verifyLastPass(platform::RawFile& file, const std::string& path, const std::vector<Write>& writes);
     void pause();
 

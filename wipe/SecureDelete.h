@@ -1,8 +1,9 @@
 #pragma once
 // The secure delete: each chosen file is overwritten in place in the 35 passes of the Gutmann
 // method, cut to length 0 and deleted; a folder's own files get the same treatment before the
-// folder is deleted with everything below it. A pass writes blocks of a fifth of the file's length,
-// three times over the same bytes, and reaches the device before the next pass. The "EndWipe" stop
+// folder is deleted with everything below it. A pass lays blocks of a fifth of the file's length,
+// three values over the same bytes of which the last is what is written, and reaches the device
+// before the next pass. The "EndWipe" stop
 // flag is read before every block position; once set, each file still to be wiped is only cut and
 // deleted. Failing steps are skipped and named to the problem sink; the window itself stays quiet.
 //

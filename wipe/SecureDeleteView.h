@@ -14,7 +14,7 @@ struct FileWipeProgress {
     std::string path;
     int pass = 0;               ///< 1..35
     std::uint64_t written = 0;  ///< bytes written in this pass so far
-    std::uint64_t total = 0;    ///< bytes this pass writes (three writes per position)
+    std::uint64_t total = 0;    ///< bytes this pass writes: one block per position
 };
 
 class SecureDeleteView : public WipeView {

@@ -8,7 +8,7 @@
 #include "controls/hoverhelp/HoverHelp.h"
 #include "controls/widgets/Centre.h"
 #include "controls/widgets/Placed.h"
-#include "platform/FolderList.h"
+#include "controls/folderlist/FolderList.h"
 #include "platform/Platform.h"
 
 #include <QApplication>
@@ -146,7 +146,7 @@ void TaviIndex::setFolder(const QString& path) {
     m_folder = path.toStdString();
     const std::string root = m_drive1->currentData().toByteArray().toStdString();
     m_dir1->clear();
-    for (const platform::FolderLine& line : platform::folderLines(m_platform.fileSystem(), root, m_folder)) {
+    for (const controls::FolderLine& line : controls::folderLines(m_platform.fileSystem(), root, m_folder)) {
         auto* item = new QListWidgetItem(QString(line.depth * 2, ' ') + (line.open ? "[-] " : "[+] ") +
                                          QString::fromStdString(line.label));
         item->setData(Qt::UserRole, QByteArray::fromStdString(line.path));

@@ -1,5 +1,6 @@
 #include "platform/windows/WindowsRecycleBin.h"
 
+#include "platform/windows/WinCom.h"
 #include "platform/windows/WinFiles.h"
 #include "platform/windows/WinText.h"
 
@@ -14,21 +15,6 @@
 
 namespace platform::windows {
 namespace {
-
-/// COM for this thread for as long as the object lives (balanced only when this call started it).
-class ComScope {
-public:
-    ComScope() : m_started(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
-    ~ComScope() {
-        if (m_started)
-            ::CoUninitialize();
-    }
-    ComScope(const ComScope&) = delete;
-    ComScope& operator=(const ComScope&) = delete;
-
-private:
-    bool m_started;
-};
 
 template <typename T> struct Released {
     T* p = nullptr;

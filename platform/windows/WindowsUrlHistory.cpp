@@ -1,5 +1,6 @@
 #include "platform/windows/WindowsUrlHistory.h"
 
+#include "platform/windows/WinCom.h"
 #include "platform/windows/WinText.h"
 
 #include <cstdio>
@@ -38,23 +39,6 @@ FileTime fileTime(const FILETIME& t) {
     return FileTime{t.dwLowDateTime, t.dwHighDateTime};
 }
 
-/// COM started on the calling thread for as long as this lives, unless it was started there
-/// already: S_FALSE, one more start to end; RPC_E_CHANGED_MODE, started in the other apartment
-/// model, which serves as it is and is not ours to end.
-class ComOnThisThread {
-public:
-    ComOnThisThread() : m_started(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
-    ~ComOnThisThread() {
-        if (m_started)
-            ::CoUninitialize();
-    }
-    ComOnThisThread(const ComOnThisThread&) = delete;
-    ComOnThisThread& operator=(const ComOnThisThread&) = delete;
-
-private:
-    bool m_started;
-};
-
 /// One reference to a COM object, given back when it goes.
 template <typename T>
 class Held {
@@ -76,7 +60,7 @@ private:
 class WindowsUrlHistoryEnum final : public UrlHistoryEnum {
 public:
     /// Takes `com` (started by the call that made the enumerator), the store and the enumerator.
-    WindowsUrlHistoryEnum(std::unique_ptr<ComOnThisThread> com, IUrlHistoryStg2* store, IEnumSTATURL* enumerator)
+    WindowsUrlHistoryEnum(std::unique_ptr<ComScope> com, IUrlHistoryStg2* store, IEnumSTATURL* enumerator)
         : m_com(std::move(com)), m_store(store), m_enum(enumerator) {}
     ~WindowsUrlHistoryEnum() override {
         // The enumerator before the store, and both before the thread's COM ends.
@@ -111,7 +95,7 @@ public:
     }
 
 private:
-    std::unique_ptr<ComOnThisThread> m_com;
+    std::unique_ptr<ComScope> m_com;
     IUrlHistoryStg2* m_store;
     IEnumSTATURL* m_enum;
 };
@@ -135,20 +119,20 @@ bool WindowsUrlHistory::succeeded(HRESULT result) {
 
 bool WindowsUrlHistory::addUrl(const std::string& url, const std::string& title, std::uint32_t flags) {
     m_problems.clear();
-    const ComOnThisThread com;
+    const ComScope com;
     const Held<IUrlHistoryStg2> store(createStore());
     return store && succeeded(store->AddUrl(widen(url).c_str(), widen(title).c_str(), flags));
 }
 
 bool WindowsUrlHistory::deleteUrl(const std::string& url, std::uint32_t flags, Remover& /*remover: the store keeps no files of its own*/) {
     m_problems.clear();
-    const ComOnThisThread com;
+    const ComScope com;
     const Held<IUrlHistoryStg2> store(createStore());
     return store && succeeded(store->DeleteUrl(widen(url).c_str(), flags));
 }
 
 std::unique_ptr<UrlHistoryEnum> WindowsUrlHistory::enumUrls() {
-    auto com = std::make_unique<ComOnThisThread>();
+    auto com = std::make_unique<ComScope>();
     IUrlHistoryStg2* store = createStore();
     IEnumSTATURL* enumerator = nullptr;
     if (!store || !succeeded(store->EnumUrls(&enumerator)) || !enumerator) {
@@ -161,7 +145,7 @@ std::unique_ptr<UrlHistoryEnum> WindowsUrlHistory::enumUrls() {
 
 bool WindowsUrlHistory::clearHistory(Remover& /*remover*/) {
     m_problems.clear();
-    const ComOnThisThread com;
+    const ComScope com;
     const Held<IUrlHistoryStg2> store(createStore());
     return store && succeeded(store->ClearHistory());
 }

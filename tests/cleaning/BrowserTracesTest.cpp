@@ -7,6 +7,7 @@
 #include "cleaning/TraceCleaner.h"
 #include "tests/cleaning/TraceRecorders.h"
 #include "tests/platform/BrowserHome.h"
+#include "tests/support/CachedAddresses.h"
 #include "tests/support/Process.h"
 
 #include <gtest/gtest.h>
@@ -59,7 +60,7 @@ struct Zone {
 
 TEST_F(BrowserTraces, ShowCacheListsEveryEntryInEnumerationOrderAndWipeCacheDeletesOnlyTheListed) {
     // An address that both browsers cached is one line.
-    const auto all = platform::cachedAddresses(home.platform().urlCache());
+    const auto all = testsupport::cachedAddresses(home.platform().urlCache());
     std::vector<std::string> expected;
     for (const std::string& address : all)
         if (std::find(expected.begin(), expected.end(), address) == expected.end())
@@ -73,17 +74,17 @@ TEST_F(BrowserTraces, ShowCacheListsEveryEntryInEnumerationOrderAndWipeCacheDele
     view.addLine(expected.front());
     cleaner.DeleteListedCacheEntries();
     EXPECT_EQ(view.lineCount(), 0u);
-    auto left = platform::cachedAddresses(home.freshPlatform()->urlCache());
+    auto left = testsupport::cachedAddresses(home.freshPlatform()->urlCache());
     auto others = all;
     std::erase(others, expected.front()); // the address goes from every profile that cached it
     EXPECT_EQ(left, others);
 
     cleaner.DeleteListedCacheEntries(); // a second press finds the list empty: nothing goes
-    EXPECT_EQ(platform::cachedAddresses(home.freshPlatform()->urlCache()), left);
+    EXPECT_EQ(testsupport::cachedAddresses(home.freshPlatform()->urlCache()), left);
 
     cleaner.ShowCache();
     cleaner.DeleteListedCacheEntries();
-    EXPECT_TRUE(platform::cachedAddresses(home.freshPlatform()->urlCache()).empty());
+    EXPECT_TRUE(testsupport::cachedAddresses(home.freshPlatform()->urlCache()).empty());
     cleaner.ShowCache();
     EXPECT_EQ(view.lineCount(), 0u);
     EXPECT_TRUE(problems.items.empty());
@@ -96,7 +97,7 @@ TEST_F(BrowserTraces, CleanAllEmptiesCacheAndHistoryOfEveryProfileButKeepsBookma
     cleaner.CleanAll();
     EXPECT_EQ(history.Count(), 0);
     const auto fresh = home.freshPlatform();
-    EXPECT_TRUE(platform::cachedAddresses(fresh->urlCache()).empty());
+    EXPECT_TRUE(testsupport::cachedAddresses(fresh->urlCache()).empty());
     EXPECT_TRUE(historyUrls(*fresh).empty());
     EXPECT_TRUE(holdsText(readFile(home.chromiumProfile() / "Bookmarks"), kBookmarkedUrl));
     EXPECT_TRUE(problems.items.empty());

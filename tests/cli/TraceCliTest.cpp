@@ -3,6 +3,7 @@
 // left alone. What the cleans leave on disk is for the cleaning tests.
 
 #include "tests/platform/BrowserHome.h"
+#include "tests/support/CachedAddresses.h"
 #include "tests/support/Process.h"
 #include "tests/support/Hive.h"
 #include "tests/support/Scratch.h"
@@ -110,7 +111,7 @@ TEST(BrowserCli, CacheAndHistoryCommandsPrintALineAnEntryAndEveryCountAgrees) {
     const auto before = home.snapshot();
     // An address both browsers cached is one line, one entry to delete: deleting it reaches both.
     std::vector<std::string> cached;
-    for (const std::string& address : platform::cachedAddresses(home.platform().urlCache()))
+    for (const std::string& address : testsupport::cachedAddresses(home.platform().urlCache()))
         if (std::find(cached.begin(), cached.end(), address) == cached.end())
             cached.push_back(address);
     EXPECT_EQ(linesOf(runCli("show-cache").out), cached);

@@ -4,7 +4,7 @@
 // and folders it may not enter.
 
 #include "indexdat/FileSearch.h"
-#include "platform/FolderList.h"
+#include "controls/folderlist/FolderList.h"
 #include "indexdat/RawReport.h"
 #include "platform/Platform.h"
 #include "tests/support/Recorders.h"
@@ -194,7 +194,7 @@ TEST_F(FileSearchTest, TheFolderListShowsThePathDownThenTheSubfoldersByName) {
     fs::create_directories(dir.path() / "tavi" / "Alpha");
     dir.write("tavi/file.txt", "");
     fs::create_directory_symlink(dir.path(), dir.path() / "tavi" / "up");
-    const auto lines = platform::folderLines(p->fileSystem(), "/", dir.str() + "/tavi");
+    const auto lines = controls::folderLines(p->fileSystem(), "/", dir.str() + "/tavi");
     ASSERT_GE(lines.size(), 4u);
     EXPECT_EQ(lines[0].path, "/");
     const auto& chosen = lines[lines.size() - 3];

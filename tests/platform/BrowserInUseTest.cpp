@@ -1,6 +1,7 @@
 // Profiles that a browser holds are left whole by the cache and the history, and named.
 
 #include "tests/platform/BrowserHome.h"
+#include "tests/support/CachedAddresses.h"
 #include "tests/support/Process.h"
 
 #include <gtest/gtest.h>
@@ -32,7 +33,7 @@ TEST(BrowserInUse, LiveLocksKeepBothProfilesByteForByte) {
     const auto before = home.snapshot();
 
     platform::Platform& platform = home.platform();
-    EXPECT_TRUE(platform::cachedAddresses(platform.urlCache()).empty());
+    EXPECT_TRUE(testsupport::cachedAddresses(platform.urlCache()).empty());
     EXPECT_FALSE(platform.urlCache().deleteEntry(visitedPages()[0].url, home.remover()));
     EXPECT_TRUE(listHistory(platform.urlHistory()).empty());
     EXPECT_FALSE(platform.urlHistory().deleteUrl(visitedPages()[1].url, 0, home.remover()));
@@ -47,7 +48,7 @@ TEST(BrowserInUse, LiveLocksKeepBothProfilesByteForByte) {
     chromium.stop();
     firefox.stop();
     const auto again = home.freshPlatform();
-    EXPECT_FALSE(platform::cachedAddresses(again->urlCache()).empty());
+    EXPECT_FALSE(testsupport::cachedAddresses(again->urlCache()).empty());
     EXPECT_TRUE(again->urlHistory().clearHistory(home.remover()));
     EXPECT_TRUE(again->urlHistory().storesInUse().empty());
 }
@@ -55,7 +56,7 @@ TEST(BrowserInUse, LiveLocksKeepBothProfilesByteForByte) {
 TEST(BrowserInUse, ALockOfAnotherMachineCountsAsHeld) {
     BrowserHome home(CacheLayout::InProfile, FirefoxRoot::DotMozilla, {.chromium = true, .firefox = false});
     fs::create_symlink("some-other-host-4242", home.chromiumUserData() / "SingletonLock");
-    EXPECT_TRUE(platform::cachedAddresses(home.platform().urlCache()).empty());
+    EXPECT_TRUE(testsupport::cachedAddresses(home.platform().urlCache()).empty());
     EXPECT_EQ(home.platform().urlCache().storesInUse(), std::vector<std::string>{home.chromiumProfile().string()});
 }
 

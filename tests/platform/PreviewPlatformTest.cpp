@@ -5,6 +5,7 @@
 
 #include "platform/PreviewPlatform.h"
 #include "tests/platform/BrowserHome.h"
+#include "tests/support/CachedAddresses.h"
 #include "tests/support/Hive.h"
 
 #include <gtest/gtest.h>
@@ -220,7 +221,7 @@ TEST(PreviewPlatform, ChangesNothingThroughAnyFacilityAndRecordsEveryCall) {
                               "\n[Software\\\\Tavi] 1700000000\n\"kept\"=\"value\"\n");
 
     Tripwire real(platform::createNative());
-    const auto cached = platform::cachedAddresses(real.urlCache());
+    const auto cached = testsupport::cachedAddresses(real.urlCache());
     ASSERT_FALSE(cached.empty());
     ASSERT_EQ(real.recycleBin().items("").size(), 1u);
     ASSERT_EQ(real.recycleBin().recentDocuments().size(), 1u);
@@ -287,7 +288,7 @@ TEST(PreviewPlatform, ChangesNothingThroughAnyFacilityAndRecordsEveryCall) {
     EXPECT_FALSE(folder->openFolder("sub"));
     EXPECT_EQ(testsupport::changedFiles(before, everything(root)), std::vector<std::string>{});
     EXPECT_EQ(real.virtualMemory().outOfMemoryScore(), score);
-    EXPECT_EQ(platform::cachedAddresses(real.urlCache()), cached);
+    EXPECT_EQ(testsupport::cachedAddresses(real.urlCache()), cached);
 
     std::vector<Kind> kinds;
     for (const Change& c : preview.changes())

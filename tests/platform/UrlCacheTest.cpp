@@ -1,6 +1,7 @@
 // The Linux URL cache over the disk caches of real Chromium and Firefox profiles.
 
 #include "tests/platform/BrowserHome.h"
+#include "tests/support/CachedAddresses.h"
 
 #include <gtest/gtest.h>
 
@@ -41,7 +42,7 @@ class UrlCacheLayouts : public ::testing::TestWithParam<std::pair<CacheLayout, F
 
 TEST_P(UrlCacheLayouts, ListsEveryEntryProfileByProfile) {
     BrowserHome home(GetParam().first, GetParam().second);
-    const std::vector<std::string> urls = platform::cachedAddresses(home.platform().urlCache());
+    const std::vector<std::string> urls = testsupport::cachedAddresses(home.platform().urlCache());
 
     const std::set<std::string> expected = cachedInBoth();
     ASSERT_EQ(urls.size(), expected.size() * 2 + 1); // Firefox also cached its start page
@@ -60,7 +61,7 @@ INSTANTIATE_TEST_SUITE_P(BothLayouts, UrlCacheLayouts,
 TEST(UrlCache, EntryRecordPointsIntoTheBufferAndShortBuffersKeepTheEntry) {
     BrowserHome home;
     platform::UrlCache& cache = home.platform().urlCache();
-    const std::vector<std::string> all = platform::cachedAddresses(cache);
+    const std::vector<std::string> all = testsupport::cachedAddresses(cache);
 
     std::uint32_t size = 0;
     EXPECT_EQ(cache.findFirst(nullptr, size), 0u);
@@ -105,7 +106,7 @@ TEST(UrlCache, DeletingAnEntryRemovesAllItsFilesAndInvalidatesTheIndex) {
     auto before = home.snapshot();
 
     platform::UrlCache& cache = home.platform().urlCache();
-    platform::cachedAddresses(cache);
+    testsupport::cachedAddresses(cache);
     ASSERT_TRUE(cache.deleteEntry(beta, home.remover()));
 
     for (const fs::path& gone : {home.chromiumCache() / chromiumEntry, home.chromiumCache() / (stem + "_1"),
@@ -116,7 +117,7 @@ TEST(UrlCache, DeletingAnEntryRemovesAllItsFilesAndInvalidatesTheIndex) {
     }
     EXPECT_EQ(home.snapshot(), before) << "only the entry's files and the indexes go";
 
-    std::vector<std::string> left = platform::cachedAddresses(cache);
+    std::vector<std::string> left = testsupport::cachedAddresses(cache);
     EXPECT_EQ(std::count(left.begin(), left.end(), beta), 0);
     EXPECT_EQ(left.size(), cachedInBoth().size() * 2 + 1 - 2);
     EXPECT_FALSE(cache.deleteEntry(beta, home.remover()));
@@ -130,7 +131,7 @@ TEST(UrlCache, DeletesWithoutListingFirstAndFindsEntriesAddedSince) {
 
     // Entries written after a listing are found: one with a long key in a large Firefox entry (the
     // key lies past the first read), one new simple-cache entry.
-    platform::cachedAddresses(cache);
+    testsupport::cachedAddresses(cache);
     const std::string longUrl = kSite + "long-" + std::string(700, 'k');
     const fs::path longEntry = home.firefoxCache() / "entries" / "0123456789ABCDEF0123456789ABCDEF01234567";
     const std::string longBytes = std::string(300 * 1024, 'd') + cache2Metadata(300 * 1024, "a,:" + longUrl);
@@ -141,17 +142,17 @@ TEST(UrlCache, DeletesWithoutListingFirstAndFindsEntriesAddedSince) {
     EXPECT_FALSE(fs::exists(home.chromiumCache() / "0123456789abcdef_0"));
 
     writeBytes(longEntry, longBytes);
-    const std::vector<std::string> urls = platform::cachedAddresses(home.freshPlatform()->urlCache());
+    const std::vector<std::string> urls = testsupport::cachedAddresses(home.freshPlatform()->urlCache());
     EXPECT_EQ(std::count(urls.begin(), urls.end(), longUrl), 1);
 }
 
 TEST(UrlCache, EntryFilesCutShortAreSkipped) {
     // What a browser killed while creating entries leaves: files with fewer bytes than any header.
     BrowserHome home;
-    const std::vector<std::string> before = platform::cachedAddresses(home.platform().urlCache());
+    const std::vector<std::string> before = testsupport::cachedAddresses(home.platform().urlCache());
     for (const std::string& bytes : {std::string(), std::string("\0\0\1")}) {
         writeBytes(home.firefoxCache() / "entries" / "0123456789ABCDEF0123456789ABCDEF01234567", bytes);
         writeBytes(home.chromiumCache() / "0123456789abcdef_0", bytes);
-        EXPECT_EQ(platform::cachedAddresses(home.freshPlatform()->urlCache()), before);
+        EXPECT_EQ(testsupport::cachedAddresses(home.freshPlatform()->urlCache()), before);
     }
 }

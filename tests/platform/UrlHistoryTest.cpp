@@ -7,6 +7,7 @@
 #include "browsers/Sqlite.h"
 #include "platform/linux/LinuxUrlHistory.h"
 #include "platform/linux/ReadOnlySqliteFiles.h"
+#include "tests/support/CachedAddresses.h"
 #include "tests/support/Process.h"
 
 #include <gtest/gtest.h>
@@ -248,7 +249,7 @@ TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
     platform::Platform& platform = home.platform();
     ASSERT_TRUE(platform.urlHistory().clearHistory(home.remover()));
     // An address both browsers cached is deleted from both at once.
-    const auto cached = platform::cachedAddresses(platform.urlCache());
+    const auto cached = testsupport::cachedAddresses(platform.urlCache());
     for (const std::string& url : std::set<std::string>(cached.begin(), cached.end()))
         EXPECT_TRUE(platform.urlCache().deleteEntry(url, home.remover())) << url;
     EXPECT_GE(platform.urlCache().deleteUnlisted(home.remover()), 12u);
@@ -256,7 +257,7 @@ TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
     EXPECT_EQ(filesHolding(home, visitTraces()), std::vector<std::string>{});
     EXPECT_FALSE(fs::exists(unreadable));
     EXPECT_TRUE(listHistory(platform.urlHistory()).empty());
-    EXPECT_TRUE(platform::cachedAddresses(platform.urlCache()).empty());
+    EXPECT_TRUE(testsupport::cachedAddresses(platform.urlCache()).empty());
     EXPECT_TRUE(platform.urlHistory().storesInUse().empty());
     EXPECT_TRUE(platform.urlHistory().storeProblems().empty());
     EXPECT_TRUE(platform.urlCache().storeProblems().empty());

@@ -2,7 +2,7 @@
 
 #include "controls/prompts/MessageBoxPrompts.h"
 #include "controls/widgets/Centre.h"
-#include "platform/FolderList.h"
+#include "controls/folderlist/FolderList.h"
 #include "platform/Platform.h"
 #include "wipe/WipeTexts.h"
 #include "wipe/ui/BusyCursor.h"
@@ -170,8 +170,8 @@ void frmSize::fillDirectories() {
     m_dirDirectory->clear();
     const std::string path = m_path.toStdString();
     QListWidgetItem* current = nullptr;
-    for (const platform::FolderLine& line :
-         platform::folderLines(m_platform.fileSystem(), m_platform.drives().rootOf(path), path)) {
+    for (const controls::FolderLine& line :
+         controls::folderLines(m_platform.fileSystem(), m_platform.drives().rootOf(path), path)) {
         auto* item = new QListWidgetItem(QString(line.depth * 2, ' ') + text(line.label), m_dirDirectory);
         item->setData(Qt::UserRole, text(line.path));
         if (line.open)
@@ -192,8 +192,7 @@ void frmSize::fillFiles() {
 }
 
 QString frmSize::fullName(const QString& item) const {
-    const QChar sep = QChar::fromLatin1(m_platform.fileSystem().separator());
-    return m_path.endsWith(sep) ? m_path + item : m_path + sep + item;
+    return QString::fromStdString(m_platform.fileSystem().join(m_path.toStdString(), item.toStdString()));
 }
 
 void frmSize::CmdOK_Click() {

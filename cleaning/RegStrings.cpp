@@ -1,4 +1,4 @@
-#include "cleaning/Registry.h"
+#include "cleaning/RegStrings.h"
 
 #include <algorithm>
 

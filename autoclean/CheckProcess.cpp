@@ -1,4 +1,4 @@
-#include "app/autoclean/CheckProcess.h"
+#include "autoclean/CheckProcess.h"
 
 #include <algorithm>
 #include <cctype>

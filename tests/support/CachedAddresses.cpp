@@ -1,14 +1,14 @@
-#include "platform/UrlCache.h"
+#include "tests/support/CachedAddresses.h"
 
 #include <cstring>
 
-namespace platform {
+namespace testsupport {
 
-std::vector<std::string> cachedAddresses(UrlCache& cache) {
+std::vector<std::string> cachedAddresses(platform::UrlCache& cache) {
     std::vector<std::string> urls;
     std::vector<char> buffer;
     auto take = [&] {
-        UrlCacheEntryInfo info;
+        platform::UrlCacheEntryInfo info;
         std::memcpy(&info, buffer.data(), sizeof info);
         urls.emplace_back(info.lpszSourceUrlName);
     };
@@ -17,7 +17,7 @@ std::vector<std::string> cachedAddresses(UrlCache& cache) {
     if (size == 0)
         return urls;
     buffer.assign(size, 0);
-    const UrlCacheEnum handle = cache.findFirst(buffer.data(), size);
+    const platform::UrlCacheEnum handle = cache.findFirst(buffer.data(), size);
     if (!handle)
         return urls;
     take();
@@ -35,4 +35,4 @@ std::vector<std::string> cachedAddresses(UrlCache& cache) {
     return urls;
 }
 
-} // namespace platform
+} // namespace testsupport

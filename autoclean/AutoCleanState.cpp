@@ -1,4 +1,4 @@
-#include "app/autoclean/AutoCleanState.h"
+#include "autoclean/AutoCleanState.h"
 
 namespace autoclean {
 

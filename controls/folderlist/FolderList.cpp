@@ -1,13 +1,13 @@
-#include "platform/FolderList.h"
+#include "controls/folderlist/FolderList.h"
 
 #include "platform/FileSystem.h"
 
 #include <algorithm>
 #include <cctype>
 
-namespace platform {
+namespace controls {
 
-std::vector<FolderLine> folderLines(FileSystem& files, const std::string& drive, const std::string& path) {
+std::vector<FolderLine> folderLines(platform::FileSystem& files, const std::string& drive, const std::string& path) {
     const char sep = files.separator();
     // A drive root that does not begin the path (a link on the way, or no drive known for it):
     // the path is shown from the top of its own text.
@@ -26,19 +26,17 @@ std::vector<FolderLine> folderLines(FileSystem& files, const std::string& drive,
         if (end == at)
             break;
         const std::string name = path.substr(at, end - at);
-        if (current.empty() || current.back() != sep)
-            current += sep;
-        current += name;
+        current = files.join(current, name);
         lines.push_back({current, name, static_cast<int>(lines.size()), true});
         at = end;
     }
 
     std::vector<std::string> below;
-    files.names(current, [&](const std::string& name, EntryKind kind) {
-        if (kind == EntryKind::Directory)
+    files.names(current, [&](const std::string& name, platform::EntryKind kind) {
+        if (kind == platform::EntryKind::Directory)
             below.push_back(name);
-        else if (kind == EntryKind::Unknown) {
-            const auto info = files.info(current + sep + name);
+        else if (kind == platform::EntryKind::Unknown) {
+            const auto info = files.info(files.join(current, name));
             if (info && info->isDirectory())
                 below.push_back(name);
         }
@@ -51,10 +49,9 @@ std::vector<FolderLine> folderLines(FileSystem& files, const std::string& drive,
                                             [&](char x, char y) { return folded(x) < folded(y); });
     });
     const int depth = static_cast<int>(lines.size());
-    const std::string prefix = current.back() == sep ? current : current + sep;
     for (const std::string& name : below)
-        lines.push_back({prefix + name, name, depth, false});
+        lines.push_back({files.join(current, name), name, depth, false});
     return lines;
 }
 
-} // namespace platform
+} // namespace controls

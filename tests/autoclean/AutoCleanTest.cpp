@@ -1,9 +1,10 @@
-// AutoClean's transitions and the process check it relies on, with a real child process started
+// AutoClean's transitions, the process check and the watch step, with a real child process started
 // under a watched browser name. The check sees only the children the test started: a browser the
 // machine happens to run must not decide the outcome.
 
-#include "app/autoclean/AutoCleanState.h"
-#include "app/autoclean/CheckProcess.h"
+#include "autoclean/AutoCleanState.h"
+#include "autoclean/CheckProcess.h"
+#include "autoclean/WatchStep.h"
 #include "platform/Platform.h"
 #include "tests/support/Process.h"
 
@@ -61,7 +62,7 @@ TEST(CheckProcess, FindsAProgramByNameIgnoringCaseAndBlanks) {
     OwnChildren processes(platform->processes());
     testsupport::ChildProcess browser("iexplore.exe");
     EXPECT_FALSE(IsProcessRunning(processes, "iexplore.exe")); // not one of ours yet
-    processes.own.push_back(browser.pid());
+    processes.own.push_back(static_cast<long>(browser.pid()));
     EXPECT_TRUE(IsProcessRunning(processes, "  IEXPLORE.EXE "));
     EXPECT_TRUE(IsProcessRunning(processes, watchedBrowsers()));
     int pumped = 0;
@@ -77,7 +78,7 @@ TEST(CheckProcess, WatchesTheBrowsersByTheirProgramFilesNotTheHelpersThatOutlive
         testsupport::ChildProcess helper("chrome_crashpad_handler");
         testsupport::ChildProcess crash("crashhelper");
         OwnChildren processes(platform->processes());
-        processes.own = {helper.pid(), crash.pid()};
+        processes.own = {static_cast<long>(helper.pid()), static_cast<long>(crash.pid())};
         EXPECT_FALSE(IsProcessRunning(processes, watchedBrowsers()));
     }
 #ifdef _WIN32
@@ -88,7 +89,27 @@ TEST(CheckProcess, WatchesTheBrowsersByTheirProgramFilesNotTheHelpersThatOutlive
     for (const std::string& program : browsers) {
         testsupport::ChildProcess browser(program);
         OwnChildren processes(platform->processes());
-        processes.own = {browser.pid()};
+        processes.own = {static_cast<long>(browser.pid())};
         EXPECT_TRUE(IsProcessRunning(processes, watchedBrowsers())) << program;
     }
+}
+
+TEST(WatchStep, AsksForACleanOnlyOnceTheBrowserThatStartedIsGone) {
+    auto platform = platform::createNative();
+    OwnChildren processes(platform->processes());
+    AutoCleanState s = toggled({});
+    EXPECT_EQ(watchStep(s, Timer::Check, processes), Tick::Nothing);
+    {
+#ifdef _WIN32
+        testsupport::ChildProcess browser("iexplore.exe"); // the one browser watched there
+#else
+        testsupport::ChildProcess browser("firefox");
+#endif
+        processes.own = {static_cast<long>(browser.pid())};
+        EXPECT_EQ(watchStep(s, Timer::Check, processes), Tick::BrowserStarted);
+        EXPECT_EQ(s, (AutoCleanState{OnCaption, false, true}));
+        EXPECT_EQ(watchStep(s, Timer::Closed, processes), Tick::Nothing);
+    }
+    EXPECT_EQ(watchStep(s, Timer::Closed, processes), Tick::CleanDue);
+    EXPECT_EQ(s, (AutoCleanState{OnCaption, false, true})); // the caller moves on after its clean
 }

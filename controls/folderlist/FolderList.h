@@ -8,8 +8,10 @@
 #include <vector>
 
 namespace platform {
-
 class FileSystem;
+}
+
+namespace controls {
 
 struct FolderLine {
     std::string path;  ///< the folder's full path
@@ -20,6 +22,6 @@ struct FolderLine {
 
 /// The lines for folder `path` on the drive whose root is `drive`, a prefix of `path`; when it is
 /// not one (or empty), the lines start at the first component of `path` ("/" or "C:\\").
-std::vector<FolderLine> folderLines(FileSystem& files, const std::string& drive, const std::string& path);
+std::vector<FolderLine> folderLines(platform::FileSystem& files, const std::string& drive, const std::string& path);
 
-} // namespace platform
+} // namespace controls

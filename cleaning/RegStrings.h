@@ -1,7 +1,6 @@
 #pragma once
-// The Registry module: reading and writing string values of the registry the way the main window
-// needs them (the Shell Folders paths). Missing keys and values read as empty text; nothing here
-// reports a failure.
+// String values of the registry as the main window reads and writes them (the Shell Folders
+// paths). Missing keys and values read as empty text; nothing here reports a failure.
 
 #include "platform/Registry.h"
 
