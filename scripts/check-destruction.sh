@@ -19,7 +19,7 @@ pattern+='|(fs|filesystem)::(remove|remove_all|rename|resize_file)\(|O_WRONLY|O_
 pattern+='|(->|\.)(removeFile|removeFolder|removeDirectory|openForOverwrite)\('
 pattern+='|(->|\.)truncate\(\)|(->|\.)openFile\([^()]*,|rawFiles\(\)\.open\('
 
-hits=$(git ls-files -- app cleaning cli controls core indexdat memory wipe |
+hits=$(git ls-files -- app browsers cleaning cli controls core indexdat memory winehive wipe |
     grep -E '\.(cpp|h)$' | grep -v -E '^wipe/Engine\.(cpp|h)$' |
     xargs grep -n -E "$pattern" | grep -v -E 'override' || true)
 for allow in "${allowed[@]}"; do

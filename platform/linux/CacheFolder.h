@@ -59,16 +59,6 @@ private:
     FolderStamp m_stamp;
 };
 
-/// Reads `length` bytes at `offset` of an entry file into `buf` (resized to what was read); false
-/// when fewer were there.
-using ReadAt = std::function<bool(std::string& buf, std::size_t length, std::uint64_t offset)>;
-
-/// The source address of a simple-cache "_0" file of `size` bytes, reading only the bytes that hold
-/// its key through `read`; empty when the file holds none.
-std::optional<std::string> simpleCacheEntryAddress(const ReadAt& read, std::uint64_t size);
-/// The same for a cache2 entry file.
-std::optional<std::string> cache2EntryAddress(const ReadAt& read, std::uint64_t size);
-
 /// The entries folder of a cache folder: the folder itself (Chromium) or its "entries" (Firefox).
 std::string cacheEntriesFolder(BrowserFamily family, const std::string& folder);
 

@@ -172,7 +172,7 @@ long LinuxRegistry::queryValue(RegKey key, const std::string& name, std::uint32_
         return RegResult::InvalidParameter;
     if (!load() || !m_hive.hasKey(path))
         return RegResult::FileNotFound;
-    const HiveValue* value = m_hive.value(path, name);
+    const winehive::HiveValue* value = m_hive.value(path, name);
     if (!value)
         return RegResult::FileNotFound;
     if (type)
@@ -199,7 +199,7 @@ long LinuxRegistry::setValue(RegKey key, const std::string& name, std::uint32_t 
         return RegResult::InvalidHandle;
     if (!data && size)
         return RegResult::InvalidParameter;
-    HiveValue value;
+    winehive::HiveValue value;
     value.type = type;
     if (data)
         value.data.assign(data, data + size);

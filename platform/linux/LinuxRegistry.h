@@ -6,7 +6,7 @@
 
 #include "platform/Registry.h"
 #include "platform/linux/Environment.h"
-#include "platform/linux/WineHive.h"
+#include "winehive/WineHive.h"
 
 #include <map>
 
@@ -60,7 +60,7 @@ private:
 
     Environment m_env;
     std::string m_serverRoot;
-    WineHive m_hive;
+    winehive::WineHive m_hive;
     bool m_loaded = false;
     bool m_refused = false; ///< the hive exists but is no regular file that could be read
     FileStamp m_stamp;

@@ -1,7 +1,8 @@
 #include "platform/linux/LinuxUrlHistory.h"
 
+#include "browsers/ProfileHistory.h"
 #include "platform/linux/BrowserProfiles.h"
-#include "platform/linux/ProfileHistory.h"
+#include "platform/linux/LinuxProfileFiles.h"
 
 #include <algorithm>
 
@@ -9,6 +10,13 @@ namespace platform::linux {
 namespace {
 
 using State = LinuxUrlHistory::State;
+using browsers::ProfileHistory;
+using browsers::StoreResult;
+
+/// The history of `profile`, its files reached the way this system reaches them.
+std::unique_ptr<ProfileHistory> profileHistory(const BrowserProfile& profile) {
+    return browsers::profileHistory(profile, profileFiles());
+}
 
 void noteInUse(State& state, const std::string& folder) {
     if (std::find(state.inUse.begin(), state.inUse.end(), folder) == state.inUse.end())
@@ -68,7 +76,7 @@ public:
                 StatUrl& candidate = m_records[m_position++];
                 if (candidate.pwcsUrl.compare(0, m_prefix.size(), m_prefix) != 0)
                     continue;
-                if ((m_flags & StatUrlQuery::TopLevel) && !(candidate.dwFlags & kStatUrlTopLevel))
+                if ((m_flags & StatUrlQuery::TopLevel) && !(candidate.dwFlags & browsers::kStatUrlTopLevel))
                     continue;
                 record = std::move(candidate);
                 if (m_flags & StatUrlQuery::NoUrl)

@@ -3,7 +3,7 @@
 // offset pointing anywhere), so no file may make the reader fault, and reading only the end of a
 // file must give the address that the whole file gives.
 
-#include "platform/linux/CacheKeys.h"
+#include "browsers/CacheKeys.h"
 #include "tests/fuzz/CacheEntryFile.h"
 #include "tests/fuzz/FuzzCheck.h"
 
@@ -13,7 +13,7 @@ namespace {
 
 /// The address read from the whole file at once.
 std::optional<std::string> wholeFileAddress(std::string_view file) {
-    using namespace platform::linux;
+    using namespace browsers;
     if (file.size() < 4)
         return std::nullopt;
     const auto offset = cache2MetadataOffset(file.substr(file.size() - 4), file.size());
@@ -30,7 +30,7 @@ std::optional<std::string> wholeFileAddress(std::string_view file) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view file(reinterpret_cast<const char*>(data), size);
-    const auto address = platform::linux::cache2EntryAddress(fuzzcache::readerOf(file), size);
+    const auto address = browsers::cache2EntryAddress(fuzzcache::readerOf(file), size);
     const auto expected = wholeFileAddress(file);
     FUZZ_CHECK(address.has_value() == expected.has_value());
     if (expected)

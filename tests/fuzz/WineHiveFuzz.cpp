@@ -5,7 +5,7 @@
 // hive that reads as the changed one did.
 
 #include "platform/Registry.h"
-#include "platform/linux/WineHive.h"
+#include "winehive/WineHive.h"
 #include "tests/fuzz/FuzzCheck.h"
 
 #include <algorithm>
@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-using platform::linux::HiveValue;
-using platform::linux::WineHive;
+using winehive::HiveValue;
+using winehive::WineHive;
 
 namespace {
 

@@ -1,12 +1,12 @@
 // The cache key readers on hand-made bytes: what real files cannot easily show (truncation,
 // damage, escaped tags).
 
-#include "platform/linux/CacheKeys.h"
+#include "browsers/CacheKeys.h"
 #include "tests/platform/BrowserHome.h"
 
 #include <gtest/gtest.h>
 
-using namespace platform::linux;
+using namespace browsers;
 using testsupport::cache2Metadata;
 using testsupport::simpleCacheHead;
 

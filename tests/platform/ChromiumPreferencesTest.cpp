@@ -3,7 +3,7 @@
 
 #include "tests/platform/BrowserHome.h"
 
-#include "platform/linux/ChromiumPreferences.h"
+#include "browsers/ChromiumPreferences.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -37,7 +37,7 @@ std::vector<std::string> visitRecords(Json& prefs, bool strip = false) {
 } // namespace
 
 TEST(ChromiumPreferences, OriginsOfAddressesAndSitePatterns) {
-    using platform::linux::siteOrigin;
+    using browsers::siteOrigin;
     EXPECT_EQ(siteOrigin("HTTP://User:pw@Example.COM:80/a?b#c"), "http://example.com");
     EXPECT_EQ(siteOrigin("https://example.com:443"), siteOrigin("https://example.com/x"));
     EXPECT_EQ(siteOrigin("http://[::1]:8080/"), "http://[::1]:8080");

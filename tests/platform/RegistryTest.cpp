@@ -19,8 +19,8 @@
 namespace fs = std::filesystem;
 using namespace platform;
 using platform::linux::LinuxRegistry;
-using platform::linux::HiveValue;
-using platform::linux::WineHive;
+using winehive::HiveValue;
+using winehive::WineHive;
 
 namespace {
 

@@ -3,9 +3,10 @@
 
 #include "tests/platform/BrowserHome.h"
 
+#include "browsers/ProfileHistory.h"
+#include "browsers/Sqlite.h"
 #include "platform/linux/LinuxUrlHistory.h"
-#include "platform/linux/ProfileHistory.h"
-#include "platform/linux/Sqlite.h"
+#include "platform/linux/ReadOnlySqliteFiles.h"
 #include "tests/support/CachedAddresses.h"
 #include "tests/support/Process.h"
 
@@ -199,10 +200,11 @@ TEST(UrlHistory, ReadsADatabaseWhoseFolderNameLooksLikeUriSyntax) {
     fs::create_directories(folder);
     const fs::path path = folder / "places.sqlite";
     ASSERT_EQ(runCommand("sqlite3 " + shellQuoted(path) + " 'CREATE TABLE t(x); INSERT INTO t VALUES (7)'").code, 0);
-    const auto db = platform::linux::SqliteDb::openReadOnly(path.string(), 0);
+    const auto db = browsers::SqliteDb::openReadOnly(path.string(), 0, platform::linux::readOnlySqliteFiles());
     ASSERT_TRUE(db);
     EXPECT_EQ(db->value("SELECT x FROM t"), "7");
-    EXPECT_FALSE(platform::linux::SqliteDb::openReadOnly((folder / "missing.sqlite").string(), 0));
+    EXPECT_FALSE(browsers::SqliteDb::openReadOnly((folder / "missing.sqlite").string(), 0,
+                                                   platform::linux::readOnlySqliteFiles()));
     EXPECT_FALSE(fs::exists(folder / "missing.sqlite"));
 }
 
@@ -226,7 +228,7 @@ TEST(UrlHistory, ReadsBothProfilesWithTitlesTimesAndFilters) {
     for (const auto& record : all) {
         EXPECT_GT(asNumber(record.ftLastVisited), 134116128000000000ULL) << record.pwcsUrl;
         EXPECT_LT(asNumber(record.ftLastVisited), 134747424000000000ULL) << record.pwcsUrl;
-        EXPECT_TRUE(record.dwFlags & platform::linux::kStatUrlTopLevel);
+        EXPECT_TRUE(record.dwFlags & browsers::kStatUrlTopLevel);
     }
     EXPECT_EQ(asNumber(all[0].ftExpires) - asNumber(all[0].ftLastVisited), 90ULL * 24 * 3600 * 10000000);
 

@@ -4,16 +4,21 @@
 // of a visit out of the profile's databases (bookmarked addresses stay, their visit data reset)
 // and removes the files that only record visits (sessions, visited-link tables).
 
+#include "browsers/BrowserProfiles.h"
+#include "browsers/ProfileDatabases.h"
+#include "browsers/ProfileFiles.h"
 #include "platform/UrlHistory.h"
-#include "platform/linux/BrowserProfiles.h"
-#include "platform/linux/ProfileDatabases.h"
 
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace platform::linux {
+namespace browsers {
+
+using platform::FileTime;
+using platform::Remover;
+using platform::StatUrl;
 
 /// Microseconds between 1601-01-01 (where FILETIMEs and Chromium count from) and 1970-01-01.
 constexpr std::int64_t kUnixEpochMicros = 11644473600LL * 1000000;
@@ -23,7 +28,8 @@ constexpr std::uint32_t kStatUrlTopLevel = 0x2;
 
 class ProfileHistory {
 public:
-    explicit ProfileHistory(BrowserProfile profile) : m_profile(std::move(profile)) {}
+    /// `files` reaches the profile's files; it outlives the object.
+    ProfileHistory(BrowserProfile profile, ProfileFiles& files) : m_profile(std::move(profile)), m_files(files) {}
     virtual ~ProfileHistory() = default;
 
     const BrowserProfile& profile() const { return m_profile; }
@@ -42,6 +48,7 @@ protected:
     /// What forget() does, with the remover in place for the session files.
     virtual StoreResult forgetVisits(const std::optional<std::string>& url) = 0;
     std::string file(const std::string& name) const { return m_profile.folder + "/" + name; }
+    ProfileFiles& files() const { return m_files; }
     void noteProblems(const std::vector<StoreProblem>& problems) {
         m_problems.insert(m_problems.end(), problems.begin(), problems.end());
     }
@@ -56,12 +63,13 @@ private:
     bool removeIn(const std::string& folder, const std::string& name);
 
     BrowserProfile m_profile;
+    ProfileFiles& m_files;
     Remover* m_remover = nullptr;
     std::vector<StoreProblem> m_problems;
 };
 
 /// The history of `profile`, by its browser family.
-std::unique_ptr<ProfileHistory> profileHistory(const BrowserProfile& profile);
+std::unique_ptr<ProfileHistory> profileHistory(const BrowserProfile& profile, ProfileFiles& files);
 
 /// Runs `sql` on `db` when it has every table in `tables`, binding `url` (when given) as ?1;
 /// true when it ran or the tables are not there.
@@ -71,7 +79,7 @@ bool runWhereTables(SqliteDb& db, std::initializer_list<const char*> tables, con
 /// Appends the STATURL records that `sql` selects from the database at `path`: the address, the
 /// title, the last visit in microseconds since 1601-01-01 UTC, and whether the page is hidden.
 /// Each expires `keptMicros` after its last visit; with 0 it has no expiry.
-StoreResult readStatUrls(const std::string& path, const std::string& sql, std::int64_t keptMicros,
+StoreResult readStatUrls(ProfileFiles& files, const std::string& path, const std::string& sql, std::int64_t keptMicros,
                          std::vector<StatUrl>& out, std::vector<StoreProblem>& problems);
 /// Whether `db`'s temp.targets (the places or urls being forgotten) holds any row.
 bool anyTargets(SqliteDb& db);
@@ -79,7 +87,7 @@ bool anyTargets(SqliteDb& db);
 /// A FILETIME from microseconds since 1601-01-01 UTC.
 FileTime fileTimeFromMicros1601(std::int64_t micros);
 
-std::unique_ptr<ProfileHistory> makeChromiumHistory(const BrowserProfile& profile);
-std::unique_ptr<ProfileHistory> makeFirefoxHistory(const BrowserProfile& profile);
+std::unique_ptr<ProfileHistory> makeChromiumHistory(const BrowserProfile& profile, ProfileFiles& files);
+std::unique_ptr<ProfileHistory> makeFirefoxHistory(const BrowserProfile& profile, ProfileFiles& files);
 
-} // namespace platform::linux
+} // namespace browsers

@@ -4,9 +4,9 @@
 // No address is added here: a place needs the browser's own URL hash and origin bookkeeping,
 // which only its own SQL functions compute, and a row without them would mislead its lookups.
 
-#include "platform/linux/ProfileHistory.h"
+#include "browsers/ProfileHistory.h"
 
-namespace platform::linux {
+namespace browsers {
 namespace {
 
 
@@ -17,7 +17,7 @@ public:
     StoreResult read(std::vector<StatUrl>& out) override {
         // Firefox counts from 1970 and keeps history by amount, not by age: no entry expires.
         std::vector<StoreProblem> problems;
-        const StoreResult r = readStatUrls(file("places.sqlite"),
+        const StoreResult r = readStatUrls(files(), file("places.sqlite"),
                                            "SELECT url, title, last_visit_date + " + std::to_string(kUnixEpochMicros) +
                                                ", hidden FROM moz_places WHERE last_visit_date IS NOT NULL ORDER BY id",
                                            0, out, problems);
@@ -29,7 +29,7 @@ public:
 
     StoreResult forgetVisits(const std::optional<std::string>& url) override {
         const std::string places = file("places.sqlite"), favicons = file("favicons.sqlite");
-        ProfileDatabases dbs;
+        ProfileDatabases dbs(files());
         const StoreResult r = dbs.lockForWriting({places, favicons});
         if (r == StoreResult::InUse)
             return r;
@@ -138,8 +138,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<ProfileHistory> makeFirefoxHistory(const BrowserProfile& profile) {
-    return std::make_unique<FirefoxHistory>(profile);
+std::unique_ptr<ProfileHistory> makeFirefoxHistory(const BrowserProfile& profile, ProfileFiles& files) {
+    return std::make_unique<FirefoxHistory>(profile, files);
 }
 
-} // namespace platform::linux
+} // namespace browsers

@@ -8,13 +8,17 @@
 //   endian) give where the metadata starts. The metadata holds a hash of itself, one 16-bit hash per
 //   256 KiB chunk of data, a header of 32-bit fields and then the key. The key is a list of tags
 //   ("a," anonymous, "O^...," origin attributes, ...) ended by ':' and followed by the address.
+// An entry file is read through a reader handed in, a few bytes at chosen offsets, so the same
+// code serves a file on disk and bytes in memory.
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 
-namespace platform::linux {
+namespace browsers {
 
 /// Bytes of the head of a simple-cache file that hold its header.
 constexpr std::size_t kSimpleCacheHeaderSize = 24;
@@ -43,4 +47,14 @@ std::optional<std::string_view> cache2Key(std::string_view metadata, std::uint32
 /// The source address in a cache2 key: what follows its tags; empty when the tags are malformed.
 std::optional<std::string_view> cache2Address(std::string_view key);
 
-} // namespace platform::linux
+/// Reads `length` bytes at `offset` of an entry file into `buf` (resized to what was read); false
+/// when fewer were there.
+using ReadAt = std::function<bool(std::string& buf, std::size_t length, std::uint64_t offset)>;
+
+/// The source address of a simple-cache "_0" file of `size` bytes, reading only the bytes that hold
+/// its key through `read`; empty when the file holds none.
+std::optional<std::string> simpleCacheEntryAddress(const ReadAt& read, std::uint64_t size);
+/// The same for a cache2 entry file.
+std::optional<std::string> cache2EntryAddress(const ReadAt& read, std::uint64_t size);
+
+} // namespace browsers

@@ -5,16 +5,14 @@
 // in the JSON file "Bookmarks", which is only read: a bookmarked address keeps its row in History
 // and its icon, as the browser itself keeps them when it clears.
 
-#include "platform/linux/ChromiumPreferences.h"
-#include "platform/linux/Descriptors.h"
-#include "platform/linux/ProfileHistory.h"
+#include "browsers/ChromiumPreferences.h"
+#include "browsers/ProfileHistory.h"
 
 #include <algorithm>
 #include <chrono>
-#include <fcntl.h>
 #include <cstdio>
 
-namespace platform::linux {
+namespace browsers {
 namespace {
 
 // Chromium keeps 90 days of history; an entry is due to go then.
@@ -91,10 +89,6 @@ std::optional<std::string> jsonString(const std::string& text, std::size_t& pos)
 /// Bookmarks far larger than any browser writes are no bookmarks file.
 constexpr std::size_t BookmarksLimit = 256 * 1024 * 1024;
 
-std::string readWhole(const std::string& path) {
-    return readRegularFile(AT_FDCWD, path, BookmarksLimit, true).text;
-}
-
 bool fillKeptUrls(SqliteDb& db, const std::vector<std::string>& urls) {
     if (!db.exec("CREATE TEMP TABLE kept_urls(url TEXT PRIMARY KEY)"))
         return false;
@@ -114,14 +108,14 @@ public:
     StoreResult read(std::vector<StatUrl>& out) override {
         std::vector<StoreProblem> problems;
         const StoreResult r = readStatUrls(
-            file("History"), "SELECT url, title, last_visit_time, hidden FROM urls WHERE last_visit_time > 0 ORDER BY id",
+            files(), file("History"), "SELECT url, title, last_visit_time, hidden FROM urls WHERE last_visit_time > 0 ORDER BY id",
             kKeptMicros, out, problems);
         noteProblems(problems);
         return r;
     }
 
     StoreResult add(const std::string& url, const std::string& title) override {
-        ProfileDatabases dbs;
+        ProfileDatabases dbs(files());
         if (const StoreResult r = dbs.lockForWriting({file("History")}); r != StoreResult::Done)
             return r;
         SqliteDb& db = *dbs.get(file("History"));
@@ -140,7 +134,7 @@ public:
 
     StoreResult forgetVisits(const std::optional<std::string>& url) override {
         const std::string ukm = profile().userDataFolder + "/segmentation_platform/ukm_db";
-        ProfileDatabases dbs;
+        ProfileDatabases dbs(files());
         const StoreResult r = dbs.lockForWriting({file("History"), file("Favicons"), file("Top Sites"), file("Shortcuts"),
                                                   file("Network Action Predictor"), ukm});
         if (r == StoreResult::InUse)
@@ -191,7 +185,7 @@ public:
                                              [&](const StoreProblem& p) { return p.file == file("History"); });
         if (siteGone && !(url && historyKept)) {
             std::vector<StoreProblem> problems;
-            ok = forgetSitesInPreferences(file("Preferences"), site, problems) && ok;
+            ok = forgetSitesInPreferences(files(), file("Preferences"), site, problems) && ok;
             noteProblems(problems);
         }
         if (held)
@@ -245,7 +239,7 @@ private:
     /// The addresses of the profile's bookmarks: every "url" member of the Bookmarks file.
     std::vector<std::string> bookmarkedUrls() const {
         std::vector<std::string> urls;
-        const std::string json = readWhole(file("Bookmarks"));
+        const std::string json = files().readText(file("Bookmarks"), BookmarksLimit);
         for (std::size_t pos = json.find("\"url\""); pos != std::string::npos; pos = json.find("\"url\"", pos)) {
             pos += 5;
             while (pos < json.size() && (json[pos] == ' ' || json[pos] == '\t' || json[pos] == '\n' || json[pos] == '\r'))
@@ -347,8 +341,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<ProfileHistory> makeChromiumHistory(const BrowserProfile& profile) {
-    return std::make_unique<ChromiumHistory>(profile);
+std::unique_ptr<ProfileHistory> makeChromiumHistory(const BrowserProfile& profile, ProfileFiles& files) {
+    return std::make_unique<ChromiumHistory>(profile, files);
 }
 
-} // namespace platform::linux
+} // namespace browsers

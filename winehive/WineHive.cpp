@@ -1,11 +1,13 @@
-#include "platform/linux/WineHive.h"
+#include "winehive/WineHive.h"
 
 #include "platform/Registry.h"
 
 #include <algorithm>
 #include <cstdio>
 
-namespace platform::linux {
+namespace winehive {
+namespace RegType = platform::RegType;
+
 namespace {
 
 const std::string HiveSignature = "WINE REGISTRY Version 2";
@@ -658,4 +660,4 @@ bool WineHive::deleteValue(const std::string& key, const std::string& name, std:
     return removed;
 }
 
-} // namespace platform::linux
+} // namespace winehive

@@ -5,20 +5,24 @@
 // is rebuilt (VACUUM) and its journal or write-ahead log emptied, so that no deleted byte stays in
 // any of its files.
 
+#include "browsers/ProfileFiles.h"
+#include "browsers/Sqlite.h"
 #include "platform/UrlCache.h" // StoreProblem
-#include "platform/linux/Sqlite.h"
 
 #include <memory>
 #include <string>
 #include <vector>
 
-namespace platform::linux {
+namespace browsers {
+
+using platform::StoreProblem;
 
 enum class StoreResult { Done, Failed, InUse };
 
 class ProfileDatabases {
 public:
-    ProfileDatabases() = default;
+    /// `files` reaches the databases' files; it outlives the object.
+    explicit ProfileDatabases(ProfileFiles& files) : m_files(files) {}
     ~ProfileDatabases();
     ProfileDatabases(const ProfileDatabases&) = delete;
     ProfileDatabases& operator=(const ProfileDatabases&) = delete;
@@ -57,9 +61,10 @@ private:
     };
     StoreResult open(const std::vector<std::string>& paths, bool write);
 
+    ProfileFiles& m_files;
     std::vector<Open> m_open;
     bool m_failures = false;
     std::vector<StoreProblem> m_problems;
 };
 
-} // namespace platform::linux
+} // namespace browsers

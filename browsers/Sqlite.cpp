@@ -1,12 +1,10 @@
-#include "platform/linux/Sqlite.h"
-
-#include "platform/linux/ReadOnlySqliteFiles.h"
+#include "browsers/Sqlite.h"
 
 #include <cctype>
 #include <sqlite3.h>
 #include <utility>
 
-namespace platform::linux {
+namespace browsers {
 
 SqliteStatement::SqliteStatement(sqlite3* db, const std::string& sql) {
     if (db && sqlite3_prepare_v2(db, sql.c_str(), static_cast<int>(sql.size()), &m_stmt, nullptr) != SQLITE_OK) {
@@ -101,7 +99,7 @@ std::unique_ptr<SqliteDb> SqliteDb::open(const std::string& path, int busyMillis
     return open(path, SQLITE_OPEN_READWRITE, nullptr, busyMillis);
 }
 
-std::unique_ptr<SqliteDb> SqliteDb::openReadOnly(const std::string& path, int busyMillis) {
+std::unique_ptr<SqliteDb> SqliteDb::openReadOnly(const std::string& path, int busyMillis, const char* vfs) {
     // As a URI, so that an existing -shm is opened for reading only (readonly_shm). Every byte but
     // the unreserved ones is escaped, so that no '?', '#' or '%' in a folder name reads as syntax.
     std::string uri = path.starts_with('/') ? "file://" : "file:";
@@ -117,7 +115,7 @@ std::unique_ptr<SqliteDb> SqliteDb::openReadOnly(const std::string& path, int bu
         }
     }
     uri += "?mode=ro&readonly_shm=1";
-    auto db = open(uri, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, readOnlySqliteFiles(), busyMillis);
+    auto db = open(uri, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, vfs, busyMillis);
     if (db) // the layer would refuse a closing checkpoint's writes anyway; no need to ask for them
         sqlite3_db_config(db->m_db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     return db;
@@ -160,4 +158,4 @@ bool SqliteDb::lastFailureWasLock() const {
     return code == SQLITE_BUSY || code == SQLITE_LOCKED;
 }
 
-} // namespace platform::linux
+} // namespace browsers

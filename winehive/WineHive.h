@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace platform::linux {
+namespace winehive {
 
 struct HiveValue {
     std::uint32_t type = 0;
@@ -76,4 +76,4 @@ private:
     std::vector<Section> m_sections;
 };
 
-} // namespace platform::linux
+} // namespace winehive

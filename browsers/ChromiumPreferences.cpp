@@ -1,17 +1,11 @@
-#include "platform/linux/ChromiumPreferences.h"
-
-#include "platform/linux/Descriptors.h"
-#include "platform/linux/ReplaceFile.h"
+#include "browsers/ChromiumPreferences.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
 
-namespace platform::linux {
+namespace browsers {
 namespace {
 
 // The JSON keeps its members in the order the browser wrote them.
@@ -38,12 +32,6 @@ std::string_view defaultPort(const std::string& scheme) {
     if (scheme == "ftp")
         return "21";
     return {};
-}
-
-/// Whether `a` and `b` describe the same state of one file: another writer changes one of these.
-bool sameFile(const struct stat& a, const struct stat& b) {
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
-           a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
 }
 
 /// Removes the matching entries of each visit map; how many went.
@@ -102,39 +90,27 @@ std::optional<std::string> siteOrigin(std::string_view text) {
     return origin;
 }
 
-bool forgetSitesInPreferences(const std::string& path, const std::optional<std::string>& origin,
+bool forgetSitesInPreferences(ProfileFiles& files, const std::string& path, const std::optional<std::string>& origin,
                               std::vector<StoreProblem>& problems) {
-    // Read only as a regular file reached without a link: whatever else stands in its place is
-    // not the browser's own file and is not rewritten.
-    FileText file = readRegularFile(AT_FDCWD, path, kPreferencesLimit, false);
-    if (file.result == ReadResult::Missing)
-        return true;
-    if (file.result != ReadResult::Read) {
-        problems.push_back({path, readProblem(file.result, file.st.st_mode)});
-        return false;
-    }
-    Json root;
-    try {
-        root = Json::parse(file.text);
-    } catch (const Json::parse_error& e) {
-        problems.push_back({path, "is not valid JSON (at byte " + std::to_string(e.byte) + ")"});
-        return false;
-    }
-    if (removeVisitRecords(root, origin) == 0)
-        return true;
-    // Written as compactly as the browser writes it; the parse checked every string is UTF-8.
-    const std::string text = root.dump();
-    // A file changed since it was read holds what this rewrite would lose.
-    struct stat now {};
-    if (::lstat(path.c_str(), &now) != 0 || !sameFile(now, file.st)) {
-        problems.push_back({path, "changed while it was being cleaned"});
-        return false;
-    }
-    if (!replaceFile(path, text, 0600)) {
-        problems.push_back({path, std::string("could not be rewritten: ") + std::strerror(errno)});
-        return false;
-    }
-    return true;
+    bool parsed = true;
+    const bool done = files.rewriteFile(
+        path, kPreferencesLimit,
+        [&](const std::string& text) -> std::optional<std::string> {
+            Json root;
+            try {
+                root = Json::parse(text);
+            } catch (const Json::parse_error& e) {
+                problems.push_back({path, "is not valid JSON (at byte " + std::to_string(e.byte) + ")"});
+                parsed = false;
+                return std::nullopt;
+            }
+            if (removeVisitRecords(root, origin) == 0)
+                return std::nullopt;
+            // Written as compactly as the browser writes it; the parse checked every string is UTF-8.
+            return root.dump();
+        },
+        problems);
+    return done && parsed;
 }
 
-} // namespace platform::linux
+} // namespace browsers

@@ -1,16 +1,11 @@
-#include "platform/linux/ProfileHistory.h"
-
-#include "platform/linux/Descriptors.h"
-#include "platform/linux/LinuxFolder.h"
+#include "browsers/ProfileHistory.h"
 
 #include <cerrno>
 #include <cstring>
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-namespace platform::linux {
+namespace browsers {
+
+using platform::EntryKind;
 
 bool runWhereTables(SqliteDb& db, std::initializer_list<const char*> tables, const std::string& sql,
                     const std::optional<std::string>& url) {
@@ -23,9 +18,9 @@ bool runWhereTables(SqliteDb& db, std::initializer_list<const char*> tables, con
     return statement.run();
 }
 
-StoreResult readStatUrls(const std::string& path, const std::string& sql, std::int64_t keptMicros,
+StoreResult readStatUrls(ProfileFiles& files, const std::string& path, const std::string& sql, std::int64_t keptMicros,
                          std::vector<StatUrl>& out, std::vector<StoreProblem>& problems) {
-    ProfileDatabases dbs;
+    ProfileDatabases dbs(files);
     const StoreResult r = dbs.openForReading({path});
     problems.insert(problems.end(), dbs.problems().begin(), dbs.problems().end());
     if (r != StoreResult::Done)
@@ -62,8 +57,7 @@ StoreResult ProfileHistory::forget(const std::optional<std::string>& url, Remove
 }
 
 bool ProfileHistory::removeIn(const std::string& folder, const std::string& name) {
-    const UniqueFd at(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const auto open = at ? LinuxFolder::open(at.get(), "", folder) : nullptr;
+    const auto open = m_files.openFolder(folder, true);
     if (!open)
         return errno == ENOENT;
     const auto entry = open->entry(name);
@@ -86,8 +80,7 @@ bool ProfileHistory::removeSessionFile(const std::string& name) {
 
 bool ProfileHistory::removeSessionFilesIn(const std::string& name) {
     const std::string folder = file(name);
-    const UniqueFd at(openFolderAt(AT_FDCWD, folder));
-    const auto open = at ? LinuxFolder::open(at.get(), "", folder) : nullptr;
+    const auto open = m_files.openFolder(folder, false);
     if (!open) {
         if (errno == ENOENT)
             return true;
@@ -112,8 +105,9 @@ FileTime fileTimeFromMicros1601(std::int64_t micros) {
     return FileTime{static_cast<std::uint32_t>(t), static_cast<std::uint32_t>(t >> 32)};
 }
 
-std::unique_ptr<ProfileHistory> profileHistory(const BrowserProfile& profile) {
-    return profile.family == BrowserFamily::Chromium ? makeChromiumHistory(profile) : makeFirefoxHistory(profile);
+std::unique_ptr<ProfileHistory> profileHistory(const BrowserProfile& profile, ProfileFiles& files) {
+    return profile.family == BrowserFamily::Chromium ? makeChromiumHistory(profile, files)
+                                                      : makeFirefoxHistory(profile, files);
 }
 
-} // namespace platform::linux
+} // namespace browsers

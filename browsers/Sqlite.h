@@ -11,7 +11,7 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-namespace platform::linux {
+namespace browsers {
 
 class SqliteStatement {
 public:
@@ -48,10 +48,11 @@ public:
     /// Opens an existing database file for reading and writing; null when it cannot be opened.
     /// Waits up to `busyMillis` for another process's lock before a statement gives up.
     static std::unique_ptr<SqliteDb> open(const std::string& path, int busyMillis);
-    /// Opens an existing database file for reading through a file layer that cannot change any
-    /// file (ReadOnlySqliteFiles.h): the database, its journal or log, its -shm and its folder stay
-    /// byte for byte and name for name as they were. Waits as open() does.
-    static std::unique_ptr<SqliteDb> openReadOnly(const std::string& path, int busyMillis);
+    /// Opens an existing database file for reading through `vfs`, the name of a SQLite file layer
+    /// that cannot change any file (the system's, such as platform/linux's ReadOnlySqliteFiles):
+    /// the database, its journal or log, its -shm and its folder stay byte for byte and name for
+    /// name as they were. Waits as open() does.
+    static std::unique_ptr<SqliteDb> openReadOnly(const std::string& path, int busyMillis, const char* vfs);
     ~SqliteDb();
     SqliteDb(const SqliteDb&) = delete;
     SqliteDb& operator=(const SqliteDb&) = delete;
@@ -75,4 +76,4 @@ private:
     sqlite3* m_db;
 };
 
-} // namespace platform::linux
+} // namespace browsers

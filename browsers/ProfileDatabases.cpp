@@ -1,27 +1,16 @@
-#include "platform/linux/ProfileDatabases.h"
+#include "browsers/ProfileDatabases.h"
 
-#include <cerrno>
-#include <cstring>
-#include <sys/stat.h>
-#include <unistd.h>
-
-namespace platform::linux {
+namespace browsers {
 namespace {
 
 // How long a lock of another process may keep a statement waiting before the profile counts as
 // in use: a browser that runs holds its locks far longer, a passing checkpoint much shorter.
 constexpr int kBusyMillis = 1500;
 
-bool isRegularFile(const std::string& path) {
-    struct stat st {};
-    return ::lstat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode);
-}
-
 /// Why SQLite could not open `path`: the system's words when the file itself cannot be opened.
-std::string openFailure(const std::string& path, bool write) {
-    if (::access(path.c_str(), write ? R_OK | W_OK : R_OK) != 0)
-        return std::string("cannot be opened: ") + std::strerror(errno);
-    return "SQLite cannot open it";
+std::string openFailure(ProfileFiles& files, const std::string& path, bool write) {
+    const std::string problem = files.openProblem(path, write);
+    return problem.empty() ? "SQLite cannot open it" : "cannot be opened: " + problem;
 }
 
 } // namespace
@@ -45,11 +34,11 @@ StoreResult ProfileDatabases::openForReading(const std::vector<std::string>& pat
 
 StoreResult ProfileDatabases::open(const std::vector<std::string>& paths, bool write) {
     for (const std::string& path : paths) {
-        if (!isRegularFile(path))
+        if (!m_files.isRegularFile(path))
             continue;
-        Open entry{path, write ? SqliteDb::open(path, kBusyMillis) : SqliteDb::openReadOnly(path, kBusyMillis)};
+        Open entry{path, write ? SqliteDb::open(path, kBusyMillis) : SqliteDb::openReadOnly(path, kBusyMillis, m_files.readOnlySqlite())};
         if (!entry.db) {
-            noteFailure(path, openFailure(path, write));
+            noteFailure(path, openFailure(m_files, path, write));
             continue;
         }
         SqliteDb& db = *entry.db;
@@ -87,8 +76,9 @@ StoreResult ProfileDatabases::open(const std::vector<std::string>& paths, bool w
                 return StoreResult::InUse;
             }
             // Damaged or not a database: named, and the others are still cleaned.
-            noteFailure(path, (access(path.c_str(), R_OK) != 0 ? std::string("cannot be read: ") + std::strerror(errno)
-                                                               : "is damaged or is no database (" + db.lastError() + ")") +
+            const std::string unreadable = m_files.openProblem(path, false);
+            noteFailure(path, (!unreadable.empty() ? "cannot be read: " + unreadable
+                                                   : "is damaged or is no database (" + db.lastError() + ")") +
                                   "; left as it is");
             continue;
         }
@@ -152,4 +142,4 @@ void ProfileDatabases::rollback() {
     m_open.clear();
 }
 
-} // namespace platform::linux
+} // namespace browsers

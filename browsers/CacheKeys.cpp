@@ -1,9 +1,15 @@
-#include "platform/linux/CacheKeys.h"
+#include "browsers/CacheKeys.h"
 
+#include <algorithm>
 #include <cstring>
 
-namespace platform::linux {
+namespace browsers {
 namespace {
+
+// Most keys fit in the first read; a longer one costs a second read.
+constexpr std::size_t kFirstRead = 512;
+// A Firefox entry up to this size is read whole: one read instead of two.
+constexpr std::uint64_t kWholeRead = 16 * 1024;
 
 constexpr std::uint64_t kSimpleInitialMagic = 0xfcfb6d1ba7725c30ULL;
 // Entry files of versions 5 to 9 share this header; older ones are long gone from disks.
@@ -129,4 +135,52 @@ std::optional<std::string_view> cache2Address(std::string_view key) {
     return std::nullopt;
 }
 
-} // namespace platform::linux
+std::optional<std::string> simpleCacheEntryAddress(const ReadAt& read, std::uint64_t size) {
+    std::string head;
+    read(head, static_cast<std::size_t>(std::min<std::uint64_t>(size, kFirstRead)), 0);
+    std::size_t needed = 0;
+    auto key = simpleCacheKey(head, &needed);
+    if (!key && needed > head.size() && needed <= size && read(head, needed, 0))
+        key = simpleCacheKey(head);
+    if (!key)
+        return std::nullopt;
+    return std::string(simpleCacheAddress(*key));
+}
+
+std::optional<std::string> cache2EntryAddress(const ReadAt& read, std::uint64_t size) {
+    std::string bytes;
+    std::uint64_t base = 0; // file offset of bytes[0]
+    if (size <= kWholeRead) {
+        if (!read(bytes, static_cast<std::size_t>(size), 0))
+            return std::nullopt;
+    } else if (!read(bytes, 4, size - 4)) {
+        return std::nullopt;
+    } else {
+        base = size - 4;
+    }
+    if (bytes.size() < 4)
+        return std::nullopt; // cut short before the metadata offset at its end
+    const auto offset = cache2MetadataOffset(std::string_view(bytes).substr(bytes.size() - 4), size);
+    if (!offset)
+        return std::nullopt;
+    std::string_view metadata;
+    if (base == 0) {
+        metadata = std::string_view(bytes).substr(*offset);
+    } else {
+        const std::size_t first = static_cast<std::size_t>(
+            std::min<std::uint64_t>(size - *offset, cache2KeyHeaderSize(*offset) + kFirstRead));
+        if (!read(bytes, first, *offset))
+            return std::nullopt;
+        metadata = bytes;
+    }
+    std::size_t needed = 0;
+    auto key = cache2Key(metadata, *offset, &needed);
+    if (!key && base != 0 && needed > metadata.size() && needed <= size - *offset && read(bytes, needed, *offset))
+        key = cache2Key(bytes, *offset);
+    if (!key)
+        return std::nullopt;
+    const auto address = cache2Address(*key);
+    return address ? std::optional<std::string>(std::string(*address)) : std::nullopt;
+}
+
+} // namespace browsers
