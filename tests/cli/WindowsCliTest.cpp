@@ -85,6 +85,22 @@ void plant(const fs::path& path, const std::string& secret, std::size_t copies) 
 
 } // namespace
 
+// The shell's own call takes the recent documents' key whole; the summary counts every value.
+TEST(WindowsCli, RecentDocumentsCountsEveryValueTheShellRemoves) {
+    if (!testsupport::underWine())
+        GTEST_SKIP() << "would clean this user's own recent documents; runs under Wine in a scratch prefix";
+    const std::wstring recentDocs = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RecentDocs";
+    for (const auto& [name, text] : std::vector<std::pair<std::wstring, std::wstring>>{
+             {L"MRUList", L"ba"}, {L"a", L"a.txt"}, {L"b", L"b.txt"}, {L"c", L"c.txt"}})
+        ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, recentDocs.c_str(), name.c_str(), REG_SZ, text.c_str(),
+                                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
+                  ERROR_SUCCESS);
+    const auto r = runCli("clean-item \"Recent Documents\"");
+    EXPECT_EQ(r.code, 0) << r.seen();
+    EXPECT_TRUE(testsupport::registryValueNames(recentDocs).empty());
+    EXPECT_NE(r.err.find("4 registry values removed"), std::string::npos) << r.err;
+}
+
 TEST(WindowsCli, ShredAndWipeFreeSpaceLeaveNothingOnTheDrive) {
     const auto drive = ScratchDrive::find();
     if (!drive)
