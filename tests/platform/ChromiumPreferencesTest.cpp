@@ -110,8 +110,9 @@ TEST(ChromiumPreferences, APreferencesThatIsNoPlainJsonFileIsNamedAndLeftAsItIs)
         platform::UrlHistory& history = home.platform().urlHistory();
         EXPECT_FALSE(history.clearHistory(home.remover())) << reason;
         const auto problems = history.storeProblems();
+        const std::string why = reason; // a structured binding cannot be captured everywhere
         EXPECT_TRUE(std::any_of(problems.begin(), problems.end(), [&](const auto& p) {
-            return p.file == prefs.string() && p.reason.find(reason) != std::string::npos;
+            return p.file == prefs.string() && p.reason.find(why) != std::string::npos;
         })) << reason;
         // The rest of the history went all the same; the planted file is exactly what it was.
         EXPECT_EQ(listHistory(history).size(), 0u) << reason;
