@@ -54,19 +54,20 @@ void TempFolderClean::skipped(const std::string& item, const std::string& reason
         m_problems->skipped(item, reason);
 }
 
-TempFolderClean::Kept TempFolderClean::kept(Folder& folder, const FileInfo& entry) {
+TempFolderClean::Kept TempFolderClean::kept(Folder& folder, const FileInfo& entry, bool askInUse) {
     if (!entry.isRegular || entry.isLink() || wipe::isMountPoint(folder, entry))
         return Kept::NotAFile;
     if (!entry.ownedByUser)
         return Kept::OtherOwner;
-    if (folder.isInUse(entry.name))
+    if (askInUse && folder.isInUse(entry.name))
         return Kept::InUse;
     return Kept::No;
 }
 
 void TempFolderClean::wipeIfAllowed(Folder& folder, const FileInfo& entry, TraceStep step) {
     const std::string path = m_platform.fileSystem().join(folder.path(), entry.name);
-    switch (kept(folder, entry)) {
+    // The overwrite names a file in use itself.
+    switch (kept(folder, entry, false)) {
     case Kept::No:
         if (wipeEntry(folder, entry.name))
             m_view.itemDone(step, path);

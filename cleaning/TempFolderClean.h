@@ -28,7 +28,9 @@ public:
 
     /// Why automatic cleaning leaves an entry alone.
     enum class Kept { No, NotAFile, OtherOwner, InUse };
-    static Kept kept(platform::Folder& folder, const platform::FileInfo& entry);
+    /// With `askInUse` false, whether a running program holds the file is left to the engine, which
+    /// asks anyway before it writes: the question reads every process's open files and maps.
+    static Kept kept(platform::Folder& folder, const platform::FileInfo& entry, bool askInUse = true);
 
     /// Overwrites and deletes the temporary folder `temp`'s own files, and does the same for the
     /// files of each first-level subfolder before removing it with what lies below. A subfolder

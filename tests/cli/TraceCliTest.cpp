@@ -92,7 +92,7 @@ TEST_F(TraceCli, AFileInUseIsNamedOnStderrAndMakesTheExitCodeOne) {
     ASSERT_TRUE(holder.holding());
     const auto r = runCli("clean-all --yes");
     EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(contains(r.err, (tmp / "held.txt").string() + ": is open in a running program")) << r.err;
+    EXPECT_TRUE(contains(r.err, (tmp / "held.txt").string() + ": is open or mapped in a running program")) << r.err;
     EXPECT_EQ(readFile(tmp / "held.txt"), "held");
     EXPECT_FALSE(fs::exists(tmp / "one.txt"));
 }
