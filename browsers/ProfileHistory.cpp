@@ -56,26 +56,26 @@ StoreResult ProfileHistory::forget(const std::optional<std::string>& url, Remove
     return result;
 }
 
-bool ProfileHistory::removeIn(const std::string& folder, const std::string& name) {
-    const auto open = m_files.openFolder(folder, true);
-    if (!open)
-        return errno == ENOENT;
-    const auto entry = open->entry(name);
+bool ProfileHistory::removeIn(platform::Folder& folder, const std::string& name) {
+    const auto entry = folder.entry(name);
     if (!entry)
         return true;
     // Only files: a folder in a session file's place is not what the browser left.
     if (entry->isDirectory() && !entry->isLink()) {
-        noteProblem(folder + "/" + name, "is a folder; left in place");
+        noteProblem(folder.path() + "/" + name, "is a folder; left in place");
         return false;
     }
-    if (m_remover->removeEntry(*open, name))
+    if (m_remover->removeEntry(folder, name))
         return true;
-    noteProblem(folder + "/" + name, "could not be deleted");
+    noteProblem(folder.path() + "/" + name, "could not be deleted");
     return false;
 }
 
 bool ProfileHistory::removeSessionFile(const std::string& name) {
-    return removeIn(m_profile.folder, name);
+    const auto profile = m_files.openFolder(m_profile.folder, true);
+    if (!profile)
+        return errno == ENOENT;
+    return removeIn(*profile, name);
 }
 
 bool ProfileHistory::removeSessionFilesIn(const std::string& name) {
@@ -96,7 +96,7 @@ bool ProfileHistory::removeSessionFilesIn(const std::string& name) {
         noteProblem(folder, std::string("could not be read: ") + std::strerror(errno));
     bool ok = true;
     for (const std::string& entry : names)
-        ok = removeIn(folder, entry) && ok;
+        ok = removeIn(*open, entry) && ok;
     return ok;
 }
 

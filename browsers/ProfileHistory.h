@@ -60,7 +60,8 @@ protected:
     bool removeSessionFilesIn(const std::string& name);
 
 private:
-    bool removeIn(const std::string& folder, const std::string& name);
+    /// Removes the file `name` of the open folder `folder`, naming it when it stays.
+    bool removeIn(platform::Folder& folder, const std::string& name);
 
     BrowserProfile m_profile;
     ProfileFiles& m_files;

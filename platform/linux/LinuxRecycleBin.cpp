@@ -170,19 +170,18 @@ void removeLeftovers(const std::string& folder, Remover& remover) {
     if (!top)
         return;
     remover.removeEntry(*top, "directorysizes");
-    const auto infoFolder = LinuxFolder::open(trash.get(), "info", folder + "/info");
-    const DirFd info(trash.get(), "info");
+    const auto info = LinuxFolder::open(trash.get(), "info", folder + "/info");
     const DirFd files(trash.get(), "files");
-    if (!info || !infoFolder)
+    if (!info)
         return;
     const std::string suffix = ".trashinfo";
-    for (const std::string& name : entryNames(info.get())) {
+    for (const std::string& name : entryNames(static_cast<int>(info->nativeHandle()))) {
         if (name.size() <= suffix.size() || name.compare(name.size() - suffix.size(), suffix.size(), suffix) != 0)
             continue;
         struct stat st {};
         const std::string item = name.substr(0, name.size() - suffix.size());
         if (!files || ::fstatat(files.get(), item.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0)
-            remover.removeEntry(*infoFolder, name);
+            remover.removeEntry(*info, name);
     }
 }
 
