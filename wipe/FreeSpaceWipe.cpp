@@ -259,32 +259,25 @@ FreeSpaceWipe::Outcome FreeSpaceWipe::run(platform::Folder* folder, const std::s
     return Outcome::Completed;
 }
 
-void FreeSpaceWipe::verifyLastPass(platform::RawFile& file, const std::string& path, const std::vector<Write>& writes) {
+void FreeSpaceWipe::verifyLastPass(platform::RawFile& file, const std::string& path, const std::vector<Write>& pieces) {
     // What the file holds: the pass's writes, which follow each other without overlapping, with
     // nothing (zeros) in any gap between two of them.
-    struct Piece {
-        std::int64_t start, end;
-        const std::vector<std::uint8_t>* block;
-    };
-    std::vector<Piece> pieces;
-    for (const auto& write : writes)
-        pieces.push_back({write.start, write.start + static_cast<std::int64_t>(write.length), write.block});
     // A full drive cuts the last writes short: what the pass wrote is what the file came to hold.
     const auto held = file.info();
-    const auto length = std::min<std::uint64_t>(static_cast<std::uint64_t>(pieces.empty() ? 0 : pieces.back().end),
+    const auto length = std::min<std::uint64_t>(static_cast<std::uint64_t>(pieces.empty() ? 0 : pieces.back().end()),
                                                 held ? held->size : 0);
     const Expected expected = [&pieces](std::uint64_t offset, unsigned char* out, std::size_t count) {
         auto piece = std::upper_bound(pieces.begin(), pieces.end(), static_cast<std::int64_t>(offset),
-                                      [](std::int64_t at, const Piece& p) { return at < p.start; });
+                                      [](std::int64_t at, const Write& p) { return at < p.start; });
         // Each piece's stretch of the chunk is one run of its block's bytes.
         for (std::size_t i = 0; i < count;) {
             const auto at = static_cast<std::int64_t>(offset + i);
             while (piece != pieces.end() && at >= piece->start)
                 ++piece;
-            const Piece& p = *(piece - 1);
-            const bool inside = at < p.end;
+            const Write& p = *(piece - 1);
+            const bool inside = at < p.end();
             // Up to the piece's end, or across a gap no write reached up to the next piece.
-            const std::int64_t until = inside ? p.end : piece != pieces.end() ? piece->start : at + 1;
+            const std::int64_t until = inside ? p.end() : piece != pieces.end() ? piece->start : at + 1;
             const auto run = static_cast<std::size_t>(std::min<std::int64_t>(static_cast<std::int64_t>(count - i), until - at));
             if (inside)
                 std::memcpy(out + i, p.block->data() + (at - p.start), run);

@@ -99,8 +99,9 @@ private:
         std::int64_t start;
         std::size_t length;
         const std::vector<std::uint8_t>* block;
+        std::int64_t end() const { return start + static_cast<std::int64_t>(length); }
     };
-    void verifyLastPass(platform::RawFile& file, const std::string& path, const std::vector<Write>& writes);
+    void verifyLastPass(platform::RawFile& file, const std::string& path, const std::vector<Write>& pieces);
     void pause();
 
     platform::Platform& m_platform;
