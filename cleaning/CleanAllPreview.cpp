@@ -3,7 +3,7 @@
 #include "cleaning/CURLHistory.h"
 #include "cleaning/TempFolderGuard.h"
 #include "cleaning/TraceCleaner.h"
-#include "platform/PreviewPlatform.h"
+#include "proxies/PreviewPlatform.h"
 
 #include <algorithm>
 #include <unordered_set>

@@ -4,7 +4,7 @@
 
 #include "cleaning/RegStrings.h"
 #include "core/NumberFormat.h"
-#include "platform/PreviewPlatform.h"
+#include "proxies/PreviewPlatform.h"
 
 #include <algorithm>
 

@@ -5,7 +5,7 @@
 // engine's verdicts on files and folders (VerdictLedger), so every command reports exactly what it
 // changed on the machine, measured where the change happens rather than guessed from its intent.
 
-#include "platform/ProxyPlatform.h"
+#include "proxies/ProxyPlatform.h"
 
 #include <cstdint>
 #include <memory>

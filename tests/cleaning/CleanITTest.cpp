@@ -3,7 +3,7 @@
 
 #include "cleaning/CleanIT.h"
 #include "core/NumberFormat.h"
-#include "platform/ProxyPlatform.h"
+#include "proxies/ProxyPlatform.h"
 #include "platform/linux/LinuxRecycleBin.h"
 #include "platform/linux/LinuxRegistry.h"
 #include "tests/cleaning/TraceRecorders.h"

@@ -3,7 +3,7 @@
 // recent-documents list, real browser profiles), leaves every name and byte as it was, and is
 // recorded instead.
 
-#include "platform/PreviewPlatform.h"
+#include "proxies/PreviewPlatform.h"
 #include "tests/platform/BrowserHome.h"
 #include "tests/support/CachedAddresses.h"
 #include "tests/support/Hive.h"

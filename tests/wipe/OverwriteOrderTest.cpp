@@ -4,7 +4,7 @@
 // free the blocks before any pass reached them.
 
 #include "platform/Platform.h"
-#include "platform/ProxyPlatform.h"
+#include "proxies/ProxyPlatform.h"
 #include "tests/support/Scratch.h"
 #include "wipe/Engine.h"
 

@@ -1,4 +1,4 @@
-#include "platform/PreviewPlatform.h"
+#include "proxies/PreviewPlatform.h"
 
 #include "platform/Folder.h"
 

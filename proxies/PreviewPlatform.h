@@ -7,7 +7,7 @@
 // Later reads see the recorded deletions: a file "deleted" here no longer exists for info(), and a
 // deleted registry value no longer reads.
 
-#include "platform/ProxyPlatform.h"
+#include "proxies/ProxyPlatform.h"
 
 #include <cstdint>
 #include <memory>

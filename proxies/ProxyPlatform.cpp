@@ -1,4 +1,4 @@
-#include "platform/ProxyPlatform.h"
+#include "proxies/ProxyPlatform.h"
 
 namespace platform {
 
