@@ -1,10 +1,12 @@
 #pragma once
 // The operating system as the rest of the program sees it: one small interface per facility,
-// collected here. main() builds the native platform once and passes it down by reference; tests
-// build it the same way after pointing HOME, TMPDIR, XDG_*_HOME and WINEPREFIX at a scratch folder.
+// collected here. main() builds the native platform once, from the process's environment, and
+// passes it down by reference; tests build it from an environment whose HOME, TMPDIR, XDG_*_HOME and
+// WINEPREFIX point at scratch folders.
 
 #include "platform/Connectivity.h"
 #include "platform/Drives.h"
+#include "platform/Environment.h"
 #include "platform/FileSystem.h"
 #include "platform/KnownFolders.h"
 #include "platform/MemoryStatus.h"
@@ -40,7 +42,7 @@ public:
     virtual RecycleBin& recycleBin() = 0;
 };
 
-/// The platform of the machine the program runs on, its roots taken from the environment now.
-std::unique_ptr<Platform> createNative();
+/// The platform of the machine the program runs on, its roots taken from `env`.
+std::unique_ptr<Platform> createNative(const Environment& env = processEnvironment());
 
 } // namespace platform

@@ -8,11 +8,6 @@
 namespace platform::linux {
 namespace {
 
-std::string variable(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? std::string(value) : std::string();
-}
-
 bool isAbsoluteFolder(const std::string& path) {
     struct stat st {};
     return !path.empty() && path[0] == '/' && ::stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
@@ -24,7 +19,8 @@ std::string absoluteOr(const std::string& value, const std::string& fallback) {
 
 } // namespace
 
-Environment Environment::fromProcess() {
+Environment Environment::from(const platform::Environment& variables) {
+    const auto variable = [&variables](const char* name) { return platform::variable(variables, name); };
     Environment env;
     env.home = variable("HOME");
     if (env.home.empty()) {
@@ -44,3 +40,16 @@ Environment Environment::fromProcess() {
 }
 
 } // namespace platform::linux
+
+namespace platform {
+
+Environment processEnvironment() {
+    Environment env;
+    for (const char* name : {"HOME", "TMPDIR", "WINEPREFIX", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME",
+                             "SCOURMILL_MOUNTINFO"})
+        if (const char* value = std::getenv(name))
+            env[name] = value;
+    return env;
+}
+
+} // namespace platform

@@ -1,6 +1,7 @@
 #pragma once
-// The roots the Linux backends work under, read from the environment once, when the platform is
-// built: tests point them at a scratch folder before that.
+// The roots the Linux backends work under, read from the environment the platform is built from.
+
+#include "platform/Environment.h"
 
 #include <string>
 
@@ -17,7 +18,7 @@ struct Environment {
     /// /proc/self/mountinfo.
     std::string mountInfo = "/proc/self/mountinfo";
 
-    static Environment fromProcess();
+    static Environment from(const platform::Environment& variables);
 };
 
 } // namespace platform::linux

@@ -59,8 +59,8 @@ private:
 } // namespace
 } // namespace linux
 
-std::unique_ptr<Platform> createNative() {
-    return std::make_unique<linux::LinuxPlatform>(linux::Environment::fromProcess());
+std::unique_ptr<Platform> createNative(const Environment& env) {
+    return std::make_unique<linux::LinuxPlatform>(linux::Environment::from(env));
 }
 
 } // namespace platform

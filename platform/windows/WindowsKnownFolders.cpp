@@ -22,6 +22,13 @@ std::string environment(const wchar_t* name) {
     return n > 0 && n < MAX_PATH * 4 ? narrow(value, static_cast<int>(n)) : std::string();
 }
 
+// "C:\..." or "\\server\share\...": a relative TMP would name a different folder from each
+// current folder.
+bool isAbsolute(const std::string& path) {
+    return (path.size() >= 3 && path[1] == ':' && (path[2] == '\\' || path[2] == '/')) ||
+           (path.size() >= 2 && path[0] == '\\' && path[1] == '\\');
+}
+
 bool isFolder(const std::string& path) {
     const DWORD attributes = ::GetFileAttributesW(systemPath(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
@@ -29,16 +36,20 @@ bool isFolder(const std::string& path) {
 
 } // namespace
 
-WindowsKnownFolders::WindowsKnownFolders() {
+WindowsKnownFolders::WindowsKnownFolders(const Environment& env) {
     wchar_t path[MAX_PATH + 1];
-    DWORD n = ::GetTempPathW(MAX_PATH + 1, path);
-    if (n > 0 && n <= MAX_PATH)
+    DWORD n = 0;
+    // The variables GetTempPathW looks at first, taken from the environment given.
+    for (const char* name : {"TMP", "TEMP"})
+        if (const std::string value = variable(env, name); m_temp.empty() && isAbsolute(value))
+            m_temp = withoutTrailingSeparator(value);
+    if (m_temp.empty() && (n = ::GetTempPathW(MAX_PATH + 1, path)) > 0 && n <= MAX_PATH)
         m_temp = withoutTrailingSeparator(narrow(path, static_cast<int>(n)));
     n = ::GetSystemDirectoryW(path, MAX_PATH + 1);
     if (n > 0 && n <= MAX_PATH)
         m_system = narrow(path, static_cast<int>(n));
 
-    m_home = environment(L"USERPROFILE");
+    m_home = variable(env, "USERPROFILE");
     if (m_home.empty() && SUCCEEDED(::SHGetFolderPathW(nullptr, CSIDL_PROFILE, nullptr, SHGFP_TYPE_CURRENT, path)))
         m_home = narrow(path);
     m_home = withoutTrailingSeparator(m_home);
@@ -65,6 +76,18 @@ WindowsKnownFolders::WindowsKnownFolders() {
 }
 
 } // namespace platform::windows
+
+namespace platform {
+
+Environment processEnvironment() {
+    Environment env;
+    for (const auto& [name, wide] : {std::pair{"TMP", L"TMP"}, std::pair{"TEMP", L"TEMP"}, std::pair{"USERPROFILE", L"USERPROFILE"}})
+        if (std::string value = windows::environment(wide); !value.empty())
+            env[name] = std::move(value);
+    return env;
+}
+
+} // namespace platform
 
 namespace platform::windows {
 

@@ -1,17 +1,18 @@
 #pragma once
-// Well-known folders on Windows: the temporary folder (GetTempPathW, which follows TMP and TEMP),
-// the system folder (GetSystemDirectoryW), the user's profile (USERPROFILE) and the folder that
+// Well-known folders on Windows: the temporary folder (TMP, else TEMP, else GetTempPathW), the
+// system folder (GetSystemDirectoryW), the user's profile (USERPROFILE) and the folder that
 // holds the profiles, and the system's own folders (the system drive's root, the Windows and
 // program folders). All are read once, when the platform is built. Registry paths are already
 // paths of this machine.
 
+#include "platform/Environment.h"
 #include "platform/KnownFolders.h"
 
 namespace platform::windows {
 
 class WindowsKnownFolders final : public KnownFolders {
 public:
-    WindowsKnownFolders();
+    explicit WindowsKnownFolders(const Environment& env);
 
     std::string tempPath() override { return m_temp; }
     std::string systemDirectory() override { return m_system; }

@@ -1,5 +1,5 @@
 // The Windows platform: every facility's backend over the Win32 wide-character calls, with the
-// roots (temporary folder, profile) read from the environment when it is built.
+// roots (temporary folder, profile) read from the environment it is built from.
 
 #include "platform/Platform.h"
 #include "platform/windows/WindowsConnectivity.h"
@@ -22,6 +22,8 @@ namespace {
 
 class WindowsPlatform final : public Platform {
 public:
+    explicit WindowsPlatform(const Environment& env) : m_knownFolders(env) {}
+
     RawFiles& rawFiles() override { return m_rawFiles; }
     FileSystem& fileSystem() override { return m_fileSystem; }
     Drives& drives() override { return m_drives; }
@@ -55,8 +57,8 @@ private:
 } // namespace
 } // namespace windows
 
-std::unique_ptr<Platform> createNative() {
-    return std::make_unique<windows::WindowsPlatform>();
+std::unique_ptr<Platform> createNative(const Environment& env) {
+    return std::make_unique<windows::WindowsPlatform>(env);
 }
 
 } // namespace platform
