@@ -27,6 +27,13 @@ struct StatUrl {
     std::uint32_t dwFlags = 0;
 };
 
+/// SetFilter flags of IEnumSTATURL that the enumeration honours.
+namespace StatUrlQuery {
+constexpr std::uint32_t NoUrl = 0x20000;    ///< STATURL_QUERYFLAG_NOURL: leave the address out
+constexpr std::uint32_t NoTitle = 0x40000;  ///< STATURL_QUERYFLAG_NOTITLE: leave the title out
+constexpr std::uint32_t TopLevel = 0x80000; ///< STATURL_QUERYFLAG_TOPLEVEL: only pages shown as such
+} // namespace StatUrlQuery
+
 /// IEnumSTATURL.
 class UrlHistoryEnum {
 public:

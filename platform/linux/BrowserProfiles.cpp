@@ -4,8 +4,12 @@
 
 namespace platform::linux {
 
+browsers::UserFolders userFolders(const Environment& env) {
+    return {env.home, env.configHome, env.cacheHome};
+}
+
 std::vector<BrowserProfile> findBrowserProfiles(const Environment& env) {
-    return browsers::findBrowserProfiles(profileFiles(), {env.home, env.configHome, env.cacheHome});
+    return browsers::findBrowserProfiles(profileFiles(), userFolders(env));
 }
 
 bool profileHeld(const BrowserProfile& profile) {

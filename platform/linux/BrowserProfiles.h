@@ -12,6 +12,9 @@ namespace platform::linux {
 using browsers::BrowserFamily;
 using browsers::BrowserProfile;
 
+/// The user's folders of `env` the browsers keep their profiles in.
+browsers::UserFolders userFolders(const Environment& env);
+
 /// Every profile found in the user's folders of `env`.
 std::vector<BrowserProfile> findBrowserProfiles(const Environment& env);
 

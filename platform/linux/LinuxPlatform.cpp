@@ -1,11 +1,14 @@
 // The Linux platform: every facility's backend, built from one reading of the environment.
 
+#include "browsers/HistoryStore.h"
 #include "platform/Platform.h"
+#include "platform/linux/BrowserProfiles.h"
 #include "platform/linux/Environment.h"
 #include "platform/linux/LinuxConnectivity.h"
 #include "platform/linux/LinuxDrives.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxKnownFolders.h"
+#include "platform/linux/LinuxProfileFiles.h"
 #include "platform/linux/LinuxMemoryStatus.h"
 #include "platform/linux/LinuxProcesses.h"
 #include "platform/linux/LinuxRawFiles.h"
@@ -13,7 +16,6 @@
 #include "platform/linux/LinuxRegistry.h"
 #include "platform/linux/LinuxShell.h"
 #include "platform/linux/LinuxUrlCache.h"
-#include "platform/linux/LinuxUrlHistory.h"
 #include "platform/linux/LinuxVirtualMemory.h"
 
 namespace platform {
@@ -24,7 +26,7 @@ class LinuxPlatform final : public Platform {
 public:
     explicit LinuxPlatform(const Environment& env)
         : m_drives(env.mountInfo), m_registry(env), m_knownFolders(env), m_memoryStatus(env.mountInfo), m_urlCache(env),
-          m_urlHistory(env), m_recycleBin(env) {}
+          m_urlHistory(profileFiles(), userFolders(env)), m_recycleBin(env) {}
 
     RawFiles& rawFiles() override { return m_rawFiles; }
     FileSystem& fileSystem() override { return m_fileSystem; }
@@ -52,7 +54,7 @@ private:
     LinuxShell m_shell;
     LinuxConnectivity m_connectivity;
     LinuxUrlCache m_urlCache;
-    LinuxUrlHistory m_urlHistory;
+    browsers::HistoryStore m_urlHistory;
     LinuxRecycleBin m_recycleBin;
 };
 

@@ -5,7 +5,7 @@
 
 #include "browsers/ProfileHistory.h"
 #include "browsers/Sqlite.h"
-#include "platform/linux/LinuxUrlHistory.h"
+#include "platform/UrlHistory.h"
 #include "platform/linux/ReadOnlySqliteFiles.h"
 #include "tests/support/CachedAddresses.h"
 #include "tests/support/Process.h"
@@ -236,7 +236,7 @@ TEST(UrlHistory, ReadsBothProfilesWithTitlesTimesAndFilters) {
     EXPECT_EQ(filtered.size(), 4u);
     for (const auto& record : filtered)
         EXPECT_TRUE(record.pwcsUrl == kBookmarkedUrl || record.pwcsUrl == kSite + "scourmill-beta-91c2.html");
-    const auto bare = listHistory(history, "", platform::linux::StatUrlQuery::NoTitle | platform::linux::StatUrlQuery::TopLevel);
+    const auto bare = listHistory(history, "", platform::StatUrlQuery::NoTitle | platform::StatUrlQuery::TopLevel);
     EXPECT_EQ(bare.size(), all.size());
     EXPECT_TRUE(std::all_of(bare.begin(), bare.end(), [](const auto& r) { return r.pwcsTitle.empty(); }));
     EXPECT_TRUE(listHistory(history, "https://").empty());

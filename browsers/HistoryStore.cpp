@@ -1,22 +1,16 @@
-#include "platform/linux/LinuxUrlHistory.h"
+#include "browsers/HistoryStore.h"
 
 #include "browsers/ProfileHistory.h"
-#include "platform/linux/BrowserProfiles.h"
-#include "platform/linux/LinuxProfileFiles.h"
 
 #include <algorithm>
 
-namespace platform::linux {
+namespace browsers {
 namespace {
 
-using State = LinuxUrlHistory::State;
-using browsers::ProfileHistory;
-using browsers::StoreResult;
-
-/// The history of `profile`, its files reached the way this system reaches them.
-std::unique_ptr<ProfileHistory> profileHistory(const BrowserProfile& profile) {
-    return browsers::profileHistory(profile, profileFiles());
-}
+using State = HistoryStore::State;
+using platform::Remover;
+using platform::StatUrl;
+using platform::StoreProblem;
 
 void noteInUse(State& state, const std::string& folder) {
     if (std::find(state.inUse.begin(), state.inUse.end(), folder) == state.inUse.end())
@@ -45,24 +39,25 @@ bool note(State& state, const BrowserProfile& profile, StoreResult result, const
 }
 
 /// Forgets `url` (every address when empty) in every profile not held.
-bool forgetEverywhere(State& state, const Environment& env, const std::optional<std::string>& url, Remover& remover) {
+bool forgetEverywhere(State& state, ProfileFiles& files, const UserFolders& folders, const std::optional<std::string>& url,
+                      Remover& remover) {
     state.clear();
     bool ok = true;
-    for (const BrowserProfile& profile : findBrowserProfiles(env)) {
-        if (profileHeld(profile)) {
+    for (const BrowserProfile& profile : findBrowserProfiles(files, folders)) {
+        if (profileHeld(files, profile)) {
             ok = note(state, profile, StoreResult::InUse, nullptr) && ok;
             continue;
         }
-        const auto history = profileHistory(profile);
+        const auto history = profileHistory(profile, files);
         ok = note(state, profile, history->forget(url, remover), history.get()) && ok;
     }
     return ok;
 }
 
-class LinuxUrlHistoryEnum final : public UrlHistoryEnum {
+class HistoryStoreEnum final : public platform::UrlHistoryEnum {
 public:
-    LinuxUrlHistoryEnum(std::vector<BrowserProfile> profiles, std::shared_ptr<State> state)
-        : m_profiles(std::move(profiles)), m_state(std::move(state)) {}
+    HistoryStoreEnum(ProfileFiles& files, std::vector<BrowserProfile> profiles, std::shared_ptr<State> state)
+        : m_files(files), m_profiles(std::move(profiles)), m_state(std::move(state)) {}
 
     bool setFilter(const std::string& urlStartsWith, std::uint32_t flags) override {
         m_prefix = urlStartsWith;
@@ -76,12 +71,12 @@ public:
                 StatUrl& candidate = m_records[m_position++];
                 if (candidate.pwcsUrl.compare(0, m_prefix.size(), m_prefix) != 0)
                     continue;
-                if ((m_flags & StatUrlQuery::TopLevel) && !(candidate.dwFlags & browsers::kStatUrlTopLevel))
+                if ((m_flags & platform::StatUrlQuery::TopLevel) && !(candidate.dwFlags & kStatUrlTopLevel))
                     continue;
                 record = std::move(candidate);
-                if (m_flags & StatUrlQuery::NoUrl)
+                if (m_flags & platform::StatUrlQuery::NoUrl)
                     record.pwcsUrl.clear();
-                if (m_flags & StatUrlQuery::NoTitle)
+                if (m_flags & platform::StatUrlQuery::NoTitle)
                     record.pwcsTitle.clear();
                 return 1;
             }
@@ -91,11 +86,11 @@ public:
             const BrowserProfile& profile = m_profiles[m_nextProfile++];
             m_records.clear();
             m_position = 0;
-            if (profileHeld(profile)) {
+            if (profileHeld(m_files, profile)) {
                 noteInUse(*m_state, profile.folder);
                 continue;
             }
-            const auto history = profileHistory(profile);
+            const auto history = profileHistory(profile, m_files);
             const StoreResult result = history->read(m_records);
             // A profile that has no history database yet has nothing to tell; one whose database
             // cannot be read is named, with what could be read of it still listed.
@@ -107,6 +102,7 @@ public:
     }
 
 private:
+    ProfileFiles& m_files;
     std::vector<BrowserProfile> m_profiles;
     std::shared_ptr<State> m_state;
     std::size_t m_nextProfile = 0;
@@ -118,17 +114,17 @@ private:
 
 } // namespace
 
-LinuxUrlHistory::LinuxUrlHistory(Environment env)
-    : m_env(std::move(env)), m_state(std::make_shared<State>()) {}
+HistoryStore::HistoryStore(ProfileFiles& files, UserFolders folders)
+    : m_files(files), m_folders(std::move(folders)), m_state(std::make_shared<State>()) {}
 
-bool LinuxUrlHistory::addUrl(const std::string& url, const std::string& title, std::uint32_t) {
+bool HistoryStore::addUrl(const std::string& url, const std::string& title, std::uint32_t) {
     m_state->clear();
-    for (const BrowserProfile& profile : findBrowserProfiles(m_env)) {
-        if (profileHeld(profile)) {
+    for (const BrowserProfile& profile : findBrowserProfiles(m_files, m_folders)) {
+        if (profileHeld(m_files, profile)) {
             noteInUse(*m_state, profile.folder);
             continue;
         }
-        const StoreResult result = profileHistory(profile)->add(url, title);
+        const StoreResult result = profileHistory(profile, m_files)->add(url, title);
         if (result == StoreResult::Done)
             return true;
         if (result == StoreResult::InUse)
@@ -137,17 +133,17 @@ bool LinuxUrlHistory::addUrl(const std::string& url, const std::string& title, s
     return false;
 }
 
-bool LinuxUrlHistory::deleteUrl(const std::string& url, std::uint32_t, Remover& remover) {
-    return forgetEverywhere(*m_state, m_env, url, remover);
+bool HistoryStore::deleteUrl(const std::string& url, std::uint32_t, Remover& remover) {
+    return forgetEverywhere(*m_state, m_files, m_folders, url, remover);
 }
 
-std::unique_ptr<UrlHistoryEnum> LinuxUrlHistory::enumUrls() {
+std::unique_ptr<platform::UrlHistoryEnum> HistoryStore::enumUrls() {
     // What the change before found stays to be told: listing is how a change is checked.
-    return std::make_unique<LinuxUrlHistoryEnum>(findBrowserProfiles(m_env), m_state);
+    return std::make_unique<HistoryStoreEnum>(m_files, findBrowserProfiles(m_files, m_folders), m_state);
 }
 
-bool LinuxUrlHistory::clearHistory(Remover& remover) {
-    return forgetEverywhere(*m_state, m_env, std::nullopt, remover);
+bool HistoryStore::clearHistory(Remover& remover) {
+    return forgetEverywhere(*m_state, m_files, m_folders, std::nullopt, remover);
 }
 
-} // namespace platform::linux
+} // namespace browsers
