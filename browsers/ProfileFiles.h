@@ -8,6 +8,7 @@
 #include "platform/UrlCache.h" // StoreProblem
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -41,6 +42,25 @@ public:
     virtual std::vector<std::string> subfolders(const std::string& path) = 0;
     /// Where the link `path` points; empty when it is no link.
     virtual std::string linkTarget(const std::string& path) = 0;
+
+    /// A regular file open for reading.
+    class ReadableFile {
+    public:
+        virtual ~ReadableFile() = default;
+        virtual std::uint64_t size() const = 0;
+        /// When its content last changed, in seconds since 1970-01-01 UTC.
+        virtual std::int64_t modified() const = 0;
+        /// Reads `length` bytes at `offset` into `buffer`; false when fewer could be read.
+        virtual bool readAt(std::string& buffer, std::size_t length, std::uint64_t offset) = 0;
+    };
+    /// Opens the entry `name` of `folder` for reading when it is a regular file, never through a
+    /// link, never blocking on a FIFO, and leaving its access time as it was where the system
+    /// allows; null otherwise.
+    virtual std::unique_ptr<ReadableFile> openReadable(platform::Folder& folder, const std::string& name) = 0;
+    /// What the folder `path` (links followed) is now: which folder, and when an entry was last
+    /// added to it or removed, told apart to the system's finest step. Two stamps are equal only
+    /// when nothing changed between them; empty when the folder cannot be asked.
+    virtual std::string folderStamp(const std::string& path) = 0;
 
     // The locks the browsers hold their profiles with.
 

@@ -1,5 +1,6 @@
 // The Linux platform: every facility's backend, built from one reading of the environment.
 
+#include "browsers/CacheStore.h"
 #include "browsers/HistoryStore.h"
 #include "platform/Platform.h"
 #include "platform/linux/BrowserProfiles.h"
@@ -15,7 +16,6 @@
 #include "platform/linux/LinuxRecycleBin.h"
 #include "platform/linux/LinuxRegistry.h"
 #include "platform/linux/LinuxShell.h"
-#include "platform/linux/LinuxUrlCache.h"
 #include "platform/linux/LinuxVirtualMemory.h"
 
 namespace platform {
@@ -25,7 +25,7 @@ namespace {
 class LinuxPlatform final : public Platform {
 public:
     explicit LinuxPlatform(const Environment& env)
-        : m_drives(env.mountInfo), m_registry(env), m_knownFolders(env), m_memoryStatus(env.mountInfo), m_urlCache(env),
+        : m_drives(env.mountInfo), m_registry(env), m_knownFolders(env), m_memoryStatus(env.mountInfo), m_urlCache(profileFiles(), userFolders(env)),
           m_urlHistory(profileFiles(), userFolders(env)), m_recycleBin(env) {}
 
     RawFiles& rawFiles() override { return m_rawFiles; }
@@ -53,7 +53,7 @@ private:
     LinuxVirtualMemory m_virtualMemory;
     LinuxShell m_shell;
     LinuxConnectivity m_connectivity;
-    LinuxUrlCache m_urlCache;
+    browsers::CacheStore m_urlCache;
     browsers::HistoryStore m_urlHistory;
     LinuxRecycleBin m_recycleBin;
 };

@@ -23,6 +23,30 @@ bool sameFile(const struct stat& a, const struct stat& b) {
            a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
 }
 
+class Readable final : public browsers::ProfileFiles::ReadableFile {
+public:
+    explicit Readable(OpenedFile opened) : m_file(std::move(opened)) {}
+    std::uint64_t size() const override { return static_cast<std::uint64_t>(m_file.st.st_size); }
+    std::int64_t modified() const override { return m_file.st.st_mtim.tv_sec; }
+    bool readAt(std::string& buffer, std::size_t length, std::uint64_t offset) override {
+        buffer.resize(length);
+        std::size_t done = 0;
+        while (done < length) {
+            const ssize_t n = ::pread(m_file.fd.get(), buffer.data() + done, length - done, static_cast<off_t>(offset + done));
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n <= 0)
+                break;
+            done += static_cast<std::size_t>(n);
+        }
+        buffer.resize(done);
+        return done == length;
+    }
+
+private:
+    OpenedFile m_file;
+};
+
 class LinuxProfileFiles final : public browsers::ProfileFiles {
 public:
     const char* readOnlySqlite() override { return readOnlySqliteFiles(); }
@@ -78,6 +102,24 @@ public:
         char buf[PATH_MAX];
         const ssize_t n = ::readlink(path.c_str(), buf, sizeof buf - 1);
         return n > 0 ? std::string(buf, static_cast<std::size_t>(n)) : std::string();
+    }
+
+    std::unique_ptr<ReadableFile> openReadable(Folder& folder, const std::string& name) override {
+        const int at = static_cast<int>(folder.nativeHandle());
+        OpenedFile opened = openRegularFile(at, name, false, O_NOATIME);
+        // O_NOATIME is refused on files of other users: read those with their access time kept
+        // as the mount decides.
+        if (opened.result == ReadResult::Failed && errno == EPERM)
+            opened = openRegularFile(at, name, false);
+        return opened.result == ReadResult::Read ? std::make_unique<Readable>(std::move(opened)) : nullptr;
+    }
+
+    std::string folderStamp(const std::string& path) override {
+        struct stat st {};
+        if (::stat(path.c_str(), &st) != 0)
+            return {};
+        return std::to_string(st.st_dev) + ":" + std::to_string(st.st_ino) + ":" + std::to_string(st.st_mtim.tv_sec) +
+               "." + std::to_string(st.st_mtim.tv_nsec);
     }
 
     std::string hostName() override {

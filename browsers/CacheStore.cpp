@@ -1,6 +1,6 @@
-#include "platform/linux/LinuxUrlCache.h"
+#include "browsers/CacheStore.h"
 
-#include "platform/linux/CacheFolder.h"
+#include "browsers/CacheFolder.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -8,8 +8,13 @@
 #include <optional>
 #include <unordered_map>
 
-namespace platform::linux {
+namespace browsers {
 namespace {
+
+using platform::FileTime;
+using platform::Remover;
+using platform::UrlCacheEntryInfo;
+using platform::UrlCacheEnum;
 
 constexpr std::uint32_t kNormalCacheEntry = 0x1;
 // 100-nanosecond intervals between 1601-01-01 and 1970-01-01.
@@ -28,13 +33,13 @@ struct Located {
 } // namespace
 
 /// The caches of one discovery of the profiles, and what has been read of them.
-struct LinuxUrlCache::Catalogue {
+struct CacheStore::Catalogue {
     struct Cache {
         BrowserFamily family;
         std::size_t profile;
         std::string folder;
         bool complete = false; ///< every entry of the folder is in `byAddress`
-        FolderStamp stamp;     ///< of its entries folder when it was last read completely
+        std::string stamp;     ///< of its entries folder when it was last read completely
     };
     std::vector<BrowserProfile> profiles;
     std::vector<Cache> caches;          ///< of the profiles not held, in enumeration order
@@ -55,14 +60,14 @@ struct LinuxUrlCache::Catalogue {
     }
 
     /// Reads cache `index` whole into `byAddress`, replacing what was known of it.
-    void reread(std::size_t index) {
+    void reread(ProfileFiles& files, std::size_t index) {
         indexed();
         for (auto it = byAddress.begin(); it != byAddress.end();) {
             std::erase_if(it->second, [&](const Located& l) { return l.cache == index; });
             it = it->second.empty() ? byAddress.erase(it) : std::next(it);
         }
         Cache& cache = caches[index];
-        CacheFolderReader reader(cache.family, cache.folder);
+        CacheFolderReader reader(files, cache.family, cache.folder);
         CacheEntryFile entry;
         while (reader.next(entry))
             remember(index, std::move(entry));
@@ -72,9 +77,9 @@ struct LinuxUrlCache::Catalogue {
 };
 
 /// One enumeration: the caches in order, the open folder, and the entry to be handed out next.
-class LinuxUrlCache::Enumeration {
+class CacheStore::Enumeration {
 public:
-    explicit Enumeration(std::shared_ptr<Catalogue> catalogue) : m_catalogue(std::move(catalogue)) {}
+    Enumeration(ProfileFiles& files, std::shared_ptr<Catalogue> catalogue) : m_files(files), m_catalogue(std::move(catalogue)) {}
 
     /// The entry to hand out next, read now if need be; null at the end.
     const CacheEntryFile* peek() {
@@ -84,7 +89,7 @@ public:
                     return nullptr;
                 m_current = m_next++;
                 const auto& cache = m_catalogue->caches[m_current];
-                m_reader = std::make_unique<CacheFolderReader>(cache.family, cache.folder);
+                m_reader = std::make_unique<CacheFolderReader>(m_files, cache.family, cache.folder);
             }
             CacheEntryFile entry;
             if (m_reader->next(entry)) {
@@ -130,13 +135,14 @@ private:
     void finishFolder() {
         // Only a folder that did not change while it was read is known whole.
         auto& cache = m_catalogue->caches[m_current];
-        if (!cache.complete && m_reader->stamp() == folderStamp(m_reader->entriesFolder())) {
+        if (!cache.complete && m_reader->stamp() == m_files.folderStamp(m_reader->entriesFolder())) {
             cache.complete = true;
             cache.stamp = m_reader->stamp();
         }
         m_reader.reset();
     }
 
+    ProfileFiles& m_files;
     std::shared_ptr<Catalogue> m_catalogue;
     std::size_t m_next = 0;
     std::size_t m_current = 0;
@@ -144,18 +150,18 @@ private:
     std::optional<CacheEntryFile> m_pending;
 };
 
-LinuxUrlCache::LinuxUrlCache(Environment env) : m_env(std::move(env)) {}
+CacheStore::CacheStore(ProfileFiles& files, UserFolders folders) : m_files(files), m_folders(std::move(folders)) {}
 
-LinuxUrlCache::~LinuxUrlCache() = default;
+CacheStore::~CacheStore() = default;
 
-std::shared_ptr<LinuxUrlCache::Catalogue> LinuxUrlCache::discover() {
+std::shared_ptr<CacheStore::Catalogue> CacheStore::discover() {
     auto catalogue = std::make_shared<Catalogue>();
-    catalogue->profiles = findBrowserProfiles(m_env);
+    catalogue->profiles = findBrowserProfiles(m_files, m_folders);
     for (std::size_t p = 0; p < catalogue->profiles.size(); ++p) {
         const BrowserProfile& profile = catalogue->profiles[p];
         if (profile.caches.empty())
             continue;
-        if (profileHeld(profile)) {
+        if (profileHeld(m_files, profile)) {
             catalogue->held.push_back(profile.folder);
             continue;
         }
@@ -165,12 +171,12 @@ std::shared_ptr<LinuxUrlCache::Catalogue> LinuxUrlCache::discover() {
     return catalogue;
 }
 
-UrlCacheEnum LinuxUrlCache::findFirst(void* buffer, std::uint32_t& size) {
+UrlCacheEnum CacheStore::findFirst(void* buffer, std::uint32_t& size) {
     if (!m_probe) {
         m_catalogue = discover();
         m_inUse = m_catalogue->held;
         m_problems.clear();
-        m_probe = std::make_unique<Enumeration>(m_catalogue);
+        m_probe = std::make_unique<Enumeration>(m_files, m_catalogue);
     }
     if (!m_probe->peek()) {
         m_probe.reset();
@@ -189,7 +195,7 @@ UrlCacheEnum LinuxUrlCache::findFirst(void* buffer, std::uint32_t& size) {
     return handle;
 }
 
-bool LinuxUrlCache::findNext(UrlCacheEnum enumeration, void* buffer, std::uint32_t& size) {
+bool CacheStore::findNext(UrlCacheEnum enumeration, void* buffer, std::uint32_t& size) {
     const auto it = m_open.find(enumeration);
     if (it == m_open.end() || !it->second->peek()) {
         size = 0;
@@ -205,11 +211,11 @@ bool LinuxUrlCache::findNext(UrlCacheEnum enumeration, void* buffer, std::uint32
     return true;
 }
 
-void LinuxUrlCache::findClose(UrlCacheEnum enumeration) {
+void CacheStore::findClose(UrlCacheEnum enumeration) {
     m_open.erase(enumeration);
 }
 
-bool LinuxUrlCache::deleteEntry(const std::string& url, Remover& remover) {
+bool CacheStore::deleteEntry(const std::string& url, Remover& remover) {
     if (!m_catalogue)
         m_catalogue = discover();
     Catalogue& catalogue = *m_catalogue;
@@ -220,8 +226,8 @@ bool LinuxUrlCache::deleteEntry(const std::string& url, Remover& remover) {
         // Not among the entries read so far: read the folders not read whole, or changed since.
         for (std::size_t i = 0; i < catalogue.caches.size(); ++i) {
             const auto& cache = catalogue.caches[i];
-            if (!cache.complete || !(cache.stamp == folderStamp(cacheEntriesFolder(cache.family, cache.folder))))
-                catalogue.reread(i);
+            if (!cache.complete || cache.stamp != m_files.folderStamp(cacheEntriesFolder(cache.family, cache.folder)))
+                catalogue.reread(m_files, i);
         }
         found = catalogue.indexed().find(url);
         if (found == catalogue.byAddress.end())
@@ -233,7 +239,7 @@ bool LinuxUrlCache::deleteEntry(const std::string& url, Remover& remover) {
     for (const Located& location : found->second) {
         auto& cache = catalogue.caches[location.cache];
         const BrowserProfile& profile = catalogue.profiles[cache.profile];
-        if (profileHeld(profile)) {
+        if (profileHeld(m_files, profile)) {
             if (std::find(m_inUse.begin(), m_inUse.end(), profile.folder) == m_inUse.end())
                 m_inUse.push_back(profile.folder);
             kept.push_back(location);
@@ -241,8 +247,8 @@ bool LinuxUrlCache::deleteEntry(const std::string& url, Remover& remover) {
             continue;
         }
         const std::string entries = cacheEntriesFolder(cache.family, cache.folder);
-        const bool wasCurrent = cache.complete && cache.stamp == folderStamp(entries);
-        if (!removeCacheEntry(cache.family, cache.folder, location.name, remover)) {
+        const bool wasCurrent = cache.complete && cache.stamp == m_files.folderStamp(entries);
+        if (!removeCacheEntry(m_files, cache.family, cache.folder, location.name, remover)) {
             m_problems.push_back({entries + "/" + location.name, std::string("could not be deleted: ") + std::strerror(errno)});
             kept.push_back(location);
             deleted = false;
@@ -250,7 +256,7 @@ bool LinuxUrlCache::deleteEntry(const std::string& url, Remover& remover) {
         }
         // Our own removal changes the folder; what is known of it stays whole.
         if (wasCurrent)
-            cache.stamp = folderStamp(entries);
+            cache.stamp = m_files.folderStamp(entries);
     }
     if (kept.empty())
         catalogue.byAddress.erase(found);
@@ -259,7 +265,7 @@ bool LinuxUrlCache::deleteEntry(const std::string& url, Remover& remover) {
     return deleted;
 }
 
-std::size_t LinuxUrlCache::deleteUnlisted(Remover& remover) {
+std::size_t CacheStore::deleteUnlisted(Remover& remover) {
     // Found anew: a profile whose browser started since the listing is left alone now.
     m_catalogue = discover();
     m_inUse = m_catalogue->held;
@@ -270,7 +276,7 @@ std::size_t LinuxUrlCache::deleteUnlisted(Remover& remover) {
             continue;
         bases = {profile.folder};
         for (const std::string& folder : profile.caches) {
-            removed += removeCacheRest(profile.family, folder, remover, m_problems);
+            removed += removeCacheRest(m_files, profile.family, folder, remover, m_problems);
             // The caches beside the disk cache sit in the folder that holds it: "<base>/Cache/Cache_Data"
             // or "<base>/cache2".
             const std::string suffix = profile.family == BrowserFamily::Chromium ? "/Cache/Cache_Data" : "/cache2";
@@ -280,9 +286,9 @@ std::size_t LinuxUrlCache::deleteUnlisted(Remover& remover) {
         std::sort(bases.begin(), bases.end());
         bases.erase(std::unique(bases.begin(), bases.end()), bases.end());
         for (const std::string& base : bases)
-            removed += removeSideCaches(profile.family, base, remover, m_problems);
+            removed += removeSideCaches(m_files, profile.family, base, remover, m_problems);
     }
     return removed;
 }
 
-} // namespace platform::linux
+} // namespace browsers
