@@ -36,6 +36,7 @@ Environment Environment::from(const platform::Environment& variables) {
     env.configHome = absoluteOr(variable("XDG_CONFIG_HOME"), env.home + "/.config");
     env.cacheHome = absoluteOr(variable("XDG_CACHE_HOME"), env.home + "/.cache");
     env.mountInfo = absoluteOr(variable("SCOURMILL_MOUNTINFO"), env.mountInfo);
+    env.wineServers = absoluteOr(variable("SCOURMILL_WINESERVERS"), {});
     return env;
 }
 
@@ -46,7 +47,7 @@ namespace platform {
 Environment processEnvironment() {
     Environment env;
     for (const char* name : {"HOME", "TMPDIR", "WINEPREFIX", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME",
-                             "SCOURMILL_MOUNTINFO"})
+                             "SCOURMILL_MOUNTINFO", "SCOURMILL_WINESERVERS"})
         if (const char* value = std::getenv(name))
             env[name] = value;
     return env;

@@ -17,6 +17,9 @@ struct Environment {
     /// The mount table to read: $SCOURMILL_MOUNTINFO when set (tests give a scratch table), else
     /// /proc/self/mountinfo.
     std::string mountInfo = "/proc/self/mountinfo";
+    /// The folder holding the folders of running wineservers: $SCOURMILL_WINESERVERS when set
+    /// (tests give a scratch folder); empty for Wine's own (see LinuxRegistry).
+    std::string wineServers;
 
     static Environment from(const platform::Environment& variables);
 };

@@ -48,7 +48,7 @@ private:
 } // namespace
 
 LinuxRegistry::LinuxRegistry(const Environment& env)
-    : LinuxRegistry(env, "/tmp/.wine-" + std::to_string(::getuid())) {}
+    : LinuxRegistry(env, env.wineServers.empty() ? "/tmp/.wine-" + std::to_string(::getuid()) : env.wineServers) {}
 
 LinuxRegistry::LinuxRegistry(const Environment& env, const std::string& serverRoot)
     : HiveRegistry(std::make_unique<UserReg>(*this, env.winePrefix + "/user.reg")), m_prefix(env.winePrefix),

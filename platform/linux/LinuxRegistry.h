@@ -10,8 +10,8 @@ namespace platform::linux {
 
 class LinuxRegistry final : public winehive::HiveRegistry {
 public:
-    /// The hive of `env.winePrefix`; running servers are looked for in /tmp/.wine-<uid>, where
-    /// Wine keeps them whatever TMPDIR says.
+    /// The hive of `env.winePrefix`; running servers are looked for in `env.wineServers`, or where
+    /// Wine keeps them whatever TMPDIR says, /tmp/.wine-<uid>.
     explicit LinuxRegistry(const Environment& env);
     /// Same, with the folder that holds the servers' folders given (tests use a scratch folder).
     LinuxRegistry(const Environment& env, const std::string& serverRoot);

@@ -96,6 +96,9 @@ void enterScratchEnvironment() {
     // No drive of the machine is listed: tests list their own mounts (ScratchMount).
     std::ofstream(root / "mountinfo", std::ios::trunc).flush();
     setEnv("SCOURMILL_MOUNTINFO", (root / "mountinfo").string());
+    // Nor the machine's running wineservers: a test that needs one holding the prefix makes its own.
+    fs::create_directories(root / "wineservers");
+    setEnv("SCOURMILL_WINESERVERS", (root / "wineservers").string());
     // Nor the desktop's session bus (its notification area): a test that needs a bus starts its own.
     setEnv("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + (root / "runtime" / "bus").string());
 }
