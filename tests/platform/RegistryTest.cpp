@@ -108,8 +108,8 @@ std::string maskStamps(std::string text, const std::string& keyLine) {
 }
 
 /// A child process holding the wineserver lock of `dir`'s server folder, as a running server does.
-class ServerLock {
-public:
+struct ServerLock {
+    pid_t m_pid = -1;
     explicit ServerLock(const std::string& serverDir) {
         fs::create_directories(serverDir);
         int ready[2];
@@ -131,17 +131,10 @@ public:
         ::close(ready[0]);
         ::close(ready[1]);
     }
-    ~ServerLock() { release(); }
-    void release() {
-        if (m_pid > 0) {
-            ::kill(m_pid, SIGKILL);
+    ~ServerLock() {
+        if (m_pid > 0 && ::kill(m_pid, SIGKILL) == 0)
             ::waitpid(m_pid, nullptr, 0);
-            m_pid = -1;
-        }
     }
-
-private:
-    pid_t m_pid = -1;
 };
 
 } // namespace
