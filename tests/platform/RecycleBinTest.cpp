@@ -159,9 +159,8 @@ TEST(RecycleBin, RecentDocumentsAreEmptiedInPlaceLeavingNoAddressOnTheDrive) {
     const fs::path folder = image.mounted() ? image.mountPoint() : data.path();
     const std::string path = folder.string() + "/recently-used.xbel";
     LinuxRecycleBin bin(environment(folder));
-    const auto native = platform::createNative();
-    wipe::Engine engine(*native, nullptr, nullptr);
-    EXPECT_TRUE(bin.clearRecentDocuments(engine)); // no file, nothing to clear, nothing created
+    RecordedUi ui; // for its engine
+    EXPECT_TRUE(bin.clearRecentDocuments(ui.engine)); // no file, nothing to clear, nothing created
     EXPECT_FALSE(fs::exists(path));
 
     GBookmarkFile* file = g_bookmark_file_new();
@@ -175,7 +174,7 @@ TEST(RecycleBin, RecentDocumentsAreEmptiedInPlaceLeavingNoAddressOnTheDrive) {
               (std::vector<std::string>{"file:///home/u/secret%20plan.odt", "file:///home/u/diary.txt"}));
     struct stat before {};
     ::stat(path.c_str(), &before);
-    EXPECT_TRUE(bin.clearRecentDocuments(engine));
+    EXPECT_TRUE(bin.clearRecentDocuments(ui.engine));
     EXPECT_TRUE(bin.recentDocuments().empty());
     EXPECT_EQ(testsupport::readFile(path).find("secret"), std::string::npos);
     struct stat after {};

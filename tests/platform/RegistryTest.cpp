@@ -66,34 +66,24 @@ struct Prefix {
     std::string text() const { return testsupport::readFile(hive); }
 };
 
-std::string queryString(Registry& reg, const std::string& key, const std::string& name, long* rc = nullptr) {
+/// The data of `name` below `key`, read as RegQueryValueExA is called: first for its size.
+std::string queryString(Registry& reg, const std::string& key, const std::string& name, long* rc = nullptr,
+                        std::uint32_t* type = nullptr) {
     RegKey k = 0;
     long r = reg.openKey(CurrentUserRoot, key, k);
     std::string out;
     if (r == RegResult::Success) {
-        std::uint32_t type = 0, size = 0;
-        r = reg.queryValue(k, name, &type, nullptr, &size);
+        std::uint32_t size = 0;
+        r = reg.queryValue(k, name, type, nullptr, &size);
         if (r == RegResult::Success) {
             out.resize(size);
-            r = reg.queryValue(k, name, &type, reinterpret_cast<std::uint8_t*>(out.data()), &size);
+            r = reg.queryValue(k, name, type, reinterpret_cast<std::uint8_t*>(out.data()), &size);
         }
         reg.closeKey(k);
     }
     if (rc)
         *rc = r;
     return out;
-}
-
-std::vector<std::uint8_t> queryBytes(Registry& reg, const std::string& key, const std::string& name,
-                                     std::uint32_t& type) {
-    RegKey k = 0;
-    EXPECT_EQ(reg.openKey(CurrentUserRoot, key, k), RegResult::Success);
-    std::uint32_t size = 0;
-    EXPECT_EQ(reg.queryValue(k, name, &type, nullptr, &size), RegResult::Success) << name;
-    std::vector<std::uint8_t> data(size);
-    EXPECT_EQ(reg.queryValue(k, name, &type, data.data(), &size), RegResult::Success) << name;
-    reg.closeKey(k);
-    return data;
 }
 
 // The key line's time and its #time= line change with every change of the key; everything else
@@ -178,11 +168,10 @@ TEST(LinuxRegistry, ReadsEveryValueFormAsTheAnsiCallsDo) {
     EXPECT_EQ(queryString(p.registry, key, "WideSz"), "AB"); // stored without its NUL
 
     std::uint32_t type = 0;
-    EXPECT_EQ(queryBytes(p.registry, key, "Number", type), (std::vector<std::uint8_t>{0x2a, 0, 0, 0}));
+    EXPECT_EQ(queryString(p.registry, key, "Number", nullptr, &type), "\x2a\0\0\0"s);
     EXPECT_EQ(type, RegType::Dword);
-    const auto settings = queryBytes(p.registry, key, "Settings", type);
+    EXPECT_EQ(queryString(p.registry, key, "Settings", nullptr, &type).size(), 48u); // lines joined at backslashes
     EXPECT_EQ(type, RegType::Binary);
-    EXPECT_EQ(settings.size(), 48u); // three lines joined at their backslashes
 
     // A buffer too small: MoreData with the size needed, as RegQueryValueExA answers.
     RegKey k = 0;
