@@ -37,7 +37,6 @@ public:
     /// The program's engine on that platform, as the cleaning layer hands it to the stores.
     platform::Remover& remover() { return *m_remover; }
 
-    const std::filesystem::path& home() const { return m_home; }
     std::filesystem::path chromiumUserData() const { return m_home / ".config/chromium"; }
     std::filesystem::path chromiumProfile() const { return chromiumUserData() / "Default"; }
     std::filesystem::path chromiumCache() const;

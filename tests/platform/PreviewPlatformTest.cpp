@@ -192,13 +192,7 @@ void put(const fs::path& path, const std::string& content) {
 }
 
 const char* const RecentList = R"(<?xml version="1.0" encoding="UTF-8"?>
-<xbel version="1.0" xmlns:bookmark="http://www.freedesktop.org/standards/desktop-bookmarks">
-  <bookmark href="file:///home/u/plan.odt" added="2024-01-01T00:00:00Z" modified="2024-01-01T00:00:00Z" visited="2024-01-01T00:00:00Z">
-    <info><metadata owner="http://freedesktop.org"><bookmark:applications>
-      <bookmark:application name="writer" exec="writer %u" modified="2024-01-01T00:00:00Z" count="1"/>
-    </bookmark:applications></metadata></info>
-  </bookmark>
-</xbel>
+<xbel version="1.0"><bookmark href="file:///home/u/plan.odt" added="2024-01-01T00:00:00Z"/></xbel>
 )";
 
 } // namespace

