@@ -2,7 +2,6 @@
 // native platform; the recycle bin is the Linux trash confined to scratch folders.
 
 #include "cleaning/CleanIT.h"
-#include "core/NumberFormat.h"
 #include "proxies/ProxyPlatform.h"
 #include "platform/linux/LinuxRecycleBin.h"
 #include "platform/linux/LinuxRegistry.h"
@@ -166,20 +165,6 @@ TEST_F(CleanITTest, DoEmAllCleansEveryListAndChangesNothingElse) {
               std::string::npos);
 }
 
-TEST_F(CleanITTest, ChooserTextIsComparedExactlyElseTheNoChoiceMessageIsShown) {
-    const std::string before = testsupport::readFile(hive);
-    for (const char* text : {"ie typed url's", "Please Choose Item to Clean", "IE Typed URL's ", ""})
-        clean.CleanMruItem(text);
-    EXPECT_EQ(testsupport::readFile(hive), before);
-    ASSERT_EQ(prompts.told.size(), 4u);
-    EXPECT_EQ(prompts.titles[0] + "|" + std::to_string(prompts.toldStyles[0]), "Tavi Message|0");
-    EXPECT_EQ(prompts.told[0], "You must make a choice from the combobox pull down list. If you "
-                               "continue having trouble,please contact Tavi support.");
-    clean.CleanMruItem("IE Typed URL's");
-    EXPECT_EQ(names("Software\\Microsoft\\Internet Explorer\\TypedURLs"), Names{"url4"});
-    EXPECT_EQ(prompts.told.size(), 4u);
-}
-
 TEST_F(CleanITTest, AHiveInUseByARunningWineserverIsLeftAlone) {
     const std::string before = testsupport::readFile(hive);
     const std::string serverDir = platform.hive().serverDirectory();
@@ -209,9 +194,3 @@ TEST_F(CleanITTest, AHiveInUseByARunningWineserverIsLeftAlone) {
     EXPECT_TRUE(problems.items.count("HKEY_CURRENT_USER\\Software\\Microsoft\\Internet Explorer\\TypedURLs\\url1"));
 }
 
-TEST(RecycleBinQuestion, NamesCountAndSize) {
-    EXPECT_EQ(RecycleBinQuestion(1, 1), "Are you sure you want to permanently delete this item (1 byte)?");
-    EXPECT_EQ(RecycleBinQuestion(1234, 5678901),
-              "Are you sure you want to permanently delete these 1" + core::thousandsSeparator() +
-                  "234 items (5" + core::thousandsSeparator() + "678" + core::thousandsSeparator() + "901 bytes)?");
-}

@@ -19,7 +19,6 @@
 #include <fstream>
 #include <map>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -122,21 +121,16 @@ TEST_F(TraceCleanerTest, WipedBytesAreGoneFromTheDisk) {
 }
 
 TEST_F(TraceCleanerTest, TempFolderCleanTakesOnlyTheUsersOwnClosedPlainFiles) {
+    // What lies right in the folder and is no closed plain file of the user's is for the destruction
+    // matrix; here, what the walk does below it.
     ScratchDir outside;
     const fs::path target = outside.write("target.txt", "not in the temp folder");
-    outside.write("folder/inside.txt", "not in the temp folder either");
     const fs::path root = temp.path();
 
     temp.write("own.txt", "own");
     const fs::path readOnly = temp.write("readonly.txt", "read-only");
     fs::permissions(readOnly, fs::perms::owner_read, fs::perm_options::replace);
-    fs::create_symlink(target, root / "link-to-file");
-    fs::create_directory_symlink(outside.path() / "folder", root / "link-to-folder");
     makeSocket(root / "program.sock");
-    ASSERT_EQ(::mkfifo((root / "pipe").c_str(), 0600), 0);
-    const fs::path held = temp.write("held.txt", "held open");
-    testsupport::FileHolder holder(held.string());
-    ASSERT_TRUE(holder.holding());
 
     temp.write("nested/a.txt", "a");
     temp.write("nested/deeper/b.txt", "b");
@@ -156,18 +150,12 @@ TEST_F(TraceCleanerTest, TempFolderCleanTakesOnlyTheUsersOwnClosedPlainFiles) {
 
     for (const char* gone : {"own.txt", "readonly.txt", "nested", "keeps-link/own.txt", "keeps-held/own.txt"})
         EXPECT_FALSE(left.count(gone)) << gone;
-    EXPECT_EQ(entry(left, "link-to-file"), "link:" + target.string());
-    EXPECT_EQ(entry(left, "link-to-folder"), "link:" + (outside.path() / "folder").string());
     EXPECT_EQ(entry(left, "program.sock"), "special");
-    EXPECT_EQ(entry(left, "pipe"), "special");
-    EXPECT_EQ(entry(left, "held.txt").substr(0, 15), "file:held open:");
     EXPECT_EQ(entry(left, "keeps-link/deep/link"), "link:" + target.string());
     EXPECT_EQ(entry(left, "keeps-held/deep/held.txt").substr(0, 15), "file:held deep:");
     EXPECT_EQ(entry(left, "keeps-socket/deep/x.txt").substr(0, 7), "file:x:"); // removed whole or not at all
     EXPECT_EQ(readFile(target), "not in the temp folder");
-    EXPECT_EQ(readFile(outside.path() / "folder/inside.txt"), "not in the temp folder either");
-    // Files in use are reported as skipped; what was never the user's to clean is not.
-    EXPECT_TRUE(problems.items.count(held.string()));
+    // What was never the user's to clean is not reported as skipped.
     EXPECT_FALSE(problems.items.count((root / "program.sock").string()));
 }
 
@@ -190,7 +178,7 @@ TEST_F(TraceCleanerTest, TempFolderCleanLeavesAnImageThatAMountedLoopDeviceReads
 }
 
 TEST_F(TraceCleanerTest, TempFolderCleanStopsAtAnInterruptionAndNeverCleansTheCurrentFolder) {
-    const fs::path first = temp.write("a.bin", std::string(600'000, 'a'));
+    temp.write("a.bin", std::string(600'000, 'a'));
     view.onPump = [&] { view.stop = true; }; // Ctrl-C during the first file's first pass
     cleaner.CleanTempFolder();
     std::size_t left = 0;
@@ -214,7 +202,6 @@ TEST_F(TraceCleanerTest, TempFolderCleanStopsAtAnInterruptionAndNeverCleansTheCu
     cleaner.CleanAll();
     fs::current_path(here);
     EXPECT_TRUE(fs::exists(temp.path() / "b.txt"));
-    (void)first;
 }
 
 namespace {
