@@ -102,24 +102,6 @@ TEST_F(TraceCleanerTest, WipeFileWritesBlocksZeroToTheRoundedCountElevenTimesThe
     EXPECT_TRUE(problems.items.empty());
 }
 
-TEST_F(TraceCleanerTest, WipedBytesAreGoneFromTheDisk) {
-    ScratchDir dir;
-    testsupport::LoopImage image(dir.path(), 8);
-    if (!image.mounted())
-        GTEST_SKIP() << image.reason();
-    std::string secret;
-    for (int i = 0; i < 40; ++i)
-        secret += "TEMP-SECRET-" + std::to_string(i) + ";";
-    const fs::path file = image.mountPoint() / "secret.tmp";
-    std::ofstream(file) << secret;
-    image.sync();
-    ASSERT_TRUE(image.imageContains("TEMP-SECRET-17;"));
-    cleaner.WipeFile(file.string());
-    ASSERT_FALSE(fs::exists(file));
-    ASSERT_TRUE(image.unmount());
-    EXPECT_FALSE(image.imageContains("TEMP-SECRET-17;"));
-}
-
 TEST_F(TraceCleanerTest, TempFolderCleanTakesOnlyTheUsersOwnClosedPlainFiles) {
     // What lies right in the folder and is no closed plain file of the user's is for the destruction
     // matrix; here, what the walk does below it.
