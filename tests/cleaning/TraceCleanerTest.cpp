@@ -9,7 +9,6 @@
 #include "tests/cleaning/TraceRecorders.h"
 #include "tests/support/Process.h"
 #include "tests/support/Hive.h"
-#include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
@@ -139,24 +138,6 @@ TEST_F(TraceCleanerTest, TempFolderCleanTakesOnlyTheUsersOwnClosedPlainFiles) {
     EXPECT_EQ(readFile(target), "not in the temp folder");
     // What was never the user's to clean is not reported as skipped.
     EXPECT_FALSE(problems.items.count((root / "program.sock").string()));
-}
-
-TEST_F(TraceCleanerTest, TempFolderCleanLeavesAnImageThatAMountedLoopDeviceReadsAndWrites) {
-    // The image and its mount point, both right in the temporary folder.
-    testsupport::LoopImage image(temp.path(), 8);
-    if (!image.mounted())
-        GTEST_SKIP() << image.reason();
-    std::ofstream(image.mountPoint() / "kept.txt") << "KEPT-ON-THE-IMAGE-5c1e";
-    image.sync();
-    const auto size = fs::file_size(image.image());
-
-    cleaner.CleanTempFolder();
-    EXPECT_TRUE(problems.items.count(image.image().string()));
-    ASSERT_TRUE(fs::exists(image.image()));
-    EXPECT_EQ(fs::file_size(image.image()), size);
-    EXPECT_EQ(readFile(image.mountPoint() / "kept.txt"), "KEPT-ON-THE-IMAGE-5c1e");
-    ASSERT_TRUE(image.unmount());
-    EXPECT_TRUE(image.imageContains("KEPT-ON-THE-IMAGE-5c1e"));
 }
 
 TEST_F(TraceCleanerTest, TempFolderCleanStopsAtAnInterruptionAndNeverCleansTheCurrentFolder) {
