@@ -9,7 +9,6 @@
 #include "tests/cleaning/TraceRecorders.h"
 #include "tests/support/Process.h"
 #include "tests/support/Hive.h"
-#include "tests/support/LoopImage.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +18,6 @@
 #include <fstream>
 #include <map>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -103,40 +101,17 @@ TEST_F(TraceCleanerTest, WipeFileWritesBlocksZeroToTheRoundedCountElevenTimesThe
     EXPECT_TRUE(problems.items.empty());
 }
 
-TEST_F(TraceCleanerTest, WipedBytesAreGoneFromTheDisk) {
-    ScratchDir dir;
-    testsupport::LoopImage image(dir.path(), 8);
-    if (!image.mounted())
-        GTEST_SKIP() << image.reason();
-    std::string secret;
-    for (int i = 0; i < 40; ++i)
-        secret += "TEMP-SECRET-" + std::to_string(i) + ";";
-    const fs::path file = image.mountPoint() / "secret.tmp";
-    std::ofstream(file) << secret;
-    image.sync();
-    ASSERT_TRUE(image.imageContains("TEMP-SECRET-17;"));
-    cleaner.WipeFile(file.string());
-    ASSERT_FALSE(fs::exists(file));
-    ASSERT_TRUE(image.unmount());
-    EXPECT_FALSE(image.imageContains("TEMP-SECRET-17;"));
-}
-
 TEST_F(TraceCleanerTest, TempFolderCleanTakesOnlyTheUsersOwnClosedPlainFiles) {
+    // What lies right in the folder and is no closed plain file of the user's is for the destruction
+    // matrix; here, what the walk does below it.
     ScratchDir outside;
     const fs::path target = outside.write("target.txt", "not in the temp folder");
-    outside.write("folder/inside.txt", "not in the temp folder either");
     const fs::path root = temp.path();
 
     temp.write("own.txt", "own");
     const fs::path readOnly = temp.write("readonly.txt", "read-only");
     fs::permissions(readOnly, fs::perms::owner_read, fs::perm_options::replace);
-    fs::create_symlink(target, root / "link-to-file");
-    fs::create_directory_symlink(outside.path() / "folder", root / "link-to-folder");
     makeSocket(root / "program.sock");
-    ASSERT_EQ(::mkfifo((root / "pipe").c_str(), 0600), 0);
-    const fs::path held = temp.write("held.txt", "held open");
-    testsupport::FileHolder holder(held.string());
-    ASSERT_TRUE(holder.holding());
 
     temp.write("nested/a.txt", "a");
     temp.write("nested/deeper/b.txt", "b");
@@ -156,41 +131,17 @@ TEST_F(TraceCleanerTest, TempFolderCleanTakesOnlyTheUsersOwnClosedPlainFiles) {
 
     for (const char* gone : {"own.txt", "readonly.txt", "nested", "keeps-link/own.txt", "keeps-held/own.txt"})
         EXPECT_FALSE(left.count(gone)) << gone;
-    EXPECT_EQ(entry(left, "link-to-file"), "link:" + target.string());
-    EXPECT_EQ(entry(left, "link-to-folder"), "link:" + (outside.path() / "folder").string());
     EXPECT_EQ(entry(left, "program.sock"), "special");
-    EXPECT_EQ(entry(left, "pipe"), "special");
-    EXPECT_EQ(entry(left, "held.txt").substr(0, 15), "file:held open:");
     EXPECT_EQ(entry(left, "keeps-link/deep/link"), "link:" + target.string());
     EXPECT_EQ(entry(left, "keeps-held/deep/held.txt").substr(0, 15), "file:held deep:");
     EXPECT_EQ(entry(left, "keeps-socket/deep/x.txt").substr(0, 7), "file:x:"); // removed whole or not at all
     EXPECT_EQ(readFile(target), "not in the temp folder");
-    EXPECT_EQ(readFile(outside.path() / "folder/inside.txt"), "not in the temp folder either");
-    // Files in use are reported as skipped; what was never the user's to clean is not.
-    EXPECT_TRUE(problems.items.count(held.string()));
+    // What was never the user's to clean is not reported as skipped.
     EXPECT_FALSE(problems.items.count((root / "program.sock").string()));
 }
 
-TEST_F(TraceCleanerTest, TempFolderCleanLeavesAnImageThatAMountedLoopDeviceReadsAndWrites) {
-    // The image and its mount point, both right in the temporary folder.
-    testsupport::LoopImage image(temp.path(), 8);
-    if (!image.mounted())
-        GTEST_SKIP() << image.reason();
-    std::ofstream(image.mountPoint() / "kept.txt") << "KEPT-ON-THE-IMAGE-5c1e";
-    image.sync();
-    const auto size = fs::file_size(image.image());
-
-    cleaner.CleanTempFolder();
-    EXPECT_TRUE(problems.items.count(image.image().string()));
-    ASSERT_TRUE(fs::exists(image.image()));
-    EXPECT_EQ(fs::file_size(image.image()), size);
-    EXPECT_EQ(readFile(image.mountPoint() / "kept.txt"), "KEPT-ON-THE-IMAGE-5c1e");
-    ASSERT_TRUE(image.unmount());
-    EXPECT_TRUE(image.imageContains("KEPT-ON-THE-IMAGE-5c1e"));
-}
-
 TEST_F(TraceCleanerTest, TempFolderCleanStopsAtAnInterruptionAndNeverCleansTheCurrentFolder) {
-    const fs::path first = temp.write("a.bin", std::string(600'000, 'a'));
+    temp.write("a.bin", std::string(600'000, 'a'));
     view.onPump = [&] { view.stop = true; }; // Ctrl-C during the first file's first pass
     cleaner.CleanTempFolder();
     std::size_t left = 0;
@@ -214,7 +165,6 @@ TEST_F(TraceCleanerTest, TempFolderCleanStopsAtAnInterruptionAndNeverCleansTheCu
     cleaner.CleanAll();
     fs::current_path(here);
     EXPECT_TRUE(fs::exists(temp.path() / "b.txt"));
-    (void)first;
 }
 
 namespace {
@@ -238,34 +188,14 @@ struct CookieFolderTest : TraceCleanerTest {
         std::ofstream(cookies / "me@example[1].txt") << "the cookie itself";
         std::ofstream(cookies / "sub/index.dat") << "not in the folder itself";
         cleaner.ReadFolderPaths();
-        cleaner.SetPaths({cleaner.Paths().HistoryPath, cleaner.Paths().CachePath, cleaner.Paths().CookiesPath, temp.str()});
     }
     ~CookieFolderTest() override { fs::remove_all(prefix / "drive_c"); }
 };
 
 } // namespace
 
-TEST_F(CookieFolderTest, CleanAllDeletesTheCookieFoldersRecordFilesAndTheTypedUrls) {
-    EXPECT_EQ(cleaner.Paths().CookiesPath, cookies.string());
-    EXPECT_EQ(cleaner.Paths().HistoryPath, (prefix / "drive_c/users/me/History").string());
-    const fs::path held = cookies / "held-index.dat";
-    std::ofstream(held) << "in use";
-    testsupport::FileHolder holder(held.string());
-    ASSERT_TRUE(holder.holding());
-
-    cleaner.CleanAll();
-    EXPECT_FALSE(fs::exists(cookies / "index.dat"));
-    EXPECT_FALSE(fs::exists(cookies / "old.index.dat"));
-    EXPECT_TRUE(fs::exists(cookies / "INDEX.DAT"));
-    EXPECT_EQ(readFile(cookies / "me@example[1].txt"), "the cookie itself");
-    EXPECT_TRUE(fs::exists(cookies / "sub/index.dat"));
-    EXPECT_EQ(readFile(held), "in use");
-    EXPECT_TRUE(problems.items.count(held.string()));
-    EXPECT_EQ(view.lineCount(), 0u);
-    EXPECT_EQ(readFile(prefix / "user.reg").find("typed.example"), std::string::npos);
-}
-
 TEST_F(CookieFolderTest, PreviewNamesWhatTheCleanThenRemoves) {
+    EXPECT_EQ(cleaner.Paths().CookiesPath, cookies.string());
     // The preview reads the folders as start-up does: the temporary folder is $TMPDIR.
     const fs::path tmp = std::getenv("TMPDIR");
     for (const auto& [rel, text] : {std::pair{"t1.txt", "temp one"}, {"folder/t2.txt", "temp two"},
@@ -288,12 +218,21 @@ TEST_F(CookieFolderTest, PreviewNamesWhatTheCleanThenRemoves) {
     };
     EXPECT_EQ(preview.tempFiles, under(tmp, {"t1.txt", "folder/t2.txt", "folder/deeper/t3.txt"}));
     EXPECT_EQ(preview.tempFolders, under(tmp, {"folder/deeper", "folder"}));
+    // Record files are those whose names end in index.dat, letter case and all, right in the
+    // folder: INDEX.DAT, sub/index.dat and the cookie itself stay.
     EXPECT_EQ(preview.cookieFiles, under(cookies, {"index.dat", "old.index.dat"}));
     EXPECT_EQ(preview.typedUrls,
               std::vector<std::string>{"Software\\Microsoft\\Internet Explorer\\TypedURLs\\url1"});
 
+    const fs::path held = cookies / "held-index.dat";
+    std::ofstream(held) << "in use";
+    testsupport::FileHolder holder(held.string());
+    ASSERT_TRUE(holder.holding());
     cleaner.CleanTempFolder();
     cleaner.CleanAll();
+    EXPECT_EQ(readFile(held), "in use");
+    EXPECT_TRUE(problems.items.count(held.string()));
+    EXPECT_EQ(readFile(prefix / "user.reg").find("typed.example"), std::string::npos);
     std::vector<std::string> removed;
     for (const auto& [rel, what] : before)
         if (!fs::exists(prefix / rel) && !fs::is_symlink(prefix / rel))

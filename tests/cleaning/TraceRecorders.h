@@ -15,17 +15,13 @@ namespace testsupport {
 struct TraceRecorder final : cleaning::ListView {
     /// Bytes each pass of each file writes, as reported while writing.
     std::map<std::string, std::map<int, std::uint64_t>> passBytes;
-    std::vector<std::string> done;
-    int pumps = 0;
     std::function<void()> onPump;
     bool stop = false;
 
     void wiping(const std::string& path, int pass, std::uint64_t, std::uint64_t total) override {
         passBytes[path][pass] = total;
     }
-    void itemDone(cleaning::TraceStep, const std::string& item) override { done.push_back(item); }
     void pumpEvents() override {
-        ++pumps;
         if (onPump)
             onPump();
     }

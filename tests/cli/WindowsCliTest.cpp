@@ -1,7 +1,7 @@
 // scourmill-cli.exe as a user runs it on Windows (under Wine here), for what only Windows makes
 // different: shredding and free-space wiping on a drive of its own whose raw bytes show whether the
-// data is gone, folder links, names outside the ANSI code page, long paths and files another
-// program holds. What the commands do beyond that is the same code as on Linux, tested there.
+// data is gone, names outside the ANSI code page, long paths and files another program holds. What
+// the commands do beyond that is the same code as on Linux, tested there.
 
 #include "platform/windows/WinText.h"
 #include "tests/indexdat/RecordFile.h"
@@ -125,27 +125,6 @@ TEST(WindowsCli, ShredAndWipeFreeSpaceLeaveNothingOnTheDrive) {
     EXPECT_EQ(r.code, 0) << r.seen();
     EXPECT_FALSE(fs::exists(root / "WNXTEMP.000"));
     EXPECT_FALSE(drive->holds("plain:" + Secret));
-}
-
-TEST(WindowsCli, ShredDirLeavesALinkedFolderAlone) {
-    ScratchDir dir;
-    dir.write("outside\\keep.txt", "must survive");
-    dir.write("victim\\own.txt", "wiped");
-    dir.write("victim\\sub\\deeper.txt", "wiped too");
-    ASSERT_TRUE(testsupport::makeFolderLink((dir.path() / "victim" / "sub" / "link").string(),
-                                            (dir.path() / "outside").string()));
-    const auto r = runCli("shred-dir --yes " + q(dir.path() / "victim"));
-    EXPECT_EQ(testsupport::readFile(dir.path() / "outside" / "keep.txt"), "must survive");
-    EXPECT_FALSE(fs::exists(dir.path() / "victim" / "own.txt"));
-    EXPECT_FALSE(fs::exists(dir.path() / "victim" / "sub" / "deeper.txt"));
-    if (testsupport::underWine()) {
-        // Wine cannot remove a host link as itself: it stays, named, and so do the folders holding it.
-        EXPECT_EQ(r.code, 1) << r.seen();
-        EXPECT_NE(r.err.find("link"), std::string::npos) << r.err;
-    } else {
-        EXPECT_EQ(r.code, 0) << r.seen();
-        EXPECT_FALSE(fs::exists(dir.path() / "victim"));
-    }
 }
 
 TEST(WindowsCli, EveryCommandTakesNamesOutsideTheAnsiCodePage) {

@@ -22,13 +22,10 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <memory>
 #include <sys/mman.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -71,26 +68,22 @@ pid_t mapInChild(const fs::path& file) {
     });
 }
 
-/// A child that holds open the file `name` below the chain of folders `chain` in `top`, reached
-/// one folder at a time (no path call could name it).
-pid_t holdDeepInChild(const fs::path& top, const std::vector<std::string>& chain, const std::string& name) {
-    return childThat([&] {
-        int at = ::open(top.c_str(), O_RDONLY | O_DIRECTORY);
-        for (const auto& folder : chain)
-            at = ::openat(at, folder.c_str(), O_RDONLY | O_DIRECTORY);
-        return ::openat(at, name.c_str(), O_RDONLY) >= 0;
-    });
-}
-
-/// The bytes of `name` below `chain` in `top`, reached one folder at a time.
-std::string readDeep(const fs::path& top, const std::vector<std::string>& chain, const std::string& name) {
+/// The folder at the end of `chain` below `top`, reached one folder at a time (no path call could
+/// name it); -1 when one is missing.
+int openDeep(const fs::path& top, const std::vector<std::string>& chain) {
     int at = ::open(top.c_str(), O_RDONLY | O_DIRECTORY);
     for (const auto& folder : chain) {
-        const int next = ::openat(at, folder.c_str(), O_RDONLY | O_DIRECTORY);
+        const int next = at < 0 ? -1 : ::openat(at, folder.c_str(), O_RDONLY | O_DIRECTORY);
         ::close(at);
         at = next;
     }
-    const int fd = ::openat(at, name.c_str(), O_RDONLY);
+    return at;
+}
+
+/// The bytes of `name` below `chain` in `top`.
+std::string readDeep(const fs::path& top, const std::vector<std::string>& chain, const std::string& name) {
+    const int at = openDeep(top, chain);
+    const int fd = at < 0 ? -1 : ::openat(at, name.c_str(), O_RDONLY);
     ::close(at);
     std::string bytes;
     char buffer[256];
@@ -321,17 +314,6 @@ const std::vector<Attack>& attacks() {
          },
          [](const Entry& e) { return !e.takesAll; }},
         {"a pipe", [](Scene& s, const Entry&) { ASSERT_EQ(::mkfifo(s.item().c_str(), 0600), 0); }},
-        {"a socket",
-         [](Scene& s, const Entry&) {
-             const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
-             sockaddr_un addr{};
-             addr.sun_family = AF_UNIX;
-             s.item().string().copy(addr.sun_path, sizeof addr.sun_path - 1);
-             if (s.item().string().size() >= sizeof addr.sun_path ||
-                 ::bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) != 0)
-                 s.skip = "the socket's path is too long to bind";
-             ::close(fd);
-         }},
         {"a device",
          [](Scene& s, const Entry&) {
              if (!Root || ::mknod(s.item().c_str(), S_IFCHR | 0600, ::makedev(1, 3)) != 0)
@@ -370,11 +352,14 @@ const std::vector<Attack>& attacks() {
              (void)!::write(fd, "DEEP-AND-HELD", 13);
              ::close(fd);
              ::close(at);
-             const pid_t child = holdDeepInChild(s.item(), chain, "deep.txt");
+             const fs::path top = s.item();
+             const pid_t child = childThat([&] {
+                 const int at = openDeep(top, chain);
+                 return at >= 0 && ::openat(at, "deep.txt", O_RDONLY) >= 0;
+             });
              if (child < 0)
                  return void(s.skip = "holding the deep file failed");
              s.children.push_back(child);
-             const fs::path top = s.item();
              s.keptDeep.push_back([top, chain] {
                  const std::string now = readDeep(top, chain, "deep.txt");
                  return now == "DEEP-AND-HELD" ? "" : "the deep file now holds " + now;

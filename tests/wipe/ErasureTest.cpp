@@ -51,19 +51,24 @@ struct ErasureTest : ::testing::Test {
 
 } // namespace
 
-TEST_F(ErasureTest, ShreddedFileLeavesNoTraceOnTheDiskAndReadsBackAsTheLastPassWroteIt) {
+TEST_F(ErasureTest, ShreddedFilesAndFoldersLeaveNoTraceOnTheDiskAndReadBackAsTheLastPassWroteThem) {
     const fs::path file = image.mountPoint() / "secret.txt";
     // Blocks of over a mebibyte: their writes start at odd places and read back across chunks.
     plant(file, 5300 * 1000);
+    const fs::path folder = image.mountPoint() / "private";
+    fs::create_directory(folder);
+    plant(folder / "one.txt", 34 * 3000);
+    plant(folder / "two.txt", 34 * 50);
     expectPlantedThenGone([&] {
         testsupport::SecureDeleteRecorder view;
         testsupport::RecordingVerdicts verdict;
         wipe::SecureDelete shred(*platform, view, quiet, &verdict);
         shred.setVerify(true);
         EXPECT_TRUE(shred.WipeFile(file.string()));
-        EXPECT_FALSE(fs::exists(file));
         ASSERT_FALSE(verdict.all.empty());
         EXPECT_TRUE(verdict.all.back().overwritten && verdict.all.back().verified) << verdict.all.back().why;
+        EXPECT_TRUE(shred.WipeFolder(folder.string()));
+        EXPECT_FALSE(fs::exists(file) || fs::exists(folder));
     });
 }
 
@@ -82,19 +87,6 @@ TEST_F(ErasureTest, TheReadBackNamesTheFirstByteThatDiffers) {
     EXPECT_EQ(wipe::readBackDifference(*raw, 300000, expect(-1)), -1);
     EXPECT_EQ(wipe::readBackDifference(*raw, 300000, expect(299999)), 299999);
     EXPECT_EQ(wipe::readBackDifference(*raw, 300001, expect(-1)), 300000); // shorter than it should be
-}
-
-TEST_F(ErasureTest, WipedFolderLeavesNoTraceOfItsFiles) {
-    const fs::path folder = image.mountPoint() / "private";
-    fs::create_directory(folder);
-    plant(folder / "one.txt", 34 * 3000);
-    plant(folder / "two.txt", 34 * 50);
-    expectPlantedThenGone([&] {
-        testsupport::SecureDeleteRecorder view;
-        wipe::SecureDelete shred(*platform, view, quiet);
-        EXPECT_TRUE(shred.WipeFolder(folder.string()));
-        EXPECT_FALSE(fs::exists(folder));
-    });
 }
 
 TEST_F(ErasureTest, FreeSpaceWipeOverwritesWhatAnOrdinaryDeleteLeftAndReadsItsLastPassBack) {

@@ -1,17 +1,17 @@
 // The secure delete on real files: the bytes each pass kind leaves, the rounded coverage, tiny
-// files, the "EndWipe" flag, the confirmations, and links and swaps in a folder being wiped.
+// files, the "EndWipe" flag, and links and swaps in a folder being wiped.
 
 #include "platform/Platform.h"
 #include "tests/support/Scratch.h"
 #include "tests/wipe/Recorders.h"
 #include "wipe/SecureDelete.h"
-#include "wipe/WipeTexts.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <set>
 
 namespace fs = std::filesystem;
 using testsupport::readFile;
@@ -51,15 +51,16 @@ TEST_F(SecureDeleteTest, EachPassLeavesItsThirdBlockOverTheWholeFile) {
     EXPECT_FALSE(fs::exists(file));
     ASSERT_EQ(after.size(), 35u);
     EXPECT_EQ(after.at(1), "0123456789");
+    std::set<char> drawn;
     for (int pass : {1, 2, 3, 4, 32, 33, 34}) { // random: one value over the whole file
         const std::string& bytes = after.at(pass + 1);
         EXPECT_EQ(bytes, filled(bytes[0], 10)) << "pass " << pass;
+        drawn.insert(bytes[0]);
     }
+    EXPECT_GT(drawn.size(), 1u) << "the random passes all drew the same value";
     EXPECT_EQ(after.at(6), filled('\x55', 10));  // pass 5
-    EXPECT_EQ(after.at(7), filled('\xAA', 10));  // pass 6
     EXPECT_EQ(after.at(8), filled('\x24', 10));  // pass 7: 0x92, 0x49, then 0x24 over them
-    EXPECT_EQ(after.at(11), filled('\x00', 10)); // pass 10
-    EXPECT_EQ(after.at(26), filled('\xFF', 10)); // pass 25
+    EXPECT_EQ(after.at(26), filled('\xFF', 10)); // pass 25, the last of the steps of 0x11
     EXPECT_EQ(after.at(32), filled('\xB6', 10)); // pass 31: 0xDB, 0x6D, 0xB6
     ASSERT_EQ(view.valueLines.size(), 35u);
     EXPECT_EQ(view.valueLines[6], "Block1: 0x31 , Block2: 0x49 , Block3: 0x24");
@@ -109,25 +110,6 @@ TEST_F(SecureDeleteTest, EndWipeStopsTheFileAndLaterFilesAreOnlyCutAndDeleted) {
     EXPECT_EQ(written.count(b.string()), 0u); // b never got a single block
     ASSERT_FALSE(view.passes.empty());
     EXPECT_EQ(view.passes.back(), std::make_pair(b.string(), 1));
-}
-
-TEST_F(SecureDeleteTest, NothingIsTouchedWithoutANameOrAYes) {
-    const auto file = dir.write("keep.txt", "keep me");
-    EXPECT_FALSE(shred.WipeSelectedFiles("", {file.string()}));
-    EXPECT_EQ(view.ask.told, std::vector<std::string>{"You must select a file!"});
-
-    view.ask.answers = {false};
-    EXPECT_FALSE(shred.WipeSelectedFiles("keep.txt", {file.string()}));
-    EXPECT_EQ(view.ask.asked.back(),
-              "Are you ABSOLUTELY sure you wish to Delete Selected Files completely and FOREVER?");
-    EXPECT_TRUE(shred.WipeSelectedFiles("keep.txt", {})); // a name but no selection: asks, wipes nothing
-    EXPECT_EQ(readFile(file), "keep me");
-
-    view.ask.answers = {false};
-    EXPECT_FALSE(shred.WipeFolder(dir.str()));
-    EXPECT_EQ(view.ask.asked.back(), "Wipe " + dir.str() + " completely and FOREVER?");
-    EXPECT_EQ(view.ask.askedStyles.back(), 52);
-    EXPECT_EQ(readFile(file), "keep me");
 }
 
 TEST_F(SecureDeleteTest, NothingSwappedInDuringAWipeIsWrittenOrDeleted) {

@@ -1,8 +1,7 @@
-// The Windows file facilities on real files: exclusive handles, error texts from the system, names
-// outside the ANSI code page, and links to folders that no listing or deletion goes through.
+// The Windows file facilities on real files: exclusive handles, error texts from the system, the
+// system's wildcards, and links to folders that no listing or deletion goes through.
 
 #include "platform/Platform.h"
-#include "platform/windows/WinFiles.h"
 #include "tests/support/Scratch.h"
 #include "tests/support/Wine.h"
 
@@ -11,7 +10,6 @@
 #include <windows.h>
 
 #include <filesystem>
-#include <fstream>
 #include <map>
 
 namespace fs = std::filesystem;
@@ -78,34 +76,6 @@ TEST_F(WindowsFilesTest, ErrorTextsComeFromFormatMessage) {
     EXPECT_FALSE(raw.open(dir.str())); // a folder is no file to write
 }
 
-TEST(WindowsReparseTags, OnlyNameSurrogatesAreLinks) {
-    using platform::windows::isLinkTag;
-    using platform::windows::linkAttributes;
-    for (const DWORD tag : {0xA000000CUL /* symbolic link */, 0xA0000003UL /* junction, mount point */,
-                            0xA000001DUL /* WSL symbolic link */, 0UL /* not read: taken for a link */})
-        EXPECT_TRUE(isLinkTag(tag)) << std::hex << tag;
-    for (const DWORD tag : {0x9000001AUL /* cloud file */, 0x9000601AUL /* cloud file, sixth kind */,
-                            0x80000013UL /* deduplicated */, 0x80000017UL /* compressed (WOF) */,
-                            0x8000001BUL /* app execution alias */})
-        EXPECT_FALSE(isLinkTag(tag)) << std::hex << tag;
-    const DWORD folder = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
-    EXPECT_EQ(linkAttributes(folder, 0x9000001A), DWORD{FILE_ATTRIBUTE_DIRECTORY}); // a cloud folder is a folder
-    EXPECT_EQ(linkAttributes(folder, 0xA0000003), folder);
-    EXPECT_EQ(linkAttributes(FILE_ATTRIBUTE_ARCHIVE, 0), DWORD{FILE_ATTRIBUTE_ARCHIVE});
-}
-
-TEST(WindowsPaths, AbsolutePathsTakeTheLongFormAndOthersStay) {
-    using platform::windows::systemPath;
-    EXPECT_EQ(systemPath("C:\\a\\.\\b\\..\\c.txt"), L"\\\\?\\C:\\a\\c.txt");
-    EXPECT_EQ(systemPath("C:/a/b"), L"\\\\?\\C:\\a\\b");
-    EXPECT_EQ(systemPath("\\\\server\\share\\f"), L"\\\\?\\UNC\\server\\share\\f");
-    EXPECT_EQ(systemPath("\\\\?\\C:\\x"), L"\\\\?\\C:\\x");
-    EXPECT_EQ(systemPath("\\\\.\\PhysicalDrive0"), L"\\\\.\\PhysicalDrive0");
-    EXPECT_EQ(systemPath("relative\\f"), L"relative\\f");
-    EXPECT_EQ(systemPath("C:"), L"C:");
-    EXPECT_EQ(systemPath("C:\\\xD0\x96.txt"), L"\\\\?\\C:\\\u0416.txt");
-}
-
 TEST_F(WindowsFilesTest, WildcardsFollowTheSystemsRulesWithoutLetterCase) {
     dir.write("index.dat", "12345");
     dir.write("INDEX.DAT.bak", "");
@@ -160,31 +130,4 @@ TEST_F(WindowsFilesTest, ALinkToAFolderIsAlwaysALink) {
     std::filesystem::remove(dir.path() / "target" / "keep.txt");
     files.removeFile(at("wiped\\link"));
     EXPECT_TRUE(std::filesystem::is_directory(dir.path() / "target"));
-}
-
-TEST_F(WindowsFilesTest, ReadOnlyAndHiddenBecomeNormalAndFoldersComeAndGo) {
-    const std::string path = dir.write("ro.dat", "x").string();
-    ASSERT_TRUE(::SetFileAttributesW(fs::path(path).c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN));
-    const auto before = files.info(path);
-    ASSERT_TRUE(before);
-    EXPECT_TRUE(before->attributes & platform::Attr::ReadOnly);
-    EXPECT_TRUE(before->attributes & platform::Attr::Hidden);
-    EXPECT_TRUE(files.makeNormal(path));
-    EXPECT_EQ(files.info(path)->attributes & (platform::Attr::ReadOnly | platform::Attr::Hidden), 0u);
-
-    const std::string sub = at("made");
-    EXPECT_TRUE(files.createDirectory(sub));
-    dir.write("made\\f", "x");
-    EXPECT_FALSE(files.removeDirectory(sub)); // not empty
-    EXPECT_TRUE(files.removeFile(sub + "\\f"));
-    EXPECT_TRUE(files.removeDirectory(sub));
-    EXPECT_TRUE(files.removeDirectory(sub));
-    EXPECT_FALSE(files.info(sub).has_value());
-}
-
-TEST_F(WindowsFilesTest, AFileHeldOpenElsewhereIsInUse) {
-    const std::string path = dir.write("busy.tmp", "x").string();
-    EXPECT_FALSE(files.isInUse(path));
-    std::ifstream holder(path);
-    EXPECT_TRUE(files.isInUse(path));
 }

@@ -1,4 +1,4 @@
-// Memory figures, processes, known folders and drives as the system itself reports them.
+// Memory figures, processes and drives as the system itself reports them.
 
 #include "platform/Platform.h"
 #include "tests/support/Process.h"
@@ -10,7 +10,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 
 TEST(WindowsMemoryStatus, FiguresAreGlobalMemoryStatusExFieldForField) {
@@ -52,18 +51,6 @@ TEST(WindowsProcesses, AStartedProgramIsListedByItsFileName) {
     for (int i = 0; i < 200 && !gone; ++i, ::Sleep(5))
         gone = !processes.programName(pid).has_value();
     EXPECT_TRUE(gone);
-}
-
-TEST(WindowsKnownFolders, FoldersComeFromTheEnvironmentAndTheSystem) {
-    auto p = platform::createNative();
-    auto& folders = p->knownFolders();
-    EXPECT_EQ(std::filesystem::path(folders.tempPath()), std::filesystem::path(std::getenv("TMP")));
-    EXPECT_EQ(folders.homePath(), std::getenv("USERPROFILE"));
-    EXPECT_EQ(folders.usersPath(), std::filesystem::path(folders.homePath()).parent_path().string());
-    wchar_t system[MAX_PATH];
-    ::GetSystemDirectoryW(system, MAX_PATH);
-    EXPECT_EQ(folders.systemDirectory(), std::filesystem::path(system).string());
-    EXPECT_EQ(folders.fromRegistryPath("C:\\users\\me\\Cookies"), "C:\\users\\me\\Cookies");
 }
 
 TEST(WindowsDrives, TheSystemDriveIsAFixedDriveWithSpace) {

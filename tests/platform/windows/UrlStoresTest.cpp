@@ -95,15 +95,6 @@ TEST(WindowsUrlCache, EntriesCommittedByWinInetAreListedAsRecordsAndDeleted) {
     EXPECT_EQ(after.count(Ascii) + after.count(Unicode), 0u);
 }
 
-TEST(WindowsUrlCache, AnUnknownEnumerationIsRefused) {
-    auto p = platform::createNative();
-    std::uint32_t size = 100;
-    char buffer[100];
-    EXPECT_FALSE(p->urlCache().findNext(12345, buffer, size));
-    EXPECT_EQ(size, 0u);
-    p->urlCache().findClose(12345);
-}
-
 TEST(WindowsUrlHistory, TheStoreWorksOrFailsWithoutPretending) {
     auto p = platform::createNative();
     auto& history = p->urlHistory();
