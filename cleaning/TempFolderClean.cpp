@@ -164,10 +164,13 @@ bool TempFolderClean::clearBelow(Folder& dir, bool remove) {
                 goes = m_engine.removeEmptyFolder(dir, fi.name);
         } else if (fi.isRegular) {
             // The scan asked about open files moments ago; the removal does not ask again.
-            goes = remove ? m_engine.remove(dir, fi.name).removed
-                          : !dir.isInUse(fi.name);
+            const std::string path = m_platform.fileSystem().join(dir.path(), fi.name);
+            goes = remove ? m_engine.remove(dir, fi.name).removed : !dir.isInUse(fi.name);
             if (remove && goes)
-                m_view.itemDone(TraceStep::TempFiles, m_platform.fileSystem().join(dir.path(), fi.name));
+                m_view.itemDone(TraceStep::TempFiles, path);
+            // The one file that keeps its folder tree is told, as one held at the top would be.
+            if (!remove && !goes)
+                skipped(path, "is open in a running program; left alone");
         }
         all = goes && all;
         if (!all && !remove)

@@ -136,8 +136,9 @@ TEST_F(TraceCleanerTest, TempFolderCleanTakesOnlyTheUsersOwnClosedPlainFiles) {
     EXPECT_EQ(entry(left, "keeps-held/deep/held.txt").substr(0, 15), "file:held deep:");
     EXPECT_EQ(entry(left, "keeps-socket/deep/x.txt").substr(0, 7), "file:x:"); // removed whole or not at all
     EXPECT_EQ(readFile(target), "not in the temp folder");
-    // What was never the user's to clean is not reported as skipped.
+    // What was never the user's to clean is not reported as skipped; a held file is, at any depth.
     EXPECT_FALSE(problems.items.count((root / "program.sock").string()));
+    EXPECT_TRUE(problems.items.count(heldDeep.string()));
 }
 
 TEST_F(TraceCleanerTest, TempFolderCleanStopsAtAnInterruptionAndNeverCleansTheCurrentFolder) {
