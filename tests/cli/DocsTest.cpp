@@ -3,7 +3,6 @@
 // must read without groff warnings and carry the README's limits of overwriting; the completion
 // must complete in a real bash.
 
-#include "cli/Docs.h"
 #include "tests/support/Process.h"
 #include "tests/support/Scratch.h"
 
@@ -143,20 +142,9 @@ TEST(BashCompletion, CompletesCommandsOptionsAndFilesAtEveryLevel) {
               "Recent Documents|IE Typed URL's|MS Media Player|Find Files or Folders|Find Computers|MS Paint|"
               "Run Menu|Word Pad|WinZip File|WinZip Extract|Recycle Bin|Do Em All");
     EXPECT_EQ(completions("scourmill-cli clean-item -y \\\"IE\\\\\\ T", "|"), "IE Typed URL's"); // "IE\ T
-    EXPECT_EQ(completions("scourmill-cli clean-item Win", "|"), "WinZip File|WinZip Extract");
     testsupport::ScratchDir dir;
     dir.write("report.dat", "x");
     // Arguments and option values are files.
     EXPECT_EQ(completions("scourmill-cli indexdat find --pattern " + shellQuoted(dir.path() / "rep")),
               (dir.path() / "report.dat").string());
-}
-
-TEST(Markdown, ASectionBecomesParagraphsAndBulletsOfTheManPage) {
-    const std::string readme = "# Title\n\n## Limits\n\nFirst **bold** and `code`\ncontinued.\n\n"
-                               "- one\n  more\n- two\n\n### Below\n\ninside\n\n## Next\n\nafter\n";
-    const std::string section = cli::markdownSection(readme, "Limits");
-    EXPECT_EQ(section, "\nFirst **bold** and `code`\ncontinued.\n\n- one\n  more\n- two\n\n### Below\n\ninside\n\n");
-    EXPECT_EQ(cli::markdownToRoff(section), ".PP\nFirst \\fBbold\\fR and \\fBcode\\fR continued.\n"
-                                            ".IP \\(bu 2\none more\n.IP \\(bu 2\ntwo\n.SS \"Below\"\n.PP\ninside\n");
-    EXPECT_EQ(cli::markdownSection(readme, "Missing"), "");
 }

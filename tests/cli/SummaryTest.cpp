@@ -72,8 +72,6 @@ TEST(CountingPlatform, CountsOnlyRegistryValuesThatChanged) {
 }
 
 TEST(ProgressBar, ShowsDoneOfTotalAndTheRate) {
-    EXPECT_EQ(cli::ProgressBar::figures(700.0 * 1024 * 1024, 2048.0 * 1024 * 1024, cli::ProgressBar::Unit::Bytes, 2),
-              "700.0 MiB / 2.0 GiB  350.0 MiB/s");
     EXPECT_EQ(cli::ProgressBar::figures(12.6, 70, cli::ProgressBar::Unit::Items, 4), "12 / 70  3.1/s");
     EXPECT_EQ(cli::ProgressBar::figures(512, 1024, cli::ProgressBar::Unit::Bytes, 0.01), "512 B / 1.0 KiB");
 

@@ -232,7 +232,6 @@ TEST(TempFolderCli, ATemporaryFolderThatIsNoneIsRefusedWholeAndSharedOnesLoseOnl
         {"the home folder spelled otherwise", "home/u/Documents/..", {}, 1, "is your home folder", {}},
         {"above the home folder", "home", {}, 1, "holds your home folder", {}},
         {"the root folder", "/", {}, 1, "is the system folder /;", {}},
-        {"a system folder", "/usr", {}, 1, "is the system folder /usr;", {}},
         {"inside a system folder", "/usr/share", {}, 1, "lies inside the system folder /usr;", {}},
         {"another user's folder", "other", {}, 1, "belongs to another user and is not a shared temporary folder", {}},
         {"shared, root without sudo", "shared", {}, 1, "is shared by all users, and run as root without sudo", {}},

@@ -1,6 +1,6 @@
 // The buttons of the two windows made of them, as a user first sees them: every button that keeps
-// its border shows it in the very first picture of the window, captions keep their weight while
-// the pointer is over them, and the main window's two groups of buttons stand in level rows.
+// its border shows it in the very first picture of the window, and captions keep their weight
+// while the pointer is over them.
 
 #include "controls/ggcommand/GGCommand.h"
 #include "controls/prompts/MessageBoxPrompts.h"
@@ -104,19 +104,6 @@ private slots:
                                         .arg(normal)
                                         .arg(hovered)));
             }
-        }
-    }
-
-    void theTwoGroupsButtonsStandInLevelRows() {
-        const auto top = [this](int n) {
-            auto* b = m_app->main.findChild<GGCommand*>(QString("GGCommand%1").arg(n));
-            return b->mapTo(&m_app->main, QPoint(0, 0)).y();
-        };
-        const int internet[] = {5, 4, 3, 2};
-        const int scourmill[][2] = {{14, 9}, {12, 8}, {11, 6}, {10, 7}};
-        for (int row = 0; row < 4; ++row) {
-            QCOMPARE(top(scourmill[row][0]), top(internet[row]));
-            QCOMPARE(top(scourmill[row][1]), top(internet[row]));
         }
     }
 };

@@ -7,7 +7,6 @@
 #include "tests/gui/MainWindowUnderTest.h"
 #include "tests/support/QtTestMain.h"
 
-#include <QAction>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QMenu>
