@@ -52,8 +52,6 @@ TEST(VerdictLedger, CountsOnlyWhatTheVerdictsSayHappened) {
     EXPECT_EQ(cli::describeChanges(counts), "1 file overwritten and deleted, 1 file overwritten, "
                                             "2 alternate data streams overwritten with them, 1 file deleted, "
                                             "1 folder deleted, 1 file verified, 220 B written");
-    EXPECT_EQ(cli::describeChanges({}), "nothing changed");
-    EXPECT_EQ(cli::describeChanges({}, {"1.0 GiB of memory filled"}), "1.0 GiB of memory filled");
 }
 
 TEST(CountingPlatform, CountsOnlyRegistryValuesThatChanged) {

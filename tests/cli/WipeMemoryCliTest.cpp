@@ -135,20 +135,17 @@ TEST(WipeMemoryCli, InAMemoryLimitedCgroupTheSuggestedRunFitsAndALargerOneStopsB
     EXPECT_EQ(group.oomKills(), 0);
 }
 
-TEST(WipeMemoryCli, AsksWithTheBytesItWillFillAndRefusesSizesThatAreNoSize) {
+TEST(WipeMemoryCli, AsksWithTheBytesItWillFillRefusesNoSizeAndRunsToTheEndOrToTheFloor) {
     auto r = runCli("wipe-memory --size 10");
     EXPECT_EQ(r.code, 1); // no terminal to ask on: answered No, nothing filled
     EXPECT_TRUE(contains(r.err, "Fill 420,000,000 bytes of memory")) << r.err;
-
-    for (const char* bad : {"abc", "3000", "-1", "''"}) {
+    for (const char* bad : {"abc", "-1"}) {
         r = runCli(std::string("wipe-memory --yes --size ") + bad);
         EXPECT_EQ(r.code, 2) << bad;
         EXPECT_TRUE(contains(r.err, "--size")) << r.err;
     }
-}
 
-TEST(WipeMemoryCli, RunsToTheEndOrSaysThatTheFloorStoppedIt) {
-    auto r = runCli("wipe-memory --yes --size 1.5");
+    r = runCli("wipe-memory --yes --size 1.5");
     EXPECT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "");
     // 21 strings of 1.5 million two-byte characters.

@@ -109,13 +109,15 @@ private slots:
         QCOMPARE(testsupport::readFile(dir.path() / "later.txt"), std::string("not reached"));
     }
 
-    void secureDeleteWindowFiltersAndWipesTheSelectionOnly() {
+    void secureDeleteWindowFiltersAndWipesTheSelectionThenTheFolder() {
         ScratchDir dir;
-        dir.write("a.txt", "alpha");
-        dir.write("b.TXT", "bravo");
-        dir.write("c.DOC", "charlie");
+        dir.write("victim/a.txt", "alpha");
+        dir.write("victim/b.TXT", "bravo");
+        dir.write("victim/c.DOC", "charlie");
+        dir.write("victim/deeper/x.txt", "x");
+        const fs::path victim = dir.path() / "victim";
         testsupport::RecordingPrompts ask;
-        wipe::ui::frmSize window(*m_platform, nullptr, &ask, QString::fromStdString(dir.str()));
+        wipe::ui::frmSize window(*m_platform, nullptr, &ask, QString::fromStdString(victim.string()));
         window.show();
         auto* types = child<QComboBox>(window, "cboFileType");
         auto* files = child<QListWidget>(window, "filFiles");
@@ -131,21 +133,14 @@ private slots:
         files->item(2)->setSelected(true);
         child<QLineEdit>(window, "txtFileName")->setText(files->item(0)->text());
         child<QPushButton>(window, "CmdOK")->click();
-        QVERIFY(!fs::exists(dir.path() / "a.txt"));
-        QVERIFY(!fs::exists(dir.path() / "c.DOC"));
-        QVERIFY(fs::exists(dir.path() / "b.TXT"));
+        QVERIFY(!fs::exists(victim / "a.txt"));
+        QVERIFY(!fs::exists(victim / "c.DOC"));
         QCOMPARE(files->count(), 1);
-    }
 
-    void secureDeleteWindowWipesTheCurrentFolder() {
-        ScratchDir dir;
-        dir.write("victim/own.txt", "own");
-        dir.write("victim/deeper/x.txt", "x");
-        testsupport::RecordingPrompts ask;
-        wipe::ui::frmSize window(*m_platform, nullptr, &ask, QString::fromStdString((dir.path() / "victim").string()));
+        // The folder itself: answered No it stays, Yes it goes with all still in it.
         ask.answers = {false};
         child<QPushButton>(window, "Command1")->click();
-        QVERIFY(fs::exists(dir.path() / "victim" / "own.txt"));
+        QVERIFY(fs::exists(victim / "b.TXT"));
         child<QPushButton>(window, "Command1")->click();
         QVERIFY(!fs::exists(dir.path() / "victim"));
         QCOMPARE(window.path(), QString::fromStdString(dir.str()));
