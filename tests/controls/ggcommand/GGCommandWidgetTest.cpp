@@ -132,7 +132,7 @@ private slots:
         QVERIFY(log.names().contains("Click"));
     }
 
-    void pressSwapsTheGradientAndDisabledLooksTheSame() {
+    void theGradientFollowsItsOrientationSwapsWhilePressedAndLooksTheSameDisabled() {
         m_button->setGradientFromColor(0xFFFFFF);
         m_button->setGradientToColor(0x000000);
         m_button->setGradientOrientation(1);
