@@ -7,8 +7,8 @@
 #include "tests/gui/MainWindowUnderTest.h"
 #include "tests/support/LoopImage.h"
 #include "tests/support/QtTestMain.h"
+#include "tests/support/Recorders.h"
 #include "tests/support/Scratch.h"
-#include "tests/wipe/Recorders.h"
 #include "wipe/ui/TaviSecureWipe.h"
 #include "wipe/ui/frmSize.h"
 
