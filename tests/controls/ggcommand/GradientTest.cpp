@@ -34,7 +34,8 @@ TEST(Gradient, OrientationDecidesTheLines) {
     ASSERT_EQ(vertical.size(), 31u);
     EXPECT_EQ(vertical[7], (GradientLine{7, 0, 7, 10, vertical[7].color}));
 
-    EXPECT_TRUE(gradientLines({0, 0, 0}, {255, 255, 255}, false, 2, 30, 10).empty()); // no such orientation
+    for (int none : {2, -1}) // no such orientation
+        EXPECT_TRUE(gradientLines({0, 0, 0}, {255, 255, 255}, false, none, 30, 10).empty());
     // A zero extent along the colour's direction draws nothing (the step would divide by zero).
     EXPECT_TRUE(gradientLines({0, 0, 0}, {255, 255, 255}, false, GradientTopToBottom, 30, 0).empty());
     EXPECT_EQ(gradientLines({0, 0, 0}, {255, 255, 255}, false, GradientTopToBottom, 0, 5).size(), 6u);

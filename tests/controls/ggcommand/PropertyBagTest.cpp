@@ -46,12 +46,14 @@ TEST(PropertyBag, UnreadableValuesTakeTheDefault) {
     bag.write("Font", "MS Sans Serif, big");
     bag.write("ForeColor", "&HFF&");          // the classic hexadecimal form
     bag.write("BackColor", "-2147483633");    // 0x8000000F as a signed word
+    bag.write("UseHoverProperties", "0");
     const ButtonProperties loaded = loadProperties(bag, defaults());
     EXPECT_EQ(loaded.captionXOffset, 0);
     EXPECT_TRUE(loaded.useGradientFill);
     EXPECT_EQ(loaded.font, defaults().font);
     EXPECT_EQ(loaded.foreColor, 0xFFu);
     EXPECT_EQ(loaded.backColor, 0x8000000Fu);
+    EXPECT_FALSE(loaded.useHoverProperties);
 }
 
 TEST(FontSpec, TextRoundTrip) {
@@ -60,6 +62,7 @@ TEST(FontSpec, TextRoundTrip) {
     EXPECT_EQ(FontSpec::parse(font.toText()), font);
     EXPECT_EQ(FontSpec::parse("Arial,12")->pointSize, 12);
     EXPECT_FALSE(FontSpec::parse("Arial, 12, heavy"));
+    EXPECT_FALSE(FontSpec::parse(", 12"));
 }
 
 TEST(DesignFile, SectionsKeysCommentsAndQuotedBlanks) {
