@@ -119,8 +119,6 @@ TEST(CommandSummary, EveryChangingCommandSaysSoEvenWhenNothingChangedAndReadersS
         {"clean-item 'Run Menu'", "clean-item", 0},
         {"wipe-cache --yes", "wipe-cache", 0},
         {"clean-all", "clean-all", 1},
-        {"history add http://a.example/ A", "history add", 1},
-        {"history remove http://a.example/", "history remove", 1},
         {"history clear", "history clear", 1},
     };
     for (const auto& [arguments, path, code] : changing) {

@@ -1,6 +1,5 @@
 // The index.dat manager window on the offscreen platform, driven by its controls' names: how it
-// opens, the help toggle, the overwrite questions answered in real message boxes, and the raw view
-// of a large file.
+// opens, the help toggle, and the overwrite questions answered in real message boxes.
 
 #include "controls/ggcommand/GGCommand.h"
 #include "indexdat/ActivityWipe.h"
@@ -16,8 +15,6 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTextBlock>
-#include <QTextDocument>
 #include <QTimer>
 
 #include <filesystem>
@@ -100,25 +97,6 @@ private slots:
         fs::rename(away, m_file);
         QCOMPARE(asked, QStringList{"Tavi Message|Please populate then select file in top listbox to display "
                                     "contents in bottom list box"});
-    }
-
-    void theRawViewShowsEveryByteOfALargeFileInLines() {
-        const fs::path big = m_file.parent_path() / "big" / "index.dat";
-        fs::create_directories(big.parent_path());
-        std::string bytes(4 << 20, '\0');
-        for (std::size_t i = 0; i < bytes.size(); ++i)
-            bytes[i] = static_cast<char>(i * 7);
-        std::ofstream(big, std::ios::binary) << bytes;
-        indexdat::ui::TaviIndex window(*m_platform);
-        auto* list1 = child<QListWidget>(window, "List1");
-        const auto found = list1->findItems(QString::fromStdString(big.string()), Qt::MatchExactly);
-        QCOMPARE(found.size(), 1);
-        list1->setCurrentItem(found[0]);
-        QTest::mouseClick(child<GGCommand>(window, "GGCommand3"), Qt::LeftButton);
-        auto* raw = child<QPlainTextEdit>(window, "RichTextBox1");
-        QCOMPARE(raw->blockCount(), static_cast<int>((bytes.size() + 95) / 96));
-        QCOMPARE(raw->document()->firstBlock().text().size(), 96);
-        fs::remove_all(big.parent_path());
     }
 
     void deleteAllAsksOncePerMarkedFileAndEmptyListsAskForASelection() {

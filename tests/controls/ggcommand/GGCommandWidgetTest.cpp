@@ -81,16 +81,6 @@ private slots:
         QVERIFY(!log.names().mid(7).contains("Click"));
     }
 
-    void aWidgetCoveringTheButtonCountsAsOutside() {
-        auto* cover = new QWidget(m_window);
-        cover->setGeometry(120, 20, 60, 30); // the right part of the button
-        cover->show();
-        EventLog log(*m_button);
-        QTest::mouseMove(m_button, QPoint(20, 15));
-        QTest::mouseMove(m_button, QPoint(130, 15)); // over the cover
-        QCOMPARE(log.names().join(" "), QString("MouseEnter MouseExit"));
-    }
-
     void clickMayDeleteTheButton() {
         QPointer<GGCommand> button = m_button;
         connect(m_button, &GGCommand::Click, m_window, [this] {
