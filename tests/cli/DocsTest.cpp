@@ -44,7 +44,6 @@ TEST(ManPage, ReadsCleanlyNamesNestedCommandsAndTellsTheLimitsOfOverwriting) {
 
 TEST(BashCompletion, CompletesCommandsOptionsAndFilesAtEveryLevel) {
     EXPECT_EQ(completions("scourmill-cli sh"), "shred shred-dir show-cache");
-    EXPECT_EQ(completions("scourmill-cli history cl"), "clear");
     EXPECT_EQ(completions("scourmill-cli --quiet shred --y"), "--yes");
     // The chooser's items, blanks and quotes in them, matched as typed (opening quote, backslashes)
     // and handed back whole; readline quotes them (-o filenames).

@@ -85,20 +85,6 @@ private slots:
         QVERIFY(!window.hoverHelp().menu("hlp2")->isVisible());
     }
 
-    void opensWithTheSelectionMessageWhenNothingIsFound() {
-        const fs::path away = m_file.string() + ".away";
-        fs::rename(m_file, away);
-        QStringList asked;
-        answerBoxes({QMessageBox::Ok}, &asked);
-        {
-            indexdat::ui::TaviIndex window(*m_platform);
-            QCOMPARE(child<QListWidget>(window, "List1")->count(), 0);
-        }
-        fs::rename(away, m_file);
-        QCOMPARE(asked, QStringList{"Tavi Message|Please populate then select file in top listbox to display "
-                                    "contents in bottom list box"});
-    }
-
     void deleteAllAsksOncePerMarkedFileAndEmptyListsAskForASelection() {
         const fs::path root = m_file.parent_path() / "all";
         for (const char* sub : {"a", "b", "c"})
@@ -126,7 +112,6 @@ private slots:
         const fs::path secondAsked = expected[1].section(' ', 4, -2).toStdString();
         QCOMPARE(readAll(firstAsked).size(), indexdat::lengthAfterWipe(m_record.size()));
         QCOMPARE(readAll(secondAsked), m_record);
-        QCOMPARE(QApplication::overrideCursor(), nullptr);
         fs::remove_all(root);
     }
 };
