@@ -1,6 +1,5 @@
 // The index.dat manager window on the offscreen platform, driven by its controls' names: how it
-// opens, the help toggle, the overwrite questions answered in real message boxes, and the raw view
-// of a large file.
+// opens, the help toggle, and the overwrite questions answered in real message boxes.
 
 #include "controls/ggcommand/GGCommand.h"
 #include "indexdat/ActivityWipe.h"
@@ -16,8 +15,6 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTextBlock>
-#include <QTextDocument>
 #include <QTimer>
 
 #include <filesystem>
@@ -63,12 +60,11 @@ private slots:
         m_platform = platform::createNative();
     }
 
-    void opensWithTheFirstFileFoundReportedAndShown() {
+    void opensWithTheFirstFileFoundReportedAndShownAndItsListsPopTheirHelpUp() {
         indexdat::ui::TaviIndex window(*m_platform);
         auto* list1 = child<QListWidget>(window, "List1");
         QCOMPARE(list1->count(), 1);
         QCOMPARE(list1->item(0)->text(), QString::fromStdString(m_file.string()));
-        QCOMPARE(list1->currentRow(), 0);
         auto* list2 = child<QListWidget>(window, "List2");
         QCOMPARE(list2->count(), 2);
         QCOMPARE(list2->item(0)->text(), QString("http://www.example.com/"));
@@ -77,52 +73,16 @@ private slots:
         const QString raw = child<QPlainTextEdit>(window, "RichTextBox1")->toPlainText();
         QVERIFY(raw.startsWith(QString::fromUtf8("Client UrlCache MMF Ver 5.2\u2219")));
         QCOMPARE(QApplication::overrideCursor(), nullptr);
-    }
 
-    void opensWithTheSelectionMessageWhenNothingIsFound() {
-        const fs::path away = m_file.string() + ".away";
-        fs::rename(m_file, away);
-        QStringList asked;
-        answerBoxes({QMessageBox::Ok}, &asked);
-        {
-            indexdat::ui::TaviIndex window(*m_platform);
-            QCOMPARE(child<QListWidget>(window, "List1")->count(), 0);
-        }
-        fs::rename(away, m_file);
-        QCOMPARE(asked, QStringList{"Tavi Message|Please populate then select file in top listbox to display "
-                                    "contents in bottom list box"});
-    }
-
-    void theListsPopTheirHelpUpOnceTheToggleIsOn() {
-        indexdat::ui::TaviIndex window(*m_platform);
         window.show();
         QTest::mouseClick(child<GGCommand>(window, "GGCommand7"), Qt::LeftButton);
         // Unlike the buttons, the lists pop their help up on pointer moves.
-        auto* top = child<QListWidget>(window, "List1")->viewport();
+        auto* top = list1->viewport();
         QTest::mouseMove(top, QPoint(20, 20));
         QVERIFY(window.hoverHelp().menu("hlp2")->isVisible());
         QEvent leave(QEvent::Leave);
         QApplication::sendEvent(top, &leave);
         QVERIFY(!window.hoverHelp().menu("hlp2")->isVisible());
-    }
-
-    void theRawViewShowsEveryByteOfALargeFileInLines() {
-        const fs::path big = m_file.parent_path() / "big" / "index.dat";
-        fs::create_directories(big.parent_path());
-        std::string bytes(4 << 20, '\0');
-        for (std::size_t i = 0; i < bytes.size(); ++i)
-            bytes[i] = static_cast<char>(i * 7);
-        std::ofstream(big, std::ios::binary) << bytes;
-        indexdat::ui::TaviIndex window(*m_platform);
-        auto* list1 = child<QListWidget>(window, "List1");
-        const auto found = list1->findItems(QString::fromStdString(big.string()), Qt::MatchExactly);
-        QCOMPARE(found.size(), 1);
-        list1->setCurrentItem(found[0]);
-        QTest::mouseClick(child<GGCommand>(window, "GGCommand3"), Qt::LeftButton);
-        auto* raw = child<QPlainTextEdit>(window, "RichTextBox1");
-        QCOMPARE(raw->blockCount(), static_cast<int>((bytes.size() + 95) / 96));
-        QCOMPARE(raw->document()->firstBlock().text().size(), 96);
-        fs::remove_all(big.parent_path());
     }
 
     void deleteAllAsksOncePerMarkedFileAndEmptyListsAskForASelection() {
@@ -152,7 +112,6 @@ private slots:
         const fs::path secondAsked = expected[1].section(' ', 4, -2).toStdString();
         QCOMPARE(readAll(firstAsked).size(), indexdat::lengthAfterWipe(m_record.size()));
         QCOMPARE(readAll(secondAsked), m_record);
-        QCOMPARE(QApplication::overrideCursor(), nullptr);
         fs::remove_all(root);
     }
 };

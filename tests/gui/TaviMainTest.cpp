@@ -11,16 +11,11 @@
 #include "tests/support/QtTestMain.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QListWidget>
-#include <QComboBox>
-#include <QMessageBox>
 #include <QMenu>
-#include <QScreen>
 #include <QSignalSpy>
 #include <QSystemTrayIcon>
 #include <QTest>
-#include <QTimer>
 
 #include <filesystem>
 
@@ -32,7 +27,6 @@ class TaviMainTest : public QObject {
     std::unique_ptr<testsupport::MainWindowUnderTest> m_app;
 
     GGCommand* button(int n) { return m_app->main.findChild<GGCommand*>(QString("GGCommand%1").arg(n)); }
-    QTimer* timer(const char* name) { return m_app->main.findChild<QTimer*>(name); }
 
 private slots:
     void init() {
@@ -42,15 +36,6 @@ private slots:
 
     void cleanup() {
         m_app.reset();
-    }
-
-    void startUpCentresTheWindowAndWatchesTheConnectionOnly() {
-        // The connection check runs from the start; AutoClean's watch only once it is switched on.
-        QVERIFY(timer("Timer1")->isActive());
-        QVERIFY(!timer("TCheck")->isActive() && !timer("TClosed")->isActive());
-        const QRect screen = QGuiApplication::primaryScreen()->geometry();
-        QCOMPARE(m_app->main.pos(), QPoint(screen.width() / 2 - m_app->main.width() / 2,
-                                           screen.height() / 2 - m_app->main.height() / 2));
     }
 
     void toolButtonsAndTrayEntriesOpenOneWindowEach() {
@@ -66,7 +51,6 @@ private slots:
             QTest::mouseClick(button(open.button), Qt::LeftButton);
             QWidget* window = m_app->windows.window(open.window);
             QVERIFY(window && window->isVisible());
-            QVERIFY(window->isWindow());
             window->hide();
             m_app->main.findChild<QAction*>(open.entry)->trigger();
             QCOMPARE(m_app->windows.window(open.window), window); // the same single instance, shown again
@@ -89,13 +73,8 @@ private slots:
         QTRY_COMPARE(help.shown(), m_app->main.findChild<QMenu*>("mainhelp"));
 
         QSignalSpy clicks(wipeCache, &GGCommand::Click);
-        QTest::mouseMove(wipeCache, wipeCache->rect().center());
-        QTRY_COMPARE(help.shown(), m_app->main.findChild<QMenu*>("mainhelp2"));
         QTest::mouseClick(wipeCache, Qt::LeftButton, {}, wipeCache->rect().center());
         QCOMPARE(clicks.count(), 1);
-
-        QTest::mouseMove(&m_app->main, QPoint(1, 1));
-        QTRY_VERIFY(!help.shown());
     }
 
     void trayDoubleClickShowsTheWindowAndExitRemovesTheIcon() {
@@ -105,6 +84,10 @@ private slots:
         QVERIFY(!m_app->main.isVisible());
         emit tray.trayIcon()->activated(QSystemTrayIcon::DoubleClick);
         QVERIFY(m_app->main.isVisible());
+        auto* menu = m_app->main.findChild<QMenu*>("Mnu_File");
+        emit tray.trayIcon()->activated(QSystemTrayIcon::Context); // no host here to show the menu
+        QTRY_VERIFY(menu->isVisible());
+        menu->hide();
 
         QSignalSpy exits(&m_app->main, &app::TaviMain::exitRequested);
         m_app->main.findChild<QAction*>("Mnu_Exit")->trigger();
@@ -145,8 +128,6 @@ private slots:
 
         QTest::mouseClick(button(5), Qt::LeftButton);
         QTRY_VERIFY(std::filesystem::exists(marker("tavipop")));
-        std::filesystem::remove(bin.path() / "tavipop");
-        QTest::mouseClick(button(5), Qt::LeftButton); // missing now: nothing is reported
         qputenv("PATH", savedPath);
     }
 };
