@@ -23,10 +23,10 @@ using testsupport::runCli;
 
 namespace {
 
-/// A real memory cgroup made for one test with a memory limit and no swap, removed afterwards,
-/// below this process's own group in the v1 memory hierarchy the test machines have. Its
-/// hierarchy's mount line goes into the scratch mount table meanwhile, so that the platform sees
-/// it. Needs root.
+/// A real memory cgroup made for one test with a memory limit and no swap, removed afterwards:
+/// below this process's own group in a v1 memory hierarchy, or at the top of a v2 one whose top
+/// hands the memory controller down. Its hierarchy's mount line goes into the scratch mount table
+/// meanwhile, so that the platform sees it. Needs root.
 class MemoryCgroup {
 public:
     explicit MemoryCgroup(std::uint64_t limit) {
@@ -34,17 +34,25 @@ public:
             m_reason = "making a cgroup needs root";
             return;
         }
-        std::string memoryV1;
+        std::string unified, memoryV1;
         std::istringstream lines(testsupport::readFile("/proc/self/cgroup"));
-        for (std::string line; std::getline(lines, line);)
-            if (line.find(":memory:") != std::string::npos || line.find(",memory") != std::string::npos)
-                memoryV1 = line.substr(line.find(':', line.find(':') + 1) + 1);
+        for (std::string line; std::getline(lines, line);) {
+            const auto path = line.substr(line.find(':', line.find(':') + 1) + 1);
+            if (line.rfind("0::", 0) == 0)
+                unified = path;
+            else if (line.find(":memory:") != std::string::npos || line.find(",memory") != std::string::npos)
+                memoryV1 = path;
+        }
         const std::string table = testsupport::readFile("/proc/self/mountinfo");
         for (const auto& mount : platform::linux::parseMountInfo(table)) {
-            if (mount.fsType != "cgroup" || memoryV1.empty() || mount.root != "/" ||
-                ("," + mount.superOptions + ",").find(",memory,") == std::string::npos)
+            const bool v1 = mount.fsType == "cgroup" && !memoryV1.empty() && mount.root == "/" &&
+                            ("," + mount.superOptions + ",").find(",memory,") != std::string::npos;
+            const bool v2 = mount.fsType == "cgroup2" && mount.root == "/" &&
+                            testsupport::readFile(mount.mountPoint + "/cgroup.subtree_control").find("memory") != std::string::npos;
+            if (!v1 && !v2)
                 continue;
-            m_folder = mount.mountPoint + (memoryV1 != "/" ? memoryV1 : "") + "/scourmill-test-" + std::to_string(::getpid());
+            m_v2 = v2;
+            m_folder = mount.mountPoint + (v1 && memoryV1 != "/" ? memoryV1 : "") + "/scourmill-test-" + std::to_string(::getpid());
             std::istringstream rows(table);
             for (std::string row; std::getline(rows, row);)
                 if (row.rfind(std::to_string(mount.id) + " ", 0) == 0)
@@ -57,8 +65,8 @@ public:
             m_folder.clear();
             return;
         }
-        write("memory.limit_in_bytes", std::to_string(limit));
-        write("memory.memsw.limit_in_bytes", std::to_string(limit));
+        write(m_v2 ? "memory.max" : "memory.limit_in_bytes", std::to_string(limit));
+        write(m_v2 ? "memory.swap.max" : "memory.memsw.limit_in_bytes", std::to_string(m_v2 ? 0 : limit));
         m_id = m_line.substr(0, m_line.find(' '));
         testsupport::addMountTableLine(m_line);
     }
@@ -82,7 +90,7 @@ public:
     static constexpr int NotMoved = 77;
     /// Processes the kernel's out-of-memory killer ended in the group.
     int oomKills() const {
-        std::istringstream fields(testsupport::readFile(m_folder + "/memory.oom_control"));
+        std::istringstream fields(testsupport::readFile(m_folder + (m_v2 ? "/memory.events" : "/memory.oom_control")));
         for (std::string key; fields >> key;)
             if (int n = 0; key == "oom_kill" && fields >> n)
                 return n;
@@ -93,6 +101,7 @@ private:
     void write(const char* name, const std::string& value) const { std::ofstream(m_folder + "/" + name) << value; }
 
     std::string m_folder, m_line, m_id, m_reason;
+    bool m_v2 = false;
 };
 
 } // namespace
