@@ -202,15 +202,6 @@ const std::vector<Entry>& entries() {
              core::SilentPrompts silent;
              cleaning::CleanIT(native(), silent, &p).EmptyRecycleBin("", true, true, true);
          }},
-        {"recent documents", true, true,
-         [](Scene& s) {
-             s.folder = std::getenv("XDG_DATA_HOME"), s.name = "recently-used.xbel";
-             fs::remove_all(s.item()); // what an earlier case left
-         },
-         [](Scene&, testsupport::RecordingSink& p, testsupport::RecordingVerdicts&) {
-             core::SilentPrompts silent;
-             cleaning::CleanIT(native(), silent, &p).CleanRecentDocs();
-         }},
         {"browser cache", true, true,
          [](Scene& s) {
              // A Chromium profile of the scratch home, whose compiled-script cache holds the item.

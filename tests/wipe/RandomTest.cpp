@@ -1,5 +1,5 @@
-// The file object on real files: its numbered errors and their texts, OPEN_ALWAYS, the exclusive
-// open, reads past the end, and both kinds of seek.
+// The file object on real files: its numbered errors and their texts, reads past the end, and both
+// kinds of seek.
 
 #include "platform/Platform.h"
 #include "tests/support/Scratch.h"
@@ -11,7 +11,6 @@
 #include <cerrno>
 #include <filesystem>
 #include <functional>
-#include <sys/stat.h>
 
 using testsupport::readFile;
 using testsupport::ScratchDir;
@@ -34,7 +33,6 @@ int errorNumber(const std::function<void()>& call, std::string* description = nu
 struct RandomTest : ::testing::Test {
     std::unique_ptr<platform::Platform> platform = platform::createNative();
     ScratchDir dir;
-
 };
 
 } // namespace
@@ -52,23 +50,6 @@ TEST_F(RandomTest, ClosedObjectRaises45603AndASecondOpenNames45601TheFirstFile) 
     EXPECT_EQ(r.ReadBytes(10), (std::vector<std::uint8_t>{'a', 'b', 'c', 'd', 0, 0, 0, 0, 0, 0}));
     r.CloseFile();
     EXPECT_EQ(readFile(kept), "abcd");
-}
-
-TEST_F(RandomTest, OpenFailuresCarryTheSystemTextAndOnlyAPlainFileOpensAndOnlyOnce) {
-    const auto path = dir.write("locked.bin", "x").string();
-    Random first(platform->rawFiles()), second(platform->rawFiles());
-    first.OpenFile(path);
-    std::string text;
-    EXPECT_EQ(errorNumber([&] { second.OpenFile(path); }, &text), 45602);
-    EXPECT_EQ(text, "Error opening '" + path + "'.\r\nError " + std::to_string(EBUSY) + "\r\n" +
-                        platform->rawFiles().errorText(EBUSY));
-    first.CloseFile();
-
-    // Never a pipe or a device in a file's place.
-    ASSERT_EQ(::mkfifo((dir.path() / "pipe").c_str(), 0600), 0);
-    for (const std::string& bad : {(dir.path() / "pipe").string(), std::string("/dev/null")})
-        EXPECT_EQ(errorNumber([&] { second.OpenFile(bad); }), 45602) << bad;
-    EXPECT_FALSE(second.IsOpen());
 }
 
 TEST_F(RandomTest, WritesSeeksAndAutoFlush) {
@@ -95,7 +76,4 @@ TEST_F(RandomTest, WritesSeeksAndAutoFlush) {
     r.WriteBytes(std::vector<std::uint8_t>{'!'});
     EXPECT_EQ(std::filesystem::file_size(path), (std::uint64_t{1} << 32) + 1);
     r.SeekAbsolute(-1, -1); // a negative position: refused by the system, reported by nobody
-    r.CloseFile();
-    r.OpenFile(path.string());
-    EXPECT_FALSE(r.AutoFlush()); // CloseFile turned it off
 }
