@@ -79,20 +79,7 @@ TEST_F(FreeSpaceWipeTest, RemovableIncrementRoundsEachSeekHalfToEven) {
     EXPECT_TRUE(wipe.verified()) << wipe.verifyOutcome();
 }
 
-TEST_F(FreeSpaceWipeTest, ExitRequestIsConfirmedAtTheNextIncrementAndNoKeepsWiping) {
-    view.ask.answers = {false, true};
-    view.onProgress = [&](const wipe::FreeSpaceProgress& now) {
-        if ((now.pass == 3 && now.index == 2) || (now.pass == 4 && now.index == 1))
-            view.exitBox = true;
-    };
-    EXPECT_EQ(wipe.run(dir.str(), Currency::fromWhole(40), Currency::fromWhole(4)), FreeSpaceWipe::Outcome::Exited);
-    EXPECT_EQ(view.ask.asked, (std::vector<std::string>(2, "Press Yes to exit Wiping Function")));
-    EXPECT_EQ(view.passes.back(), 4);
-    EXPECT_FALSE(fs::exists(temp));
-    EXPECT_TRUE(view.wipeEnabled);
-}
-
-TEST_F(FreeSpaceWipeTest, QuitWhileRunningTicksTheExitBoxAndPauseWaitsForTheUntick) {
+TEST_F(FreeSpaceWipeTest, QuitWhileRunningTicksTheExitBoxWhichIsConfirmedAndPauseWaitsForTheUntick) {
     EXPECT_TRUE(wipe.requestQuit(true)); // buttons enabled: the window may close
     view.ask.answers = {false};
     EXPECT_FALSE(wipe.requestQuit(false));
@@ -100,6 +87,7 @@ TEST_F(FreeSpaceWipeTest, QuitWhileRunningTicksTheExitBoxAndPauseWaitsForTheUnti
     EXPECT_TRUE(wipe.requestQuit(false)); // Yes, and no run is left to read the box: close now
     view.exitBox = false;
     view.ask.asked.clear();
+    view.ask.answers = {true, false}; // quit, then No to the exit: the wipe goes on until asked again
     int pumps = 0;
     view.onPump = [&] {
         if (view.pauseBox && ++pumps == 3)
@@ -111,15 +99,19 @@ TEST_F(FreeSpaceWipeTest, QuitWhileRunningTicksTheExitBoxAndPauseWaitsForTheUnti
         if (now.pass == 2 && now.index == 1) {
             EXPECT_FALSE(wipe.requestQuit(view.wipeEnabled));
         }
+        if (now.pass == 3 && now.index == 2)
+            view.exitBox = true;
     };
     EXPECT_EQ(wipe.run(dir.str(), Currency::fromWhole(40), Currency::fromWhole(4)), FreeSpaceWipe::Outcome::Exited);
-    ASSERT_EQ(view.ask.asked.size(), 2u);
-    EXPECT_EQ(view.ask.asked[0], "Tavi Wipe is still running. Are you sure you wish to quit?");
-    EXPECT_EQ(view.ask.asked[1], "Press Yes to exit Wiping Function");
+    EXPECT_EQ(view.ask.asked, (std::vector<std::string>{"Tavi Wipe is still running. Are you sure you wish to quit?",
+                                                        "Press Yes to exit Wiping Function",
+                                                        "Press Yes to exit Wiping Function"}));
     ASSERT_EQ(view.ask.told.size(), 2u);
     EXPECT_TRUE(std::regex_match(view.ask.told[0], std::regex(R"(Paused for [0-9]+(\.[0-9]+)? seconds)")))
         << view.ask.told[0];
-    EXPECT_EQ(view.passes.back(), 2);
+    EXPECT_EQ(view.passes.back(), 3);
+    EXPECT_FALSE(fs::exists(temp));
+    EXPECT_TRUE(view.wipeEnabled);
 }
 
 TEST_F(FreeSpaceWipeTest, OnlyAFileTheRunCreatedItselfIsEverWritten) {
