@@ -5,6 +5,7 @@
 
 #include "platform/Folder.h"
 #include "platform/Platform.h"
+#include "proxies/ProxyPlatform.h"
 #include "tests/support/Scratch.h"
 #include "tests/support/Wine.h"
 #include "wipe/Engine.h"
@@ -149,44 +150,26 @@ public:
 /// A real folder whose files each have one extra stream "extra", kept as the file "<name>.extra"
 /// beside it and answered for as the file itself: what the engine does to a stream stays readable
 /// on a system (Wine) that keeps no streams.
-class SideStreams final : public platform::Folder {
+class SideStreams final : public platform::ProxyFolder {
 public:
-    explicit SideStreams(std::unique_ptr<platform::Folder> real) : m_real(std::move(real)) {}
-    const std::string& path() const override { return m_real->path(); }
-    platform::FileInfo self() const override { return m_real->self(); }
-    bool list(const std::function<bool(const platform::FileInfo&)>& visit) override { return m_real->list(visit); }
-    std::optional<platform::FileInfo> entry(const std::string& name) override { return m_real->entry(name); }
-    std::unique_ptr<platform::Folder> openFolder(const std::string& name) override { return m_real->openFolder(name); }
-    using Folder::openFile;
-    std::unique_ptr<platform::RawFile> openFile(const std::string& name, Create create) override {
-        return m_real->openFile(name, create);
-    }
-    bool removeFile(const std::string& name) override { return m_real->removeFile(name); }
-    bool removeFolder(const std::string& name) override { return m_real->removeFolder(name); }
-    bool makeNormal(const std::string& name) override { return m_real->makeNormal(name); }
+    using ProxyFolder::ProxyFolder;
     std::vector<std::string> extraStreams(const std::string& name) override {
-        return m_real->entry(name + ".extra") ? std::vector<std::string>{"extra"} : std::vector<std::string>{};
+        return real().entry(name + ".extra") ? std::vector<std::string>{"extra"} : std::vector<std::string>{};
     }
     std::unique_ptr<platform::RawFile> openStream(const std::string& name, const std::string& stream) override {
-        auto side = m_real->openFile(name + "." + stream, false);
-        const auto owner = m_real->entry(name);
+        auto side = real().openFile(name + "." + stream, false);
+        const auto owner = real().entry(name);
         return side && owner ? std::make_unique<AsFile>(std::move(side), *owner) : nullptr;
     }
 
 private:
     /// The side file, told as the file whose stream it stands for.
-    class AsFile final : public platform::RawFile {
+    class AsFile final : public platform::ProxyRawFile {
     public:
         AsFile(std::unique_ptr<platform::RawFile> side, platform::FileInfo owner)
-            : m_side(std::move(side)), m_owner(std::move(owner)) {}
-        std::size_t read(void* buffer, std::size_t count) override { return m_side->read(buffer, count); }
-        std::size_t write(const void* data, std::size_t count) override { return m_side->write(data, count); }
-        std::int64_t seek(std::int64_t distance, From from) override { return m_side->seek(distance, from); }
-        bool flush() override { return m_side->flush(); }
-        bool truncate() override { return m_side->truncate(); }
-        std::intptr_t nativeHandle() const override { return m_side->nativeHandle(); }
+            : ProxyRawFile(std::move(side)), m_owner(std::move(owner)) {}
         std::optional<platform::FileInfo> info() const override {
-            auto facts = m_side->info();
+            auto facts = real().info();
             if (facts) {
                 facts->device = m_owner.device;
                 facts->index = m_owner.index;
@@ -194,14 +177,10 @@ private:
             return facts;
         }
         bool openElsewhere() const override { return false; }
-        std::unique_ptr<platform::RawFile> openUncached() const override { return m_side->openUncached(); }
-        std::size_t readAlignment() const override { return m_side->readAlignment(); }
 
     private:
-        std::unique_ptr<platform::RawFile> m_side;
         platform::FileInfo m_owner;
     };
-    std::unique_ptr<platform::Folder> m_real;
 };
 
 } // namespace
