@@ -126,34 +126,17 @@ TEST(WindowsCli, ShredAndWipeFreeSpaceLeaveNothingOnTheDrive) {
     EXPECT_FALSE(drive->holds("plain:" + Secret));
 }
 
-TEST(WindowsCli, EveryCommandTakesNamesOutsideTheAnsiCodePage) {
+TEST(WindowsCli, NamesOutsideTheAnsiCodePageAndPathsPastTwoHundredSixtyCharactersWork) {
     ScratchDir dir;
     // Cyrillic, Japanese and a Latin letter with an accent: no single code page holds them all.
     const std::wstring name = L"\u0416\u0443\u0440\u65E5\u672Ccaf\u00E9";
-    const fs::path folder = dir.path() / name;
-    fs::create_directories(folder / name);
-    std::ofstream(folder / name / (name + L".log"), std::ios::binary) << "secret";
-    auto r = runCli("shred-dir --yes " + q(folder));
-    EXPECT_EQ(r.code, 0) << r.seen();
-    EXPECT_FALSE(fs::exists(folder));
-
-    const fs::path record = dir.path() / (name + L".dat");
-    std::ofstream(record, std::ios::binary) << "Visited: u@http://a.example/x";
-    r = runCli("indexdat report " + q(record));
-    EXPECT_EQ(r.out, "http://a.example/x\n") << r.seen();
-    r = runCli("indexdat find " + q(dir.path()) + " --pattern " + q(name + L"*"));
-    EXPECT_NE(r.out.find(utf8(record)), std::string::npos) << r.out;
-}
-
-TEST(WindowsCli, PathsPastTwoHundredSixtyCharactersWorkPlainAndInTheirLongForm) {
-    ScratchDir dir;
-    const fs::path top = dir.path() / std::string(40, 'a');
+    const fs::path top = dir.path() / name;
     fs::path deep = top;
     for (char c = 'b'; c < 'j'; ++c)
         deep /= std::string(40, c);
     fs::create_directories(deep);
     ASSERT_GT(utf8(deep).size(), 300u);
-    const fs::path plain = deep / "plain.txt", prefixed = deep / "prefixed.txt";
+    const fs::path plain = deep / (name + L".txt"), prefixed = deep / "prefixed.txt";
     std::ofstream(plain, std::ios::binary) << "secret";
     std::ofstream(prefixed, std::ios::binary) << "secret";
     auto r = runCli("shred --yes " + q(plain));
@@ -162,9 +145,17 @@ TEST(WindowsCli, PathsPastTwoHundredSixtyCharactersWorkPlainAndInTheirLongForm) 
     r = runCli("shred --yes " + q(L"\\\\?\\" + prefixed.wstring()));
     EXPECT_EQ(r.code, 0) << r.seen();
     EXPECT_FALSE(fs::exists(prefixed));
+    std::ofstream(deep / "last.txt", std::ios::binary) << "secret";
     r = runCli("shred-dir --yes " + q(top));
     EXPECT_EQ(r.code, 0) << r.seen();
     EXPECT_FALSE(fs::exists(top));
+
+    const fs::path record = dir.path() / (name + L".dat");
+    std::ofstream(record, std::ios::binary) << "Visited: u@http://a.example/x";
+    r = runCli("indexdat report " + q(record));
+    EXPECT_EQ(r.out, "http://a.example/x\n") << r.seen();
+    r = runCli("indexdat find " + q(dir.path()) + " --pattern " + q(name + L"*"));
+    EXPECT_NE(r.out.find(utf8(record)), std::string::npos) << r.out;
 }
 
 TEST(WindowsCli, AFileAnotherProgramHoldsIsLeftAndNamed) {
