@@ -13,17 +13,9 @@
 #include <unistd.h>
 
 using testsupport::readFile;
-using testsupport::ScratchDir;
-
-namespace {
-
 using testsupport::runCli;
-
-std::string q(const std::filesystem::path& p) {
-    return testsupport::shellQuoted(p);
-}
-
-} // namespace
+using testsupport::ScratchDir;
+constexpr auto q = &testsupport::shellQuoted;
 
 TEST(IndexDatCli, FindPrintsMatchesThenCountsAndTotal) {
     ScratchDir dir;
