@@ -1,6 +1,6 @@
 // Every way the program destroys data, attacked the same ways on real files: whatever the attack
 // puts where a destructive command will look (a link out, a hard link, a mount, a file another
-// process holds or maps, a pipe, a device, a path too long for the system's path calls, a sparse
+// process holds or maps, a pipe, a path too long for the system's path calls, a sparse
 // file larger than its drive) must come out with its bytes and permissions as they were, and no
 // verdict may call it overwritten. Each case runs one entry point against one attack.
 
@@ -25,7 +25,6 @@
 #include <memory>
 #include <sys/mman.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -202,15 +201,6 @@ const std::vector<Entry>& entries() {
              core::SilentPrompts silent;
              cleaning::CleanIT(native(), silent, &p).EmptyRecycleBin("", true, true, true);
          }},
-        {"recent documents", true, true,
-         [](Scene& s) {
-             s.folder = std::getenv("XDG_DATA_HOME"), s.name = "recently-used.xbel";
-             fs::remove_all(s.item()); // what an earlier case left
-         },
-         [](Scene&, testsupport::RecordingSink& p, testsupport::RecordingVerdicts&) {
-             core::SilentPrompts silent;
-             cleaning::CleanIT(native(), silent, &p).CleanRecentDocs();
-         }},
         {"browser cache", true, true,
          [](Scene& s) {
              // A Chromium profile of the scratch home, whose compiled-script cache holds the item.
@@ -314,11 +304,6 @@ const std::vector<Attack>& attacks() {
          },
          [](const Entry& e) { return !e.takesAll; }},
         {"a pipe", [](Scene& s, const Entry&) { ASSERT_EQ(::mkfifo(s.item().c_str(), 0600), 0); }},
-        {"a device",
-         [](Scene& s, const Entry&) {
-             if (!Root || ::mknod(s.item().c_str(), S_IFCHR | 0600, ::makedev(1, 3)) != 0)
-                 s.skip = "making a device node needs root";
-         }},
         {"an immutable file",
          [](Scene& s, const Entry&) {
              std::ofstream(s.item()) << std::string(3000, 'I');
