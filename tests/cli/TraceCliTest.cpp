@@ -34,44 +34,6 @@ std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
-// The scratch temporary folder and a Wine prefix whose cookie folder holds a record file.
-struct TraceCli : ::testing::Test {
-    fs::path tmp = std::getenv("TMPDIR");
-    fs::path prefix = std::getenv("WINEPREFIX");
-    fs::path cookies = prefix / "drive_c/users/me/Cookies";
-
-    TraceCli() {
-        testsupport::writeUserReg(prefix, "\n[Software\\\\Microsoft\\\\Windows\\\\CurrentVersion\\\\Explorer\\\\Shell Folders] 1\n"
-                                          "\"Cookies\"=\"C:\\\\users\\\\me\\\\Cookies\"\n");
-        fs::create_directories(cookies);
-        std::ofstream(cookies / "index.dat") << "record";
-        write("one.txt", "one");
-        write("sub/two.txt", "two");
-    }
-    ~TraceCli() override {
-        for (const auto& e : fs::directory_iterator(tmp))
-            fs::remove_all(e.path());
-        fs::remove_all(prefix / "drive_c");
-    }
-    void write(const std::string& rel, const std::string& text) {
-        fs::create_directories((tmp / rel).parent_path());
-        std::ofstream(tmp / rel) << text;
-    }
-};
-
-} // namespace
-
-TEST_F(TraceCli, CleanAllAsksWithTheCountsAndPreviewNamesWhatItRemoves) {
-    auto r = runCli("clean-all");
-    EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(contains(r.err, "Overwrite and delete 2 temp files and 1 folder in " + tmp.string() +
-                                    ", and delete 0 cache entries, 0 history entries and 1 cookie record file?"))
-        << r.err;
-    r = runCli("preview");
-    EXPECT_EQ(r.code, 0) << r.seen();
-    EXPECT_TRUE(contains(r.out, "cookie record file: " + (cookies / "index.dat").string() + "\n")) << r.out;
-}
-
 /// The number written just before `what` in `text`; -1 when `what` is not there.
 long countBefore(const std::string& text, const std::string& what) {
     const auto at = text.find(" " + what);
@@ -81,8 +43,21 @@ long countBefore(const std::string& text, const std::string& what) {
     return std::stol(text.substr(start + 1, at - start - 1));
 }
 
+} // namespace
+
 TEST(BrowserCli, CacheAndHistoryCommandsPrintALineAnEntryAndEveryCountAgrees) {
     testsupport::BrowserHome home;
+    // Beside the browsers: two temporary files, one in a folder, and a cookie record file.
+    const fs::path tmp = std::getenv("TMPDIR"), prefix = std::getenv("WINEPREFIX");
+    const fs::path cookies = prefix / "drive_c/users/me/Cookies";
+    testsupport::writeUserReg(prefix, "\n[Software\\\\Microsoft\\\\Windows\\\\CurrentVersion\\\\Explorer\\\\Shell Folders] 1\n"
+                                      "\"Cookies\"=\"C:\\\\users\\\\me\\\\Cookies\"\n");
+    fs::create_directories(cookies);
+    fs::create_directories(tmp / "sub");
+    std::ofstream(cookies / "index.dat") << "record";
+    std::ofstream(tmp / "one.txt") << "one";
+    std::ofstream(tmp / "sub/two.txt") << "two";
+    EXPECT_TRUE(contains(runCli("preview").out, "cookie record file: " + (cookies / "index.dat").string() + "\n"));
     // An address both browsers cached is one line, one entry to delete: deleting it reaches both.
     std::vector<std::string> cached;
     for (const std::string& address : testsupport::cachedAddresses(home.platform().urlCache()))
@@ -101,12 +76,16 @@ TEST(BrowserCli, CacheAndHistoryCommandsPrintALineAnEntryAndEveryCountAgrees) {
     // The question and the summary count the entries show-cache lists.
     const long addresses = static_cast<long>(testsupport::visitedPages().size());
     r = runCli("clean-all");
+    EXPECT_EQ(r.code, 1); // no terminal to ask on: answered No
+    EXPECT_TRUE(contains(r.err, "Overwrite and delete 2 temp files and 1 folder in " + tmp.string() + ", and delete "));
+    EXPECT_TRUE(contains(r.err, " history entries and 1 cookie record file?")) << r.err;
     EXPECT_EQ(countBefore(r.err, "cache entries,"), static_cast<long>(cached.size())) << r.err;
     EXPECT_EQ(countBefore(r.err, "history entries and"), addresses) << r.err;
     r = runCli("clean-all --yes");
     EXPECT_EQ(r.code, 0) << r.seen();
     EXPECT_EQ(countBefore(r.err, "cache entries deleted"), static_cast<long>(cached.size())) << r.err;
     EXPECT_EQ(countBefore(r.err, "history entries deleted"), addresses) << r.err;
+    fs::remove_all(prefix / "drive_c");
 }
 
 TEST(BrowserCli, EveryStoreLeftAloneOrDamagedIsNamedTheRestIsCleanedAndTheExitCodeIsOne) {
