@@ -155,14 +155,13 @@ TEST(WipeMemoryCli, AsksWithTheBytesItWillFillRefusesNoSizeAndRunsToTheEndOrToTh
     EXPECT_TRUE(contains(r.err, "less than 1,000,000,000 MiB of memory")) << r.err;
 }
 
-TEST(WipeMemoryCli, CtrlCEndsTheRunAtTheNextPassAndMeanwhileTheProcessIsFirstToGo) {
+TEST(WipeMemoryCli, CtrlCEndsTheRunAtTheNextPass) {
     testsupport::ScratchDir dir;
     const auto errors = dir.path() / "stderr.txt";
     // 50 MB a string: about a second and a half to fill all 21.
     testsupport::BackgroundCli wipe("wipe-memory --yes --size 25 2>" + testsupport::shellQuoted(errors));
     const std::string proc = "/proc/" + std::to_string(wipe.pid());
     testsupport::waitUntil([&] { return procKilobytes(proc + "/status", "VmRSS") >= 150'000'000; });
-    EXPECT_EQ(testsupport::readFile(proc + "/oom_score_adj"), "1000\n");
     EXPECT_EQ(wipe.stop(SIGINT), 1) << "killed by the signal instead of stopping cleanly";
     const std::string said = testsupport::readFile(errors);
     EXPECT_TRUE(contains(said, "interrupted after pass ")) << said;

@@ -1,6 +1,6 @@
 // The memory-wipe window and the memory monitor driven by object name on the offscreen platform:
-// the monitor's timer, a run started from the button with its progress, the monitor shown by both
-// of its openers, and closing or Exit in the middle of a run.
+// the monitor's timer, the monitor shown by both of its openers, and a run started from the button
+// with its progress, stopped by closing the window.
 
 #include "controls/ggcommand/GGCommand.h"
 #include "memory/ui/CleanMemory.h"
@@ -37,16 +37,6 @@ private slots:
         QVERIFY(!timer->isActive());
     }
 
-    void cleanRunsTheWipeWithTheSizeTypedAndShowsItsProgress() {
-        CleanMemory window(*m_platform, nullptr);
-        window.show();
-        auto* label8 = child<QLabel>(window, "Label8");
-        child<QLineEdit>(window, "Text3")->setText("0.5");
-        child<QPushButton>(window, "Command1")->click();
-        QCOMPARE(label8->text(), QString("20"));
-        QVERIFY(!window.running());
-    }
-
     void bothOpenersShowTheMonitor() {
         testsupport::MainWindowUnderTest program;
         emit program.main.findChild<ggcommand::GGCommand*>("GGCommand6")->Click();
@@ -59,18 +49,7 @@ private slots:
         QCOMPARE(program.windows.window("MemMonitor"), monitor); // one monitor throughout
     }
 
-    void exitInTheMiddleOfAWipeEndsTheRunAndTheProgram() {
-        testsupport::MainWindowUnderTest program;
-        auto* window = qobject_cast<CleanMemory*>(program.windows.show("CleanMemory"));
-        auto* label8 = child<QLabel>(*window, "Label8");
-        label8->setText("-");
-        child<QLineEdit>(*window, "Text3")->setText("20"); // 40 MB a string: a run of a second or more
-        QTimer::singleShot(0, child<QPushButton>(*window, "Command1"), &QPushButton::click);
-        QCOMPARE(program.exitWhen([&] { return label8->text().toInt() >= 2; }), 0);
-        QVERIFY(!window->running());
-        QVERIFY(label8->text().toInt() < 20); // stopped at the next check, not run to its end
-    }
-
+    // The button starts a run of the size typed, its progress shows, and closing stops it.
     void closingTheWindowStopsItsRun() {
         CleanMemory window(*m_platform, nullptr);
         window.show();

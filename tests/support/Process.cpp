@@ -97,10 +97,6 @@ ChildProcess::ChildProcess(const std::string& programName) {
     }
 }
 
-ChildProcess::~ChildProcess() {
-    stop();
-}
-
 void ChildProcess::stop() {
     if (m_pid > 0) {
         ::kill(m_pid, SIGKILL);

@@ -63,7 +63,7 @@ class ChildProcess {
 public:
     /// Starts a program file called `programName` that sleeps, and waits until it runs under that name.
     explicit ChildProcess(const std::string& programName);
-    ~ChildProcess();
+    ~ChildProcess() { stop(); }
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 

@@ -103,10 +103,6 @@ ChildProcess::ChildProcess(const std::string& programName) {
     m_pid = static_cast<pid_t>(started.dwProcessId);
 }
 
-ChildProcess::~ChildProcess() {
-    stop();
-}
-
 void ChildProcess::stop() {
     if (m_pid > 0) {
         ::TerminateProcess(m_process, 1);

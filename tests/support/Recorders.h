@@ -17,22 +17,19 @@ namespace testsupport {
 struct RecordingPrompts final : core::Prompts {
     std::deque<bool> answers; ///< next answers to yes/no questions; Yes when none are left
     std::vector<std::string> asked, told, titles; ///< titles of both, in order
-    std::vector<int> askedStyles, toldStyles;
 
-    bool askYesNo(const std::string& text, const std::string& title, int style) override {
+    bool askYesNo(const std::string& text, const std::string& title, int) override {
         asked.push_back(text);
         titles.push_back(title);
-        askedStyles.push_back(style);
         if (answers.empty())
             return true;
         const bool a = answers.front();
         answers.pop_front();
         return a;
     }
-    void tell(const std::string& text, const std::string& title, int style) override {
+    void tell(const std::string& text, const std::string& title, int) override {
         told.push_back(text);
         titles.push_back(title);
-        toldStyles.push_back(style);
     }
 };
 

@@ -8,8 +8,6 @@
 
 #ifdef _WIN32
 #include <windows.h>
-#else
-#include <unistd.h>
 #endif
 
 namespace fs = std::filesystem;
@@ -29,14 +27,6 @@ fs::path makeRoot() {
             return candidate;
     }
     std::abort();
-}
-
-int processId() {
-#ifdef _WIN32
-    return static_cast<int>(::GetCurrentProcessId());
-#else
-    return static_cast<int>(::getpid());
-#endif
 }
 
 /// Removes `path` and everything below it, never through a link: what a link leads to stays. Tests
@@ -109,7 +99,7 @@ void leaveScratchEnvironment() {
 
 ScratchDir::ScratchDir() {
     static std::atomic<int> counter{0};
-    m_path = scratchRoot() / ("dir" + std::to_string(processId()) + "-" + std::to_string(counter++));
+    m_path = scratchRoot() / ("dir" + std::to_string(counter++));
     removeTree(m_path);
     fs::create_directories(m_path);
 }

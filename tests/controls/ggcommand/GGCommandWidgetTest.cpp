@@ -140,22 +140,20 @@ private slots:
         QVERIFY(!m_button->toolTipWindow());
     }
 
-    void designFileAppliesByObjectNameAndKeepsNoCentring() {
+    // What the file holds and leaves out is the design file's own test; here, who it applies to.
+    void designFileAppliesByObjectName() {
         m_button->setCaption("Wipe Cache");
         m_button->setGradientFromColor(0x00FFFFFF);
-        m_button->setToolTipCentered(true);
         testsupport::ScratchDir dir;
         const auto file = dir.write("Test.design", ggcommand::designText(*m_window).toStdString());
         QWidget other;
         auto* copy = new GGCommand(&other);
         copy->setObjectName("GGCommand3");
-        copy->setToolTipCentered(true);
         auto* untouched = new GGCommand(&other);
         untouched->setObjectName("GGCommand4");
         QCOMPARE(ggcommand::applyDesign(other, QString::fromStdString(file.string())), 1);
         QCOMPARE(copy->caption(), QString("Wipe Cache"));
         QCOMPARE(copy->gradientFromColor(), 0x00FFFFFFu);
-        QVERIFY(!copy->toolTipCentered());
         QCOMPARE(untouched->caption(), QString("GGCommand4"));
     }
 };

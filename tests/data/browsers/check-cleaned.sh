@@ -34,7 +34,7 @@ echo "visited sites still in Chromium's Preferences: ${sites:-none}"
 
 echo "== Chromium"
 as_user python3 - "$home/.config/chromium" "$out" <<'PY' >"$out/chromium.log" 2>&1
-import base64, json, os, subprocess, sys, time
+import base64, itertools, json, os, subprocess, sys, time
 user_data, out = sys.argv[1], sys.argv[2]
 to_r, to_w = os.pipe()
 from_r, from_w = os.pipe()
@@ -46,9 +46,10 @@ browser = subprocess.Popen(
      "--disable-background-networking", "--disable-component-update", "--disable-sync", "--window-size=1000,600",
      "--user-data-dir=" + user_data, "--remote-debugging-pipe", "about:blank"], preexec_fn=fds, pass_fds=(3, 4))
 os.close(from_w)
-pending = b""
-def call(n, method, params=None, session=None):
+pending, ids = b"", itertools.count(1)
+def call(method, params=None, session=None):
     global pending
+    n = next(ids)
     message = {"id": n, "method": method, "params": params or {}}
     if session:
         message["sessionId"] = session
@@ -60,19 +61,14 @@ def call(n, method, params=None, session=None):
         reply = json.loads(raw)
         if reply.get("id") == n:
             return reply.get("result", reply)
-n = 0
 for page in ("bookmarks", "history"):
-    n += 1
-    target = call(n, "Target.createTarget", {"url": "chrome://%s/" % page})["targetId"]
-    n += 1
-    session = call(n, "Target.attachToTarget", {"targetId": target, "flatten": True})["sessionId"]
+    target = call("Target.createTarget", {"url": "chrome://%s/" % page})["targetId"]
+    session = call("Target.attachToTarget", {"targetId": target, "flatten": True})["sessionId"]
     time.sleep(3)
-    n += 1
-    shot = call(n, "Page.captureScreenshot", {}, session)
+    shot = call("Page.captureScreenshot", {}, session)
     with open(os.path.join(out, "chromium-%s.png" % page), "wb") as f:
         f.write(base64.b64decode(shot["data"]))
-n += 1
-os.write(to_w, json.dumps({"id": n, "method": "Browser.close"}).encode() + b"\0")
+os.write(to_w, json.dumps({"id": next(ids), "method": "Browser.close"}).encode() + b"\0")
 browser.wait(timeout=60)
 PY
 profile="$home/.config/chromium/Default"

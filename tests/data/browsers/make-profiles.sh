@@ -3,10 +3,9 @@
 # headless under a throw-away home, visiting a few pages of a local web server whose addresses and
 # titles are easy to find in raw bytes, one of them without a title and one bookmarked, two of them
 # on sites of their own (other ports) so that the per-site records hold more than one site. Most
-# pages load the same large script, so that Chromium, seeing it again, keeps its compiled code
-# under the script's address in "Code Cache/js". The result
-# is pruned to what records visits or is needed to open the profile again, and copied here in a
-# neutral layout that the tests place either way (caches under $XDG_CACHE_HOME, or in the profile):
+# pages load the same large script, so that Chromium keeps its compiled code in "Code Cache/js".
+# The result is pruned to what records visits or is needed to open the profile again, and copied
+# here in a layout the tests place either way (caches under $XDG_CACHE_HOME, or in the profile):
 #
 #   chromium/user-data/...                the user-data folder: "Local State", Default/, and the
 #                                         visit records it keeps for all its profiles
@@ -36,9 +35,9 @@ trap cleanup EXIT
 # ---- the site ----------------------------------------------------------------------------------
 site="$work/site"
 mkdir -p "$site"
-# A page that moves on to the next one after a moment, so one browser start visits them all.
-# A page with "bare" as its fifth argument loads nothing else (no script either) (its icon is empty and inline), so
-# that the other sites add only their page to each cache.
+# A page that moves on to the next one after a moment, so one browser start visits them all. A
+# "bare" page loads nothing else (its icon is inline), so the other sites add only their page to
+# each cache.
 page() { # file title next [extra body] [bare]
     local title_tag="" head='<link rel="icon" href="/scourmill-icon-e5f1.png">
 <link rel="stylesheet" href="/scourmill-style-3b7d.css">
@@ -100,23 +99,15 @@ chome="$work/chromium-home"
 mkdir -p "$chome/.config/chromium/Default" "$chome/.cache"
 # The bookmark is written before the first start; Chromium takes a Bookmarks file without checksum.
 cat >"$chome/.config/chromium/Default/Bookmarks" <<EOF
-{
-   "roots": {
-      "bookmark_bar": {
-         "children": [ {
-            "date_added": "13380000000000000", "guid": "0f1e2d3c-4b5a-4697-8887-a9b0c1d2e3f4", "id": "4",
-            "name": "Scourmill Bookmarked Title b00c", "type": "url", "url": "$base/scourmill-bookmarked-b00c.html"
-         } ],
-         "date_added": "13380000000000000", "guid": "0bc5d13f-2cba-5d74-951f-3f233fe6c908", "id": "1",
-         "name": "Bookmarks bar", "type": "folder"
-      },
-      "other": { "children": [ ], "date_added": "13380000000000000", "guid": "82b081ec-3dd3-529c-8475-ab6c344590dd",
-         "id": "2", "name": "Other bookmarks", "type": "folder" },
-      "synced": { "children": [ ], "date_added": "13380000000000000", "guid": "4cf2e351-0e85-532b-bb37-df045d8f8d0f",
-         "id": "3", "name": "Mobile bookmarks", "type": "folder" }
-   },
-   "version": 1
-}
+{ "version": 1, "roots": {
+  "bookmark_bar": { "id": "1", "guid": "0bc5d13f-2cba-5d74-951f-3f233fe6c908", "name": "Bookmarks bar", "type": "folder",
+    "date_added": "13380000000000000", "children": [ { "id": "4", "guid": "0f1e2d3c-4b5a-4697-8887-a9b0c1d2e3f4",
+      "date_added": "13380000000000000", "type": "url", "name": "Scourmill Bookmarked Title b00c",
+      "url": "$base/scourmill-bookmarked-b00c.html" } ] },
+  "other": { "id": "2", "guid": "82b081ec-3dd3-529c-8475-ab6c344590dd", "name": "Other bookmarks", "type": "folder",
+    "date_added": "13380000000000000", "children": [] },
+  "synced": { "id": "3", "guid": "4cf2e351-0e85-532b-bb37-df045d8f8d0f", "name": "Mobile bookmarks", "type": "folder",
+    "date_added": "13380000000000000", "children": [] } } }
 EOF
 # Driven through the DevTools pipe so that it can be told to close like a user would: history is
 # committed and the session written on the way out.
@@ -168,13 +159,9 @@ EOF
 cat >"$fprofile/bookmarks.html" <<EOF
 <!DOCTYPE NETSCAPE-Bookmark-file-1>
 <META HTTP-EQUIV="Content-Type" CONTENT="text/html; charset=UTF-8">
-<TITLE>Bookmarks</TITLE>
-<H1>Bookmarks Menu</H1>
-<DL><p>
-    <DT><H3 PERSONAL_TOOLBAR_FOLDER="true">Bookmarks Toolbar</H3>
-    <DL><p>
-        <DT><A HREF="$base/scourmill-bookmarked-b00c.html">Scourmill Bookmarked Title b00c</A>
-    </DL><p>
+<TITLE>Bookmarks</TITLE><H1>Bookmarks Menu</H1>
+<DL><p><DT><H3 PERSONAL_TOOLBAR_FOLDER="true">Bookmarks Toolbar</H3>
+    <DL><p><DT><A HREF="$base/scourmill-bookmarked-b00c.html">Scourmill Bookmarked Title b00c</A></DL><p>
 </DL><p>
 EOF
 HOME="$fhome" XDG_CONFIG_HOME="$fhome/.config" XDG_CACHE_HOME="$fhome/.cache" \
