@@ -1,6 +1,6 @@
 // The two secure-deletion windows on the offscreen platform, driven by object name: what the
-// windows add to the wipes beneath them (their buttons' wiring, refusals, Exit or a logout's signal
-// in the middle of a run).
+// windows add to the wipes beneath them (their buttons' wiring, locking while running, refusals,
+// Exit or a logout's signal in the middle of a run).
 
 #include "app/StopSignals.h"
 #include "platform/Platform.h"
@@ -15,6 +15,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
 
@@ -60,6 +61,38 @@ private slots:
         QVERIFY(!window->running());
         QVERIFY(!fs::exists(temp));
         QVERIFY(child<QLineEdit>(*window, "Text2")->text().toInt() < 35); // stopped, not run to its end
+    }
+
+    void secureDeleteRunsOneWipeAtATimeAndExitEndsIt() {
+        ScratchDir dir;
+        dir.write("big.bin", std::string(16 << 20, 'b'));
+        dir.write("later.txt", "not reached");
+        testsupport::MainWindowUnderTest program;
+        auto* window = qobject_cast<wipe::ui::frmSize*>(program.windows.window("frmSize"));
+        window->setPath(QString::fromStdString(dir.str()));
+        window->show();
+        auto* files = child<QListWidget>(*window, "filFiles");
+        files->selectAll();
+        child<QLineEdit>(*window, "txtFileName")->setText("big.bin");
+        QTimer::singleShot(0, child<QPushButton>(*window, "CmdOK"), &QPushButton::click);
+        bool lockedWhileRunning = false;
+        const auto lockedOnceRunning = [&] {
+            // The window asks through a real message box here: answer Yes.
+            if (auto* box = window->findChild<QMessageBox*>("MessageBox"))
+                box->button(QMessageBox::Yes)->click();
+            if (!window->running() || child<QLineEdit>(*window, "Text2")->text() != "2")
+                return false;
+            lockedWhileRunning = !child<QPushButton>(*window, "CmdOK")->isEnabled() &&
+                                 !child<QPushButton>(*window, "Command1")->isEnabled() &&
+                                 child<QPushButton>(*window, "Command2")->isEnabled();
+            return true;
+        };
+        QCOMPARE(program.exitWhen(lockedOnceRunning), 0);
+        QVERIFY(lockedWhileRunning);
+        QVERIFY(!window->running());
+        QVERIFY(child<QPushButton>(*window, "CmdOK")->isEnabled());
+        QVERIFY(!fs::exists(dir.path() / "big.bin")); // the file at hand is finished off
+        QCOMPARE(testsupport::readFile(dir.path() / "later.txt"), std::string("not reached"));
     }
 
     void secureDeleteWindowWipesTheSelectionThenTheFolder() {
