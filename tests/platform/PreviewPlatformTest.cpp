@@ -287,20 +287,13 @@ TEST(PreviewPlatform, ChangesNothingThroughAnyFacilityAndRecordsEveryCall) {
     std::vector<Kind> kinds;
     for (const Change& c : preview.changes())
         kinds.push_back(c.kind);
-    EXPECT_EQ(kinds, (std::vector<Kind>{Kind::RemoveFile,          Kind::RemoveDirectory,
-                                        Kind::CreateDirectory,     Kind::MakeNormal,
-                                        Kind::RemoveFile,          Kind::RemoveDirectory,
-                                        Kind::MakeNormal,          Kind::WriteFile,
-                                        Kind::TruncateFile,        Kind::CreateFile,
-                                        Kind::WriteFile,           Kind::RemoveFile,
-                                        Kind::CreateFile,          Kind::WriteFile,
-                                        Kind::CreateKey,           Kind::SetValue,
-                                        Kind::DeleteValue,         Kind::DeleteCacheEntry,
-                                        Kind::DeleteUnlistedCache, Kind::AddHistory,
-                                        Kind::DeleteHistory,       Kind::ClearHistory,
-                                        Kind::EmptyRecycleBin,     Kind::ClearRecentDocuments,
-                                        Kind::OpenTarget,          Kind::StartProgram,
-                                        Kind::FillMemory,          Kind::SetOutOfMemoryScore}));
+    using enum Kind;
+    EXPECT_EQ(kinds, (std::vector<Kind>{RemoveFile, RemoveDirectory, CreateDirectory, MakeNormal, RemoveFile,
+                                        RemoveDirectory, MakeNormal, WriteFile, TruncateFile, CreateFile, WriteFile,
+                                        RemoveFile, CreateFile, WriteFile, CreateKey, SetValue, DeleteValue,
+                                        DeleteCacheEntry, DeleteUnlistedCache, AddHistory, DeleteHistory,
+                                        ClearHistory, EmptyRecycleBin, ClearRecentDocuments, OpenTarget,
+                                        StartProgram, FillMemory, SetOutOfMemoryScore}));
     const auto writes = preview.changes(Kind::WriteFile);
     ASSERT_EQ(writes.size(), 3u);
     EXPECT_EQ(writes[0].target, dir + "/a.txt");
