@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -17,8 +16,6 @@
 namespace fs = std::filesystem;
 using platform::Attr::Directory;
 using platform::Attr::Hidden;
-using platform::Attr::ReadOnly;
-using platform::Attr::ReparsePoint;
 using testsupport::ScratchDir;
 
 namespace {
@@ -82,28 +79,6 @@ TEST_F(FileSystemTest, ListsWithWildcardsAndDescribesLinksAsLinks) {
     EXPECT_TRUE(dats.count("index.dat") && dats.count("linked.dat"));
     EXPECT_FALSE(files.list((dir.path() / "missing").string(), "*", [](auto&) { return true; }));
     EXPECT_FALSE(files.list((dir.path() / "loop").string(), "*", [](auto&) { return true; }));
-}
-
-TEST_F(FileSystemTest, LinksAreRemovedOrMadeNormalWithoutTheirTargetAndFoldersOnlyWhenEmpty) {
-    const auto target = dir.write("keep.txt", "keep");
-    fs::permissions(target, fs::perms::owner_read, fs::perm_options::replace);
-    EXPECT_TRUE(files.info(target.string())->attributes & ReadOnly);
-    fs::create_symlink(target, dir.path() / "link");
-    EXPECT_TRUE(files.makeNormal((dir.path() / "link").string()));
-    EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read);
-    EXPECT_TRUE(files.removeFile((dir.path() / "link").string()));
-    EXPECT_EQ(testsupport::readFile(target), "keep");
-    EXPECT_TRUE(files.removeFile((dir.path() / "link").string())); // already gone is fine
-    EXPECT_TRUE(files.makeNormal(target.string()));
-    EXPECT_FALSE(files.info(target.string())->attributes & ReadOnly);
-
-    const auto sub = (dir.path() / "made").string();
-    EXPECT_TRUE(files.createDirectory(sub));
-    dir.write("made/f", "x");
-    EXPECT_FALSE(files.removeFile(sub)); // a folder is not a file
-    EXPECT_FALSE(files.removeDirectory(sub));
-    EXPECT_TRUE(files.removeFile(sub + "/f"));
-    EXPECT_TRUE(files.removeDirectory(sub));
 }
 
 TEST_F(FileSystemTest, AFileHeldOpenOrBackingALoopDeviceIsInUseByWhicheverNameReachesIt) {

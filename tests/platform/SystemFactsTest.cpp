@@ -45,7 +45,6 @@ TEST(KnownFolders, RegistryPathsMapIntoTheWinePrefixAndTempIsAnAbsoluteFolderOrS
     EXPECT_EQ(folders.fromRegistryPath("C:\\users\\me\\Temp"), prefix + "/drive_c/users/me/Temp");
     EXPECT_EQ(folders.fromRegistryPath("c:\\"), prefix + "/drive_c");
     EXPECT_EQ(folders.fromRegistryPath("D:\\Data\\"), prefix + "/dosdevices/d:/Data");
-    EXPECT_EQ(folders.systemDirectory(), prefix + "/drive_c/windows/system32");
     EXPECT_EQ(folders.homePath(), env["HOME"]);
     EXPECT_EQ(folders.usersPath(), "");
     std::filesystem::create_directories(prefix + "/drive_c/users");

@@ -71,11 +71,3 @@ TEST_F(VirtualMemoryTest, ProbesSeeProtectedPagesAndAFileMappedPastItsEndWithout
     EXPECT_TRUE(vm.isBadWrite(file, page + 1));
     ::munmap(file, 2 * page);
 }
-
-TEST_F(VirtualMemoryTest, OutOfMemoryScoreCanBeRaisedAndPutBack) {
-    const int before = vm.outOfMemoryScore();
-    EXPECT_EQ(before, std::stoi(testsupport::readFile("/proc/self/oom_score_adj")));
-    ASSERT_TRUE(vm.setOutOfMemoryScore(platform::VirtualMemory::FirstToGo));
-    EXPECT_EQ(testsupport::readFile("/proc/self/oom_score_adj"), "1000\n");
-    EXPECT_TRUE(vm.setOutOfMemoryScore(before));
-}
