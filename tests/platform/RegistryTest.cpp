@@ -297,17 +297,3 @@ TEST(WineHive, StrayBytesInDataStandForThemselvesAndAreWrittenAsWineWritesThem) 
     EXPECT_EQ(std::string(raw->data.begin(), raw->data.end()), "caf\xc3\xa9 \xc3\xbf!\0"s);
     EXPECT_EQ(WineHive::formatValue("Raw", *raw), "\"Raw\"=\"caf\\xe9 \\xff!\"");
 }
-
-TEST(WineHive, AValueCutOffAtTheEndReadsEmptyAsInWineAndIsWrittenAsWineWritesItOnceLinesFollow) {
-    // Wine reads such a value as an empty one of type 0 and saves it as "Cut"=hex(0):.
-    const std::string cut = "\n[Software\\\\Tavi] 1\n\"Kept\"=dword:00000001\n\"Cut\"=hex:01,02,\\\n  03,\\\n";
-    WineHive hive;
-    ASSERT_TRUE(hive.parse(testsupport::HiveHeader + cut));
-    hive.setValue("Software\\Tavi", "Added", HiveValue{platform::RegType::Dword, {2, 0, 0, 0}}, 2);
-    EXPECT_NE(hive.text().find("\n\"Cut\"=hex(0):\n"), std::string::npos);
-
-    const HiveValue* value = hive.value("Software\\Tavi", "Cut");
-    ASSERT_NE(value, nullptr);
-    EXPECT_EQ(value->type, platform::RegType::None);
-    EXPECT_TRUE(value->data.empty());
-}
