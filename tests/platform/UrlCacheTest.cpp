@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <fstream>
 #include <set>
 
@@ -60,25 +59,6 @@ TEST_P(UrlCacheLayouts, ListsEveryEntryProfileByProfile) {
 INSTANTIATE_TEST_SUITE_P(BothLayouts, UrlCacheLayouts,
                          ::testing::Values(std::pair{CacheLayout::UnderCacheHome, FirefoxRoot::DotMozilla},
                                            std::pair{CacheLayout::InProfile, FirefoxRoot::XdgConfig}));
-
-// Every listing asks for the size first (see cachedAddresses), so a short buffer that lost an
-// entry would show in the lists; this is what a record holds.
-TEST(UrlCache, AnEntryRecordPointsIntoTheBufferAndNamesItsFileAndSize) {
-    BrowserHome home;
-    platform::UrlCache& cache = home.platform().urlCache();
-    std::uint32_t size = 0;
-    cache.findFirst(nullptr, size);
-    std::vector<char> buffer(size);
-    const platform::UrlCacheEnum handle = cache.findFirst(buffer.data(), size);
-    ASSERT_NE(handle, 0u);
-    platform::UrlCacheEntryInfo info;
-    std::memcpy(&info, buffer.data(), sizeof info);
-    ASSERT_GE(info.lpszSourceUrlName, buffer.data());
-    ASSERT_LT(info.lpszSourceUrlName, buffer.data() + buffer.size());
-    EXPECT_TRUE(fs::is_regular_file(info.lpszLocalFileName));
-    EXPECT_EQ(std::uint64_t(info.dwSizeLow) | std::uint64_t(info.dwSizeHigh) << 32, fs::file_size(info.lpszLocalFileName));
-    cache.findClose(handle);
-}
 
 TEST(UrlCache, DeletingAnEntryRemovesAllItsFilesAndInvalidatesTheIndexWithOrWithoutAListing) {
     BrowserHome home;
