@@ -131,10 +131,6 @@ void makeSchemasOlder(const BrowserHome& home) {
     sql(home.chromiumProfile() / "History", drops);
 }
 
-bool has(const std::vector<std::string>& urls, const std::string& url) {
-    return std::find(urls.begin(), urls.end(), url) != urls.end();
-}
-
 /// Each record of a visited site in Chromium's Preferences as "map: site"; with `strip`, `prefs`
 /// loses those maps.
 std::vector<std::string> visitRecords(Json& prefs, bool strip = false) {
@@ -184,7 +180,7 @@ TEST(UrlHistory, ReadingChangesNoFileWhateverStateTheLogIsIn) {
     leaveRowInLog(places, logged);
     ASSERT_GT(fs::file_size(wal), 0u);
     ASSERT_FALSE(fs::exists(shm));
-    EXPECT_TRUE(has(readLeavesAll("rows in the log"), logged));
+    EXPECT_EQ(std::ranges::count(readLeavesAll("rows in the log"), logged), 1);
 
     // Another process has the database open and its -shm in use: read through it, unchanged.
     FILE* writer = ::popen(("sqlite3 " + shellQuoted(places) + " >/dev/null").c_str(), "w");
@@ -198,7 +194,7 @@ TEST(UrlHistory, ReadingChangesNoFileWhateverStateTheLogIsIn) {
     const auto before = home.snapshot();
     const auto urls = urlsOf(listHistory(home.freshPlatform()->urlHistory()));
     EXPECT_EQ(changedFiles(before, home.snapshot()), std::vector<std::string>{});
-    EXPECT_TRUE(has(urls, logged) && has(urls, live));
+    EXPECT_EQ(std::ranges::count(urls, logged) + std::ranges::count(urls, live), 2);
     EXPECT_EQ(::pclose(writer), 0);
     EXPECT_EQ(integrityOf(places), "ok\n");
 }
@@ -217,7 +213,7 @@ TEST(UrlHistory, ReadsADatabaseWhoseFolderNameLooksLikeUriSyntax) {
     EXPECT_FALSE(fs::exists(folder / "missing.sqlite"));
 }
 
-TEST(UrlHistory, ReadsBothProfilesWithTitlesTimesAndFilters) {
+TEST(UrlHistory, ReadsBothProfilesWithTitlesTimesAndFiltersAndAddsToChromiumOnly) {
     BrowserHome home(CacheLayout::UnderCacheHome, FirefoxRoot::XdgConfig);
     platform::UrlHistory& history = home.platform().urlHistory();
     const auto all = listHistory(history);
@@ -241,6 +237,22 @@ TEST(UrlHistory, ReadsBothProfilesWithTitlesTimesAndFilters) {
     EXPECT_EQ(std::set<std::string>(filtered.begin(), filtered.end()),
               (std::set<std::string>{kBookmarkedUrl, kSite + "scourmill-beta-91c2.html"}));
     EXPECT_EQ(filtered.size(), 4u);
+
+    // Added to Chromium's history only, once however often it is added.
+    const std::string firefox = readFile(home.firefoxProfile() / "places.sqlite");
+    ASSERT_TRUE(history.addUrl("http://added.test/page", "Added Page", 0));
+    const auto added = listHistory(history, "http://added.test/");
+    ASSERT_EQ(added.size(), 1u);
+    EXPECT_EQ(added[0].pwcsTitle, "Added Page");
+    ASSERT_TRUE(history.addUrl("http://added.test/page", "", 0));
+    EXPECT_EQ(listHistory(history, "http://added.test/").size(), 1u);
+    EXPECT_EQ(integrityOf(home.chromiumProfile() / "History"), "ok\n");
+    EXPECT_EQ(readFile(home.firefoxProfile() / "places.sqlite"), firefox);
+    // Firefox's history takes no additions: with only Firefox, adding fails and changes nothing.
+    fs::remove_all(home.chromiumUserData());
+    const auto before = home.snapshot();
+    EXPECT_FALSE(home.freshPlatform()->urlHistory().addUrl("http://added.test/page", "Added Page", 0));
+    EXPECT_EQ(home.snapshot(), before);
 }
 
 TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
@@ -324,25 +336,4 @@ TEST(UrlHistory, DeletingOneAddressForgetsItInEveryDatabaseAndSessionFileOfOlder
     EXPECT_FALSE(filesHolding(home, {kBookmarkedUrl}, {"places.sqlite"}).empty());
     for (const fs::path& db : databases(home))
         EXPECT_EQ(integrityOf(db), "ok\n") << db;
-}
-
-TEST(UrlHistory, AddsToChromiumOnce) {
-    BrowserHome home;
-    const fs::path places = home.firefoxProfile() / "places.sqlite";
-    const std::string firefox = readFile(places);
-    platform::UrlHistory& history = home.platform().urlHistory();
-    ASSERT_TRUE(history.addUrl("http://added.test/page", "Added Page", 0));
-    const auto added = listHistory(history, "http://added.test/");
-    ASSERT_EQ(added.size(), 1u);
-    EXPECT_EQ(added[0].pwcsTitle, "Added Page");
-    ASSERT_TRUE(history.addUrl("http://added.test/page", "", 0)); // still one entry, visited twice
-    EXPECT_EQ(listHistory(history, "http://added.test/").size(), 1u);
-    EXPECT_EQ(integrityOf(home.chromiumProfile() / "History"), "ok\n");
-    EXPECT_EQ(readFile(places), firefox);
-
-    // Firefox's history takes no additions: with only Firefox, adding fails and changes nothing.
-    fs::remove_all(home.chromiumUserData());
-    const auto before = home.snapshot();
-    EXPECT_FALSE(home.freshPlatform()->urlHistory().addUrl("http://added.test/page", "Added Page", 0));
-    EXPECT_EQ(home.snapshot(), before);
 }
