@@ -50,21 +50,17 @@ const std::vector<VisitedPage>& visitedPages() {
     return pages;
 }
 
-BrowserHome::BrowserHome(CacheLayout layout, FirefoxRoot root, BrowserChoice browsers)
+BrowserHome::BrowserHome(CacheLayout layout, FirefoxRoot root)
     : m_home(m_dir.path() / "home"), m_layout(layout), m_firefoxName(firefoxProfileName()) {
     fs::create_directories(m_home);
     setEnv("HOME", m_home.string());
     setEnv("XDG_CONFIG_HOME", (m_home / ".config").string());
     setEnv("XDG_CACHE_HOME", (m_home / ".cache").string());
     m_firefoxRoot = root == FirefoxRoot::DotMozilla ? m_home / ".mozilla/firefox" : m_home / ".config/mozilla/firefox";
-    if (browsers.chromium) {
-        copyTree(kData / "chromium/user-data", chromiumUserData());
-        copyTree(kData / "chromium/cache/Default", chromiumCache().parent_path().parent_path());
-    }
-    if (browsers.firefox) {
-        copyTree(kData / "firefox/profiles", m_firefoxRoot);
-        copyTree(kData / "firefox/cache" / m_firefoxName / "cache2", firefoxCache());
-    }
+    copyTree(kData / "chromium/user-data", chromiumUserData());
+    copyTree(kData / "chromium/cache/Default", chromiumCache().parent_path().parent_path());
+    copyTree(kData / "firefox/profiles", m_firefoxRoot);
+    copyTree(kData / "firefox/cache" / m_firefoxName / "cache2", firefoxCache());
     m_platform = platform::createNative();
     m_remover = std::make_unique<wipe::Engine>(*m_platform, nullptr, nullptr);
 }

@@ -19,15 +19,9 @@ enum class CacheLayout { UnderCacheHome, InProfile };
 /// Where Firefox's profiles.ini lives: ~/.mozilla/firefox or $XDG_CONFIG_HOME/mozilla/firefox.
 enum class FirefoxRoot { DotMozilla, XdgConfig };
 
-struct BrowserChoice {
-    bool chromium = true;
-    bool firefox = true;
-};
-
 class BrowserHome {
 public:
-    explicit BrowserHome(CacheLayout layout = CacheLayout::UnderCacheHome, FirefoxRoot root = FirefoxRoot::DotMozilla,
-                         BrowserChoice browsers = {});
+    explicit BrowserHome(CacheLayout layout = CacheLayout::UnderCacheHome, FirefoxRoot root = FirefoxRoot::DotMozilla);
 
     /// The native platform, built after the environment was pointed here.
     platform::Platform& platform() { return *m_platform; }
@@ -66,7 +60,6 @@ extern const std::string kSite;
 const std::vector<VisitedPage>& visitedPages();
 /// The visited page that is bookmarked in both profiles.
 extern const std::string kBookmarkedUrl;
-
 
 /// Every history record, with an optional filter.
 std::vector<platform::StatUrl> listHistory(platform::UrlHistory& history, const std::string& prefix = "",

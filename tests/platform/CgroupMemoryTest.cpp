@@ -64,8 +64,6 @@ TEST(CgroupMemory, TheTightestLevelFromTheOwnGroupUpBindsWithTheSwapEachAllows) 
     EXPECT_TRUE(is(tree.limit(self, 50), 1000, 650));
     tree.set(slice, {{"memory.swap.max", "20"}, {"memory.swap.current", "5"}});
     EXPECT_TRUE(is(tree.limit(self, 50), 1000, 615));
-    tree.set(slice, {{"memory.swap.max", "max"}});
-    EXPECT_TRUE(is(tree.limit(self, 10), 1000, 610));
 
     // The own group's limit, when tighter, and its swap forbidden.
     tree.set(app, {{"memory.max", "300"}, {"memory.current", "100"}, {"memory.swap.max", "0"}, {"memory.swap.current", "0"}});

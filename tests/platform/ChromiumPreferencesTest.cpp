@@ -1,12 +1,11 @@
-// The visited sites a real Chromium profile keeps in its Preferences file: gone with the history,
-// one site with its last visited page; a Preferences that is no plain JSON file is left as it is.
+// The sites a Chromium profile's Preferences names, and a Preferences that is no plain JSON file,
+// left as it is. What clearing and deleting take from a sound one is the URL history's test.
 
 #include "tests/platform/BrowserHome.h"
 
 #include "browsers/ChromiumPreferences.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <functional>
 #include <sys/stat.h>
@@ -14,27 +13,6 @@
 
 namespace fs = std::filesystem;
 using namespace testsupport;
-using Json = nlohmann::ordered_json;
-
-namespace {
-
-const Json::json_pointer kExceptions("/profile/content_settings/exceptions");
-const char* const kVisitMaps[] = {"site_engagement", "media_engagement", "important_site_info", "app_banner"};
-
-/// Each visit record of `prefs` as "map: key"; with `strip`, `prefs` loses its visit maps.
-std::vector<std::string> visitRecords(Json& prefs, bool strip = false) {
-    std::vector<std::string> records;
-    for (const char* map : kVisitMaps) {
-        const Json sites = prefs[kExceptions].value(map, Json::object());
-        for (const auto& [key, value] : sites.items())
-            records.push_back(std::string(map) + ": " + key);
-        if (strip)
-            prefs[kExceptions].erase(map);
-    }
-    return records;
-}
-
-} // namespace
 
 TEST(ChromiumPreferences, OriginsOfAddressesAndSitePatterns) {
     using browsers::siteOrigin;
@@ -43,46 +21,6 @@ TEST(ChromiumPreferences, OriginsOfAddressesAndSitePatterns) {
     EXPECT_EQ(siteOrigin("http://[::1]:8080/"), "http://[::1]:8080");
     for (const char* pattern : {"[*.]example.com", "http://example.com:*", "*://example.com"})
         EXPECT_EQ(siteOrigin(pattern), std::nullopt) << pattern;
-}
-
-TEST(ChromiumPreferences, ClearingHistoryForgetsEveryVisitedSiteAndKeepsTheRestAndThePermissions) {
-    BrowserHome home;
-    const fs::path prefs = home.chromiumProfile() / "Preferences";
-    const auto mode = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
-    fs::permissions(prefs, mode);
-    Json before = Json::parse(readFile(prefs));
-    ASSERT_GE(visitRecords(before, true).size(), 4u);
-
-    ASSERT_TRUE(home.platform().urlHistory().clearHistory(home.remover()));
-    EXPECT_TRUE(home.platform().urlHistory().storeProblems().empty());
-    const std::string bytes = readFile(prefs);
-    Json after = Json::parse(bytes);
-    EXPECT_EQ(visitRecords(after, true), std::vector<std::string>{});
-    EXPECT_EQ(after, before);
-    EXPECT_EQ(fs::status(prefs).permissions(), mode);
-    for (const auto& entry : fs::directory_iterator(home.chromiumProfile()))
-        EXPECT_FALSE(entry.path().filename().string().starts_with(".Preferences")) << "left from the rewrite";
-}
-
-TEST(ChromiumPreferences, OneSiteGoesWithItsLastVisitedPage) {
-    BrowserHome home;
-    const fs::path prefs = home.chromiumProfile() / "Preferences";
-    const std::string original = readFile(prefs);
-    Json parsed = Json::parse(original);
-    platform::UrlHistory& history = home.platform().urlHistory();
-
-    // Other pages of the site stay visited: its records stay, and the file is not rewritten.
-    ASSERT_TRUE(history.deleteUrl(visitedPages()[3].url, 0, home.remover()));
-    EXPECT_EQ(readFile(prefs), original);
-
-    // The only page of its site (delta): that site's records go, every other site's stay.
-    ASSERT_TRUE(history.deleteUrl(visitedPages()[4].url, 0, home.remover()));
-    EXPECT_TRUE(history.storeProblems().empty());
-    std::vector<std::string> expected = visitRecords(parsed);
-    const auto gone = std::erase_if(expected, [](const std::string& r) { return r.ends_with(":48124,*"); });
-    ASSERT_GT(gone, 0u);
-    Json now = Json::parse(readFile(prefs));
-    EXPECT_EQ(visitRecords(now), expected);
 }
 
 TEST(ChromiumPreferences, APreferencesThatIsNoPlainJsonFileIsNamedAndLeftAsItIs) {

@@ -106,11 +106,9 @@ TEST(RecycleBin, EmptiesHomeAndPerMountTrashAfterAsking) {
     ui.answer = true;
     EXPECT_TRUE(bin.empty("", 0, ui));
     EXPECT_EQ(ui.progressDone, (std::vector<std::size_t>{1, 2, 3, 4}));
-    EXPECT_EQ(entries(home / "files"), 0u);
-    EXPECT_EQ(entries(home / "info"), 0u);
+    for (const fs::path& folder : {home, top.path() / (".Trash-" + Uid), top.path() / ".Trash" / Uid})
+        EXPECT_EQ(entries(folder / "files") + entries(folder / "info"), 0u) << folder;
     EXPECT_FALSE(fs::exists(home / "directorysizes"));
-    EXPECT_EQ(entries(top.path() / (".Trash-" + Uid) / "files"), 0u);
-    EXPECT_EQ(entries(top.path() / ".Trash" / Uid / "files"), 0u);
 
     // An empty bin asks nothing.
     RecordedUi again;
@@ -143,13 +141,11 @@ TEST(RecycleBin, ARootNamesOneFilesystem) {
     trashFile(mnt / (".Trash-" + Uid), "stick.txt", "s", "stick.txt");
 
     LinuxRecycleBin bin(environment(data.path()));
-    EXPECT_EQ(bin.trashFolders(mnt.string() + "/"), std::vector<std::string>{mnt.string() + "/.Trash-" + Uid});
     RecordedUi ui;
     EXPECT_TRUE(bin.empty(mnt.string(), NoConfirmation, ui));
     EXPECT_TRUE(ui.asked.empty());
     EXPECT_FALSE(fs::exists(mnt / (".Trash-" + Uid) / "files/stick.txt"));
     EXPECT_TRUE(fs::exists(data.path() / "Trash/files/home.txt"));
-    EXPECT_TRUE(bin.trashFolders(mnt.string() + "/missing").empty());
 }
 
 TEST(RecycleBin, RecentDocumentsAreEmptiedInPlaceLeavingNoAddressOnTheDrive) {
@@ -163,11 +159,9 @@ TEST(RecycleBin, RecentDocumentsAreEmptiedInPlaceLeavingNoAddressOnTheDrive) {
     EXPECT_TRUE(bin.clearRecentDocuments(ui.engine)); // no file, nothing to clear, nothing created
     EXPECT_FALSE(fs::exists(path));
 
-    GBookmarkFile* file = g_bookmark_file_new();
-    g_bookmark_file_add_application(file, "file:///home/u/secret%20plan.odt", "writer", "writer %u");
-    g_bookmark_file_add_application(file, "file:///home/u/diary.txt", "editor", "editor %u");
-    ASSERT_TRUE(g_bookmark_file_to_file(file, path.c_str(), nullptr));
-    g_bookmark_file_free(file);
+    std::ofstream(path) << "<?xml version=\"1.0\"?>\n<xbel version=\"1.0\">\n"
+                          "<bookmark href=\"file:///home/u/secret%20plan.odt\" added=\"2024-01-01T00:00:00Z\"/>\n"
+                          "<bookmark href=\"file:///home/u/diary.txt\" added=\"2024-01-01T00:00:00Z\"/>\n</xbel>\n";
     ::chmod(path.c_str(), 0600);
 
     EXPECT_EQ(bin.recentDocuments(),
@@ -197,36 +191,25 @@ TEST(RecycleBin, RecentDocumentsAreEmptiedInPlaceLeavingNoAddressOnTheDrive) {
 // a way that could wait (an alarm ends the test program should one be), and each is named once,
 // left as it was.
 TEST(RecycleBin, RecordsThatAreNoRegularFilesAreNamedAndLeftWithoutWaiting) {
+    testsupport::ScratchDir data;
+    fs::create_directories(data.path() / "Trash/info");
+    data.write("Trash/files/item.txt", "trashed");
+    const fs::path record = data.path() / "Trash/info/item.txt.trashinfo", list = data.path() / "recently-used.xbel";
+    ASSERT_EQ(::mkfifo(record.c_str(), 0600), 0);
+    fs::create_symlink("/dev/null", list);
+    LinuxRecycleBin bin(environment(data.path()));
     ::alarm(60);
-    for (const bool fifo : {true, false}) {
-        const std::string reason = fifo ? "is a FIFO, not a regular file" : "is a symbolic link";
-        SCOPED_TRACE(reason);
-        testsupport::ScratchDir data;
-        const fs::path trash = data.path() / "Trash";
-        fs::create_directories(trash / "info");
-        data.write("Trash/files/item.txt", "trashed");
-        const fs::path record = trash / "info/item.txt.trashinfo", list = data.path() / "recently-used.xbel";
-        for (const fs::path& p : {record, list})
-            ASSERT_EQ(fifo ? ::mkfifo(p.c_str(), 0600) : ::symlink("/dev/null", p.c_str()), 0);
-        LinuxRecycleBin bin(environment(data.path()));
-
-        const auto items = bin.items("");
-        ASSERT_EQ(items.size(), 1u);
-        EXPECT_EQ(items[0].originalPath, "");
-        EXPECT_TRUE(bin.recentDocuments().empty());
-        RecordedUi ui;
-        EXPECT_FALSE(bin.clearRecentDocuments(ui.engine));
-        const auto refused = bin.takeRefused();
-        ASSERT_EQ(refused.size(), 2u);
-        EXPECT_EQ(refused[0].path, record.string());
-        EXPECT_EQ(refused[0].reason.rfind(reason, 0), 0u) << refused[0].reason;
-        EXPECT_EQ(refused[1].path, list.string());
-        EXPECT_EQ(refused[1].reason.rfind(reason, 0), 0u) << refused[1].reason;
-        EXPECT_TRUE(bin.takeRefused().empty()); // each named once
-
-        struct stat st {};
-        ASSERT_EQ(::lstat(list.c_str(), &st), 0);
-        EXPECT_FALSE(S_ISREG(st.st_mode)); // never replaced by a regular file
-    }
+    const auto items = bin.items("");
+    ASSERT_EQ(items.size(), 1u);
+    EXPECT_EQ(items[0].originalPath, "");
+    EXPECT_TRUE(bin.recentDocuments().empty());
+    RecordedUi ui;
+    EXPECT_FALSE(bin.clearRecentDocuments(ui.engine));
     ::alarm(0);
+    const auto refused = bin.takeRefused();
+    ASSERT_EQ(refused.size(), 2u);
+    EXPECT_EQ(refused[0].path + ": " + refused[0].reason.substr(0, 29), record.string() + ": is a FIFO, not a regular file");
+    EXPECT_EQ(refused[1].path + ": " + refused[1].reason.substr(0, 18), list.string() + ": is a symbolic link");
+    EXPECT_TRUE(bin.takeRefused().empty()); // each named once
+    EXPECT_TRUE(fs::is_symlink(list));
 }

@@ -3,21 +3,13 @@
 #include "platform/Platform.h"
 #include "platform/linux/LinuxConnectivity.h"
 #include "tests/support/ProcFields.h"
-#include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
-namespace {
-
-std::uint64_t meminfo(const std::string& name) {
-    return testsupport::procKilobytes("/proc/meminfo", name);
-}
-
-} // namespace
-
 TEST(MemoryStatus, FiguresMatchProcMeminfo) {
+    const auto meminfo = [](const char* name) { return testsupport::procKilobytes("/proc/meminfo", name); };
     auto p = platform::createNative();
     platform::MemoryStatusRecord r;
     ASSERT_TRUE(p->memoryStatus().query(r));
@@ -45,28 +37,21 @@ TEST(Connectivity, DefaultRouteMeansConnectedButLoopbackDoesNot) {
     EXPECT_FALSE(hasDefaultRoute("", ""));
 }
 
-TEST(KnownFolders, RegistryPathsMapIntoTheWinePrefix) {
-    auto p = platform::createNative();
+TEST(KnownFolders, RegistryPathsMapIntoTheWinePrefixAndTempIsAnAbsoluteFolderOrSlashTmp) {
+    platform::Environment env = platform::processEnvironment();
+    const std::string prefix = env["WINEPREFIX"], tmp = env["TMPDIR"];
+    auto p = platform::createNative(env);
     auto& folders = p->knownFolders();
-    const std::string prefix = std::getenv("WINEPREFIX");
-    EXPECT_EQ(folders.fromRegistryPath("C:\\users\\me\\Temp"), prefix + "/drive_c/users/me/Temp");
     EXPECT_EQ(folders.fromRegistryPath("c:\\"), prefix + "/drive_c");
     EXPECT_EQ(folders.fromRegistryPath("D:\\Data\\"), prefix + "/dosdevices/d:/Data");
-    EXPECT_EQ(folders.systemDirectory(), prefix + "/drive_c/windows/system32");
-    EXPECT_EQ(folders.tempPath(), std::getenv("TMPDIR"));
-    EXPECT_EQ(folders.homePath(), std::getenv("HOME"));
+    EXPECT_EQ(folders.homePath(), env["HOME"]);
     EXPECT_EQ(folders.usersPath(), "");
     std::filesystem::create_directories(prefix + "/drive_c/users");
     EXPECT_EQ(folders.usersPath(), prefix + "/drive_c/users");
-}
 
-TEST(KnownFolders, TempFallsBackToSlashTmpWhenTmpdirIsNotAnAbsoluteFolder) {
-    const std::string saved = std::getenv("TMPDIR");
-    testsupport::setEnv("TMPDIR", "relative/tmp");
-    EXPECT_EQ(platform::createNative()->knownFolders().tempPath(), "/tmp");
-    testsupport::setEnv("TMPDIR", saved + "/missing");
-    EXPECT_EQ(platform::createNative()->knownFolders().tempPath(), "/tmp");
-    testsupport::setEnv("TMPDIR", saved + "/");
-    EXPECT_EQ(platform::createNative()->knownFolders().tempPath(), saved);
-    testsupport::setEnv("TMPDIR", saved);
+    for (const auto& [value, temp] : {std::pair{std::string("relative/tmp"), std::string("/tmp")},
+                                      std::pair{tmp + "/missing", std::string("/tmp")}, std::pair{tmp + "/", tmp}}) {
+        env["TMPDIR"] = value;
+        EXPECT_EQ(platform::createNative(env)->knownFolders().tempPath(), temp) << value;
+    }
 }

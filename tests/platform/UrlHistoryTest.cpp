@@ -11,6 +11,7 @@
 #include "tests/support/Process.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <chrono>
@@ -24,12 +25,9 @@
 
 namespace fs = std::filesystem;
 using namespace testsupport;
+using Json = nlohmann::ordered_json;
 
 namespace {
-
-std::uint64_t asNumber(const platform::FileTime& t) {
-    return std::uint64_t(t.dwHighDateTime) << 32 | t.dwLowDateTime;
-}
 
 std::vector<std::string> urlsOf(const std::vector<platform::StatUrl>& records) {
     std::vector<std::string> urls;
@@ -100,9 +98,7 @@ void addUnlistedCacheFiles(const BrowserHome& home) {
     put(home.chromiumCache() / "00000000deadbeef_0", std::string("\x30\x5c\x72\xa8\x1b\xd1\x0e\xfc\x05\0\0\0\0\0\0\0", 16) + trace);
     put(home.chromiumCache() / "todelete_00000000deadbeef_0", trace);
     put(chromiumBase / "Code Cache/js/0123456789abcdef_0", trace);
-    put(chromiumBase / "Code Cache/wasm/0123456789abcdef_0", trace);
     put(home.chromiumProfile() / "GPUCache/data_1", trace);
-    put(home.chromiumProfile() / "DawnWebGPUCache/data_1", trace);
     put(home.chromiumProfile() / "Shared Dictionary/cache/0123456789abcdef_0", trace);
     // A page's entry the browser stopped writing before its metadata: only the data, whose size
     // the last four bytes give, and no key.
@@ -135,8 +131,19 @@ void makeSchemasOlder(const BrowserHome& home) {
     sql(home.chromiumProfile() / "History", drops);
 }
 
-bool has(const std::vector<std::string>& urls, const std::string& url) {
-    return std::find(urls.begin(), urls.end(), url) != urls.end();
+/// Each record of a visited site in Chromium's Preferences as "map: site"; with `strip`, `prefs`
+/// loses those maps.
+std::vector<std::string> visitRecords(Json& prefs, bool strip = false) {
+    static const Json::json_pointer exceptions("/profile/content_settings/exceptions");
+    std::vector<std::string> records;
+    for (const char* map : {"site_engagement", "media_engagement", "important_site_info", "app_banner"}) {
+        const Json sites = prefs[exceptions].value(map, Json::object());
+        for (const auto& [key, value] : sites.items())
+            records.push_back(std::string(map) + ": " + key);
+        if (strip)
+            prefs[exceptions].erase(map);
+    }
+    return records;
 }
 
 } // namespace
@@ -153,10 +160,8 @@ TEST(UrlHistory, ReadingChangesNoFileWhateverStateTheLogIsIn) {
         return urls;
     };
 
-    // As the browser leaves it on closing (an empty log), the rollback-journal databases of
-    // Chromium beside it.
-    ASSERT_TRUE(fs::exists(wal));
-    EXPECT_EQ(readLeavesAll("empty log").size(), 2 * visitedPages().size());
+    // Without the log the browser leaves on closing, none is made; Chromium's rollback-journal
+    // databases are read beside it.
     fs::remove(wal);
     EXPECT_EQ(readLeavesAll("no log").size(), 2 * visitedPages().size());
     EXPECT_FALSE(fs::exists(wal));
@@ -175,7 +180,7 @@ TEST(UrlHistory, ReadingChangesNoFileWhateverStateTheLogIsIn) {
     leaveRowInLog(places, logged);
     ASSERT_GT(fs::file_size(wal), 0u);
     ASSERT_FALSE(fs::exists(shm));
-    EXPECT_TRUE(has(readLeavesAll("rows in the log"), logged));
+    EXPECT_EQ(std::ranges::count(readLeavesAll("rows in the log"), logged), 1);
 
     // Another process has the database open and its -shm in use: read through it, unchanged.
     FILE* writer = ::popen(("sqlite3 " + shellQuoted(places) + " >/dev/null").c_str(), "w");
@@ -189,7 +194,7 @@ TEST(UrlHistory, ReadingChangesNoFileWhateverStateTheLogIsIn) {
     const auto before = home.snapshot();
     const auto urls = urlsOf(listHistory(home.freshPlatform()->urlHistory()));
     EXPECT_EQ(changedFiles(before, home.snapshot()), std::vector<std::string>{});
-    EXPECT_TRUE(has(urls, logged) && has(urls, live));
+    EXPECT_EQ(std::ranges::count(urls, logged) + std::ranges::count(urls, live), 2);
     EXPECT_EQ(::pclose(writer), 0);
     EXPECT_EQ(integrityOf(places), "ok\n");
 }
@@ -208,52 +213,60 @@ TEST(UrlHistory, ReadsADatabaseWhoseFolderNameLooksLikeUriSyntax) {
     EXPECT_FALSE(fs::exists(folder / "missing.sqlite"));
 }
 
-TEST(UrlHistory, ReadsBothProfilesWithTitlesTimesAndFilters) {
+TEST(UrlHistory, ReadsBothProfilesWithTitlesTimesAndFiltersAndAddsToChromiumOnly) {
     BrowserHome home(CacheLayout::UnderCacheHome, FirefoxRoot::XdgConfig);
     platform::UrlHistory& history = home.platform().urlHistory();
-
     const auto all = listHistory(history);
     ASSERT_EQ(all.size(), 2 * visitedPages().size());
-    // Chromium's profile first, in the order the pages were visited; then Firefox's, in its own.
-    std::set<std::string> expected, firefox;
+    // Chromium's profile first, in the order the pages were visited; then Firefox's.
     for (std::size_t i = 0; i < visitedPages().size(); ++i) {
         EXPECT_EQ(all[i].pwcsUrl, visitedPages()[i].url);
         EXPECT_EQ(all[i].pwcsTitle, visitedPages()[i].title);
-        expected.insert(visitedPages()[i].url);
-        firefox.insert(all[visitedPages().size() + i].pwcsUrl);
     }
-    EXPECT_EQ(firefox, expected);
-
-    // Visited in late 2026, by either clock: 2026-01-01 and 2028-01-01 as FILETIMEs.
+    const auto urls = urlsOf(all);
+    const auto firefoxFirst = urls.begin() + static_cast<long>(visitedPages().size());
+    EXPECT_EQ(std::set(urls.begin(), firefoxFirst), std::set(firefoxFirst, urls.end()));
+    // Visited in late 2026, by either clock: between 2026-01-01 and 2028-01-01 as FILETIMEs.
     for (const auto& record : all) {
-        EXPECT_GT(asNumber(record.ftLastVisited), 134116128000000000ULL) << record.pwcsUrl;
-        EXPECT_LT(asNumber(record.ftLastVisited), 134747424000000000ULL) << record.pwcsUrl;
+        const std::uint64_t visited = std::uint64_t(record.ftLastVisited.dwHighDateTime) << 32 |
+                                      record.ftLastVisited.dwLowDateTime;
+        EXPECT_TRUE(visited > 134116128000000000ULL && visited < 134747424000000000ULL) << record.pwcsUrl;
         EXPECT_TRUE(record.dwFlags & browsers::kStatUrlTopLevel);
     }
-
-    const auto filtered = listHistory(history, kSite + "scourmill-b");
+    const auto filtered = urlsOf(listHistory(history, kSite + "scourmill-b"));
+    EXPECT_EQ(std::set<std::string>(filtered.begin(), filtered.end()),
+              (std::set<std::string>{kBookmarkedUrl, kSite + "scourmill-beta-91c2.html"}));
     EXPECT_EQ(filtered.size(), 4u);
-    for (const auto& record : filtered)
-        EXPECT_TRUE(record.pwcsUrl == kBookmarkedUrl || record.pwcsUrl == kSite + "scourmill-beta-91c2.html");
-    const auto bare = listHistory(history, "", platform::StatUrlQuery::NoTitle | platform::StatUrlQuery::TopLevel);
-    EXPECT_TRUE(bare.size() == all.size() && bare[0].pwcsTitle.empty());
-    EXPECT_TRUE(listHistory(history, "https://").empty());
+
+    // Added to Chromium's history only, once however often it is added.
+    const std::string firefox = readFile(home.firefoxProfile() / "places.sqlite");
+    ASSERT_TRUE(history.addUrl("http://added.test/page", "Added Page", 0));
+    const auto added = listHistory(history, "http://added.test/");
+    ASSERT_EQ(added.size(), 1u);
+    EXPECT_EQ(added[0].pwcsTitle, "Added Page");
+    ASSERT_TRUE(history.addUrl("http://added.test/page", "", 0));
+    EXPECT_EQ(listHistory(history, "http://added.test/").size(), 1u);
+    EXPECT_EQ(integrityOf(home.chromiumProfile() / "History"), "ok\n");
+    EXPECT_EQ(readFile(home.firefoxProfile() / "places.sqlite"), firefox);
+    // Firefox's history takes no additions: with only Firefox, adding fails and changes nothing.
+    fs::remove_all(home.chromiumUserData());
+    const auto before = home.snapshot();
+    EXPECT_FALSE(home.freshPlatform()->urlHistory().addUrl("http://added.test/page", "Added Page", 0));
+    EXPECT_EQ(home.snapshot(), before);
 }
 
 TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
     BrowserHome home;
     const std::string bookmarks = readFile(home.chromiumProfile() / "Bookmarks");
-    ASSERT_FALSE(filesHolding(home, visitTraces()).empty());
-    // Chromium keeps the script's compiled code under the script's address.
-    const auto scripts = filesHolding(home, {"scourmill-script-9a4e"});
-    ASSERT_TRUE(std::any_of(scripts.begin(), scripts.end(),
-                            [](const std::string& f) { return f.find("/Code Cache/js/") != std::string::npos; }));
-    ASSERT_TRUE(fs::exists(home.firefoxProfile() / "sessionstore.jsonlz4"));
-
     addUnlistedCacheFiles(home);
     const fs::path unreadable = home.chromiumCache() / "0000000000c0ffee_0";
     put(unreadable, "body of scourmill-gamma-2e6b");
     fs::permissions(unreadable, fs::perms::none);
+    const fs::path prefs = home.chromiumProfile() / "Preferences";
+    const auto mode = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+    fs::permissions(prefs, mode);
+    Json prefsBefore = Json::parse(readFile(prefs));
+    ASSERT_GE(visitRecords(prefsBefore, true).size(), 4u);
 
     platform::Platform& platform = home.platform();
     ASSERT_TRUE(platform.urlHistory().clearHistory(home.remover()));
@@ -261,7 +274,7 @@ TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
     const auto cached = testsupport::cachedAddresses(platform.urlCache());
     for (const std::string& url : std::set<std::string>(cached.begin(), cached.end()))
         EXPECT_TRUE(platform.urlCache().deleteEntry(url, home.remover())) << url;
-    EXPECT_GE(platform.urlCache().deleteUnlisted(home.remover()), 12u);
+    EXPECT_GE(platform.urlCache().deleteUnlisted(home.remover()), 10u);
 
     EXPECT_EQ(filesHolding(home, visitTraces()), std::vector<std::string>{});
     EXPECT_FALSE(fs::exists(unreadable));
@@ -271,7 +284,14 @@ TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
     // The caches stay caches: the simple cache's marker and the folders the browser writes into.
     EXPECT_TRUE(fs::exists(home.chromiumCache() / "index"));
     EXPECT_TRUE(fs::is_directory(home.firefoxCache() / "entries"));
-    EXPECT_FALSE(fs::exists(home.firefoxCache() / "trash12345"));
+
+    // Preferences loses its visited sites and nothing else, rewritten in place with its permissions.
+    Json prefsAfter = Json::parse(readFile(prefs));
+    EXPECT_EQ(visitRecords(prefsAfter, true), std::vector<std::string>{});
+    EXPECT_EQ(prefsAfter, prefsBefore);
+    EXPECT_EQ(fs::status(prefs).permissions(), mode);
+    for (const auto& entry : fs::directory_iterator(home.chromiumProfile()))
+        EXPECT_FALSE(entry.path().filename().string().starts_with(".Preferences")) << "left from the rewrite";
 
     // The bookmark stays, in both browsers, and every database is sound.
     EXPECT_EQ(readFile(home.chromiumProfile() / "Bookmarks"), bookmarks);
@@ -286,6 +306,8 @@ TEST(UrlHistory, ClearingHistoryAndCacheLeavesNoVisitedAddressInAnyFile) {
 TEST(UrlHistory, DeletingOneAddressForgetsItInEveryDatabaseAndSessionFileOfOlderSchemasToo) {
     BrowserHome home;
     makeSchemasOlder(home);
+    const fs::path prefs = home.chromiumProfile() / "Preferences";
+    const std::string original = readFile(prefs);
     platform::UrlHistory& history = home.platform().urlHistory();
     const std::string gamma = visitedPages()[3].url;
     ASSERT_TRUE(history.deleteUrl(gamma, 0, home.remover()));
@@ -298,7 +320,15 @@ TEST(UrlHistory, DeletingOneAddressForgetsItInEveryDatabaseAndSessionFileOfOlder
     auto left = filesHolding(home, {"scourmill-gamma-2e6b", "Gamma Title 2e6b"});
     std::erase_if(left, [](const std::string& file) { return file.find("/.cache/") != std::string::npos; });
     EXPECT_EQ(left, std::vector<std::string>{});
-    EXPECT_FALSE(filesHolding(home, {"scourmill-beta-91c2"}, {"History"}).empty()) << "other addresses stay";
+    // Other pages of its site stay visited: the site keeps its records, Preferences is not rewritten.
+    EXPECT_EQ(readFile(prefs), original);
+
+    // The only page of its site (delta): that site's records go, every other site's stay.
+    ASSERT_TRUE(history.deleteUrl(visitedPages()[4].url, 0, home.remover()));
+    Json parsed = Json::parse(original), now = Json::parse(readFile(prefs));
+    std::vector<std::string> expected = visitRecords(parsed);
+    ASSERT_GT(std::erase_if(expected, [](const std::string& r) { return r.ends_with(":48124,*"); }), 0u);
+    EXPECT_EQ(visitRecords(now), expected);
 
     // The bookmarked address loses its visits but keeps its place.
     ASSERT_TRUE(history.deleteUrl(kBookmarkedUrl, 0, home.remover()));
@@ -306,23 +336,4 @@ TEST(UrlHistory, DeletingOneAddressForgetsItInEveryDatabaseAndSessionFileOfOlder
     EXPECT_FALSE(filesHolding(home, {kBookmarkedUrl}, {"places.sqlite"}).empty());
     for (const fs::path& db : databases(home))
         EXPECT_EQ(integrityOf(db), "ok\n") << db;
-}
-
-TEST(UrlHistory, AddsToChromiumAndNotToFirefox) {
-    {
-        BrowserHome home;
-        platform::UrlHistory& history = home.platform().urlHistory();
-        ASSERT_TRUE(history.addUrl("http://added.test/page", "Added Page", 0));
-        const auto added = listHistory(history, "http://added.test/");
-        ASSERT_EQ(added.size(), 1u);
-        EXPECT_EQ(added[0].pwcsTitle, "Added Page");
-        // Added again: still one entry, visited twice.
-        ASSERT_TRUE(history.addUrl("http://added.test/page", "", 0));
-        EXPECT_EQ(listHistory(history, "http://added.test/").size(), 1u);
-        EXPECT_EQ(integrityOf(home.chromiumProfile() / "History"), "ok\n");
-    }
-    BrowserHome firefoxOnly(CacheLayout::UnderCacheHome, FirefoxRoot::DotMozilla, {.chromium = false, .firefox = true});
-    const auto before = firefoxOnly.snapshot();
-    EXPECT_FALSE(firefoxOnly.platform().urlHistory().addUrl("http://added.test/page", "Added Page", 0));
-    EXPECT_EQ(firefoxOnly.snapshot(), before);
 }
