@@ -7,17 +7,14 @@
 #include "platform/linux/LinuxRegistry.h"
 #include "tests/cleaning/TraceRecorders.h"
 #include "tests/support/Hive.h"
+#include "tests/support/Process.h"
 #include "tests/support/Scratch.h"
 #include "tests/support/ScratchMount.h"
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <fstream>
 #include <regex>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 using namespace cleaning;
@@ -142,26 +139,11 @@ TEST_F(CleanITTest, DoEmAllCleansEveryListAndChangesNothingElse) {
 TEST_F(CleanITTest, AHiveInUseByARunningWineserverIsLeftAlone) {
     const std::string before = testsupport::readFile(hive);
     const std::string serverDir = platform::linux::LinuxRegistry(platform::linux::Environment::from(env)).serverDirectory();
-    fs::create_directories(serverDir);
-    int ready[2];
-    ASSERT_EQ(::pipe(ready), 0);
-    const pid_t server = ::fork();
-    if (server == 0) {
-        const int fd = ::open((serverDir + "/lock").c_str(), O_RDWR | O_CREAT, 0600);
-        struct flock lock {};
-        lock.l_type = F_WRLCK;
-        (void)!::fcntl(fd, F_SETLK, &lock);
-        (void)!::write(ready[1], "y", 1);
-        ::pause();
-        ::_exit(0);
+    {
+        const auto server = testsupport::holdWineServerLock(serverDir);
+        ASSERT_TRUE(server->ready());
+        clean.CleanMruItem("Do Em All");
     }
-    char c = 0;
-    ASSERT_EQ(::read(ready[0], &c, 1), 1);
-    clean.CleanMruItem("Do Em All");
-    ::kill(server, SIGKILL);
-    ::waitpid(server, nullptr, 0);
-    ::close(ready[0]);
-    ::close(ready[1]);
 
     EXPECT_EQ(testsupport::readFile(hive), before);
     // Each value that would have gone is named, so the command line can exit with 1.

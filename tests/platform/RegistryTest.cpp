@@ -3,17 +3,14 @@
 
 #include "platform/linux/LinuxRegistry.h"
 #include "tests/support/Hive.h"
+#include "tests/support/Process.h"
 #include "tests/support/Scratch.h"
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <fstream>
 #include <sstream>
 #include <regex>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 using namespace platform;
@@ -85,36 +82,6 @@ std::string queryString(Registry& reg, const std::string& key, const std::string
         *rc = r;
     return out;
 }
-
-/// A child process holding the wineserver lock of `dir`'s server folder, as a running server does.
-struct ServerLock {
-    pid_t m_pid = -1;
-    explicit ServerLock(const std::string& serverDir) {
-        fs::create_directories(serverDir);
-        int ready[2];
-        EXPECT_EQ(::pipe(ready), 0);
-        m_pid = ::fork();
-        if (m_pid == 0) {
-            const int fd = ::open((serverDir + "/lock").c_str(), O_RDWR | O_CREAT, 0600);
-            struct flock lock {};
-            lock.l_type = F_WRLCK;
-            lock.l_whence = SEEK_SET;
-            const char ok = fd >= 0 && ::fcntl(fd, F_SETLK, &lock) == 0 ? 'y' : 'n';
-            (void)!::write(ready[1], &ok, 1);
-            ::pause();
-            ::_exit(0);
-        }
-        char ok = 'n';
-        EXPECT_EQ(::read(ready[0], &ok, 1), 1);
-        EXPECT_EQ(ok, 'y');
-        ::close(ready[0]);
-        ::close(ready[1]);
-    }
-    ~ServerLock() {
-        if (m_pid > 0 && ::kill(m_pid, SIGKILL) == 0)
-            ::waitpid(m_pid, nullptr, 0);
-    }
-};
 
 } // namespace
 
@@ -250,7 +217,8 @@ TEST(LinuxRegistry, RefusesEveryWriteWhileTheWineserverOfThePrefixHoldsItsLock) 
     RegKey k = 0;
     ASSERT_EQ(p.registry.openKey(CurrentUserRoot, "Software\\Tavi\\Forms", k), RegResult::Success);
     {
-        ServerLock server(p.registry.serverDirectory());
+        const auto server = testsupport::holdWineServerLock(p.registry.serverDirectory());
+        ASSERT_TRUE(server->ready());
         EXPECT_TRUE(p.registry.serverRunning());
         EXPECT_EQ(p.registry.deleteValue(k, "Plain"), RegResult::SharingViolation);
         const std::uint8_t one[4] = {1, 0, 0, 0};

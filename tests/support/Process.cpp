@@ -136,4 +136,43 @@ FileHolder::~FileHolder() {
     }
 }
 
+PausedChild::PausedChild(const std::function<bool()>& setUp) {
+    int ready[2];
+    if (::pipe(ready) != 0)
+        return;
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        const char ok = setUp() ? 'y' : 'n';
+        (void)!::write(ready[1], &ok, 1);
+        ::pause();
+        ::_exit(0);
+    }
+    ::close(ready[1]);
+    char ok = 'n';
+    (void)!::read(ready[0], &ok, 1);
+    ::close(ready[0]);
+    if (pid > 0 && ok != 'y') {
+        ::kill(pid, SIGKILL);
+        ::waitpid(pid, nullptr, 0);
+        return;
+    }
+    m_pid = pid;
+}
+
+PausedChild::~PausedChild() {
+    if (m_pid > 0 && ::kill(m_pid, SIGKILL) == 0)
+        ::waitpid(m_pid, nullptr, 0);
+}
+
+std::unique_ptr<PausedChild> holdWineServerLock(const std::string& folder) {
+    std::filesystem::create_directories(folder);
+    return std::make_unique<PausedChild>([&folder] {
+        const int fd = ::open((folder + "/lock").c_str(), O_RDWR | O_CREAT, 0600);
+        struct flock lock {};
+        lock.l_type = F_WRLCK;
+        lock.l_whence = SEEK_SET;
+        return fd >= 0 && ::fcntl(fd, F_SETLK, &lock) == 0;
+    });
+}
+
 } // namespace testsupport

@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <sys/types.h>
 
@@ -97,5 +98,27 @@ private:
     void* m_process = nullptr;
 #endif
 };
+
+#ifndef _WIN32
+/// A child process that runs `setUp`, then waits until the object ends it: for a lock, a mapping or
+/// an open file held by another process for as long as a test needs.
+class PausedChild {
+public:
+    explicit PausedChild(const std::function<bool()>& setUp);
+    ~PausedChild();
+    PausedChild(const PausedChild&) = delete;
+    PausedChild& operator=(const PausedChild&) = delete;
+
+    /// Whether `setUp` worked in the child, which now waits.
+    bool ready() const { return m_pid > 0; }
+
+private:
+    pid_t m_pid = -1;
+};
+
+/// A child holding a write lock on `folder`/lock (the folder made first), as a running wineserver
+/// holds the lock of its prefix's server folder.
+std::unique_ptr<PausedChild> holdWineServerLock(const std::string& folder);
+#endif
 
 } // namespace testsupport

@@ -18,14 +18,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <sys/mman.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -37,29 +35,9 @@ namespace {
 
 const bool Root = ::geteuid() == 0;
 
-/// A child process that runs `setUp` and then waits until the scene ends; its pid, or -1 when
-/// `setUp` failed.
-pid_t childThat(const std::function<bool()>& setUp) {
-    int ready[2];
-    if (::pipe(ready) != 0)
-        return -1;
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        const char ok = setUp() ? 'y' : 'n';
-        (void)!::write(ready[1], &ok, 1);
-        ::pause();
-        ::_exit(0);
-    }
-    ::close(ready[1]);
-    char ok = 'n';
-    (void)!::read(ready[0], &ok, 1);
-    ::close(ready[0]);
-    return ok == 'y' ? pid : -1;
-}
-
 /// A child that holds `file` mapped, its descriptor long closed.
-pid_t mapInChild(const fs::path& file) {
-    return childThat([&file] {
+std::unique_ptr<testsupport::PausedChild> mapInChild(const fs::path& file) {
+    return std::make_unique<testsupport::PausedChild>([&file] {
         const int fd = ::open(file.c_str(), O_RDONLY);
         void* map = fd >= 0 ? ::mmap(nullptr, 4096, PROT_READ, MAP_SHARED, fd, 0) : MAP_FAILED;
         ::close(fd);
@@ -103,7 +81,7 @@ struct Scene {
     std::string skip;        ///< why this attack cannot be made here
     std::vector<std::pair<fs::path, std::pair<std::string, fs::perms>>> kept;
     std::vector<std::function<std::string()>> keptDeep; ///< checks returning what is wrong, or ""
-    std::vector<pid_t> children;
+    std::vector<std::unique_ptr<testsupport::PausedChild>> children;
     std::vector<std::unique_ptr<testsupport::ScratchMount>> mounts;
     std::unique_ptr<testsupport::LoopImage> image;
     std::vector<fs::path> immutable;
@@ -114,10 +92,7 @@ struct Scene {
         kept.push_back({path, {readFile(path), fs::status(path).permissions()}});
     }
     ~Scene() {
-        for (const pid_t child : children) {
-            ::kill(child, SIGKILL);
-            ::waitpid(child, nullptr, 0);
-        }
+        children.clear(); // nothing holds the files any more before they are set free and unmounted
         for (const auto& path : immutable)
             testsupport::runQuietly("chattr -i " + shellQuoted(path));
         for (auto it = mounts.rbegin(); it != mounts.rend(); ++it)
@@ -296,11 +271,9 @@ const std::vector<Attack>& attacks() {
          [](Scene& s, const Entry&) {
              std::ofstream(s.item()) << std::string(5000, 'W');
              s.keep(s.item());
-             const pid_t child = mapInChild(s.item());
-             if (child < 0)
+             s.children.push_back(mapInChild(s.item()));
+             if (!s.children.back()->ready())
                  s.skip = "mapping in a child failed";
-             else
-                 s.children.push_back(child);
          },
          [](const Entry& e) { return !e.takesAll; }},
         {"a pipe", [](Scene& s, const Entry&) { ASSERT_EQ(::mkfifo(s.item().c_str(), 0600), 0); }},
@@ -338,13 +311,12 @@ const std::vector<Attack>& attacks() {
              ::close(fd);
              ::close(at);
              const fs::path top = s.item();
-             const pid_t child = childThat([&] {
+             s.children.push_back(std::make_unique<testsupport::PausedChild>([&] {
                  const int at = openDeep(top, chain);
                  return at >= 0 && ::openat(at, "deep.txt", O_RDONLY) >= 0;
-             });
-             if (child < 0)
+             }));
+             if (!s.children.back()->ready())
                  return void(s.skip = "holding the deep file failed");
-             s.children.push_back(child);
              s.keptDeep.push_back([top, chain] {
                  const std::string now = readDeep(top, chain, "deep.txt");
                  return now == "DEEP-AND-HELD" ? "" : "the deep file now holds " + now;
