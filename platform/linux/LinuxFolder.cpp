@@ -91,13 +91,18 @@ std::unique_ptr<RawFile> LinuxFolder::openForOverwrite(const std::string& name, 
         return refuse(Refusal::OtherNames);
     if (fileInUse(facts->device, facts->inode, entry.get()))
         return refuse(Refusal::InUse);
-    // Only now, with the file known to have this one name, may it be made writable.
+    // Only now, with the file known to have this one name, may it be made writable; it gets its
+    // own permissions back when closed, since a file overwritten in place stays the user's file.
     const std::string self = "/proc/self/fd/" + std::to_string(entry.get());
-    if (!(facts->mode & S_IWUSR) && ::chmod(self.c_str(), (facts->mode & 07777) | S_IRUSR | S_IWUSR) != 0)
+    const int own = static_cast<int>(facts->mode & 07777);
+    const bool madeWritable = !(facts->mode & S_IWUSR);
+    if (madeWritable && ::chmod(self.c_str(), static_cast<mode_t>(own) | S_IRUSR | S_IWUSR) != 0)
         return refuse(Refusal::CannotOpen);
     // Reopened through the pinned descriptor: the very file checked above.
-    auto file = adoptRaw(::open(self.c_str(), O_RDWR | O_CLOEXEC));
+    auto file = adoptRaw(::open(self.c_str(), O_RDWR | O_CLOEXEC), madeWritable ? own : -1);
     why = file ? Refusal::None : errno == EBUSY ? Refusal::InUse : Refusal::CannotOpen;
+    if (!file && madeWritable)
+        ::chmod(self.c_str(), static_cast<mode_t>(own));
     return file;
 }
 

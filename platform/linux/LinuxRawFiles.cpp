@@ -14,8 +14,13 @@ namespace {
 
 class LinuxRawFile final : public RawFile {
 public:
-    explicit LinuxRawFile(int fd, bool direct = false) : m_fd(fd), m_direct(direct) {}
-    ~LinuxRawFile() override { ::close(m_fd); }
+    explicit LinuxRawFile(int fd, bool direct = false, int restoreMode = -1)
+        : m_fd(fd), m_direct(direct), m_restoreMode(restoreMode) {}
+    ~LinuxRawFile() override {
+        if (m_restoreMode >= 0)
+            ::fchmod(m_fd, static_cast<mode_t>(m_restoreMode));
+        ::close(m_fd);
+    }
     LinuxRawFile(const LinuxRawFile&) = delete;
     LinuxRawFile& operator=(const LinuxRawFile&) = delete;
 
@@ -126,11 +131,12 @@ public:
 private:
     int m_fd;
     bool m_direct;
+    int m_restoreMode; ///< the permissions to give back when closed; -1 to leave them
 };
 
 } // namespace
 
-std::unique_ptr<RawFile> adoptRaw(int fd) {
+std::unique_ptr<RawFile> adoptRaw(int fd, int restoreMode) {
     if (fd < 0)
         return nullptr;
     // Only plain files: writing through a device node or a pipe that took a file's place would
@@ -148,7 +154,7 @@ std::unique_ptr<RawFile> adoptRaw(int fd) {
         errno = err;
         return nullptr;
     }
-    return std::make_unique<LinuxRawFile>(fd);
+    return std::make_unique<LinuxRawFile>(fd, false, restoreMode);
 }
 
 std::unique_ptr<RawFile> openRawAt(int at, const std::string& name, bool create, bool exclusive) {

@@ -23,6 +23,7 @@ std::unique_ptr<RawFile> openRawAt(int at, const std::string& name, bool create,
 
 /// Takes the descriptor `fd` (opened read-write) as a raw file under the same rules: null, with
 /// the descriptor closed and errno set, when it is no plain file of one name or another holds it.
-std::unique_ptr<RawFile> adoptRaw(int fd);
+/// With `restoreMode`, the file is given those permissions again when it is closed.
+std::unique_ptr<RawFile> adoptRaw(int fd, int restoreMode = -1);
 
 } // namespace platform::linux

@@ -46,7 +46,10 @@ TEST_F(ActivityWipeTest, KeepsTheFirst1024BytesAndBlanksTheRestToTheRoundedBlock
     for (const auto& [size, after] : sizes) {
         const std::string before = randomBytes(size, static_cast<unsigned>(size));
         const auto path = dir.write(std::to_string(size) + ".f", before);
+        // A read-only record file is written all the same, and stays read-only.
+        fs::permissions(path, fs::perms::owner_read, fs::perm_options::replace);
         wipe(path);
+        EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read) << size;
         const std::string now = readFile(path);
         ASSERT_EQ(now.size(), after) << size;
         EXPECT_EQ(indexdat::lengthAfterWipe(size), after);
