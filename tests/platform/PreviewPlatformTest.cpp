@@ -285,7 +285,7 @@ TEST(PreviewPlatform, ChangesNothingThroughAnyFacilityAndRecordsEveryCall) {
     std::vector<Kind> kinds;
     for (const Change& c : preview.changes())
         kinds.push_back(c.kind);
-    using enum Kind;
+    using enum platform::Change::Kind;
     EXPECT_EQ(kinds, (std::vector<Kind>{RemoveFile, RemoveDirectory, CreateDirectory, MakeNormal, RemoveFile,
                                         RemoveDirectory, MakeNormal, WriteFile, TruncateFile, CreateFile, WriteFile,
                                         RemoveFile, CreateFile, WriteFile, CreateKey, SetValue, DeleteValue,
