@@ -131,9 +131,7 @@ TEST_F(CleanITTest, DoEmAllCleansEveryListAndChangesNothingElse) {
     std::string after = testsupport::readFile(hive);
     for (std::string* text : {&expected, &after}) // the changed keys' time stamps
         *text = std::regex_replace(*text, std::regex("\\] [0-9]+\n#time=[0-9a-f]+\n"), "] STAMP\n");
-    EXPECT_EQ(after, expected);
-    EXPECT_NE(testsupport::readFile(hive).find(section("Software\\Wine\\Fonts", {"\"LogPixels\"=dword:00000060"})),
-              std::string::npos);
+    EXPECT_EQ(after, expected); // the untouched key too
 }
 
 TEST_F(CleanITTest, AHiveInUseByARunningWineserverIsLeftAlone) {

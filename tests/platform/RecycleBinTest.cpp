@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <glib.h>
-#include <iostream>
 #include <fstream>
 #include <map>
 #include <sys/stat.h>
@@ -149,12 +148,14 @@ TEST(RecycleBin, ARootNamesOneFilesystem) {
 }
 
 TEST(RecycleBin, RecentDocumentsAreEmptiedInPlaceLeavingNoAddressOnTheDrive) {
-    // On a drive of its own where mounting is allowed, so that the drive's bytes can be searched.
+    // On a drive of its own, so that the drive's bytes can be searched: a list written anew
+    // elsewhere would leave the old one's blocks holding the addresses.
     testsupport::ScratchDir data;
     testsupport::LoopImage image(data.path(), 16);
-    const fs::path folder = image.mounted() ? image.mountPoint() : data.path();
-    const std::string path = folder.string() + "/recently-used.xbel";
-    LinuxRecycleBin bin(environment(folder));
+    if (!image.mounted())
+        GTEST_SKIP() << image.reason();
+    const std::string path = image.mountPoint().string() + "/recently-used.xbel";
+    LinuxRecycleBin bin(environment(image.mountPoint()));
     RecordedUi ui; // for its engine
     EXPECT_TRUE(bin.clearRecentDocuments(ui.engine)); // no file, nothing to clear, nothing created
     EXPECT_FALSE(fs::exists(path));
@@ -166,21 +167,11 @@ TEST(RecycleBin, RecentDocumentsAreEmptiedInPlaceLeavingNoAddressOnTheDrive) {
 
     EXPECT_EQ(bin.recentDocuments(),
               (std::vector<std::string>{"file:///home/u/secret%20plan.odt", "file:///home/u/diary.txt"}));
-    struct stat before {};
-    ::stat(path.c_str(), &before);
     EXPECT_TRUE(bin.clearRecentDocuments(ui.engine));
     EXPECT_TRUE(bin.recentDocuments().empty());
-    EXPECT_EQ(testsupport::readFile(path).find("secret"), std::string::npos);
-    struct stat after {};
-    ::stat(path.c_str(), &after);
-    EXPECT_EQ(after.st_ino, before.st_ino) << "written anew elsewhere: the old list's blocks keep it";
-    if (image.mounted()) {
-        image.sync();
-        EXPECT_FALSE(image.imageContains("secret%20plan")) << "the old list is still on the drive";
-    } else {
-        std::cout << "drive bytes not searched: " << image.reason() << "\n";
-    }
-    EXPECT_EQ(after.st_mode & 0777, 0600u);
+    image.sync();
+    EXPECT_FALSE(image.imageContains("secret%20plan")) << "the old list is still on the drive";
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write);
     GBookmarkFile* reread = g_bookmark_file_new();
     EXPECT_TRUE(g_bookmark_file_load_from_file(reread, path.c_str(), nullptr)) << "no longer a bookmark list";
     g_bookmark_file_free(reread);
