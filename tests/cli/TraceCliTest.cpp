@@ -14,9 +14,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
-#include <map>
 #include <optional>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -115,21 +113,6 @@ TEST(BrowserCli, EveryStoreLeftAloneOrDamagedIsNamedTheRestIsCleanedAndTheExitCo
 
 namespace {
 
-/// Every entry below `root` (links not followed) with its owner, mode and what it holds.
-std::map<std::string, std::string> ownedSnapshot(const fs::path& root) {
-    std::map<std::string, std::string> seen;
-    for (auto it = fs::recursive_directory_iterator(root); it != fs::recursive_directory_iterator(); ++it) {
-        struct stat st {};
-        ::lstat(it->path().c_str(), &st);
-        const std::string what = S_ISREG(st.st_mode) ? readFile(it->path())
-                                 : S_ISLNK(st.st_mode) ? "link:" + fs::read_symlink(it->path()).string()
-                                                       : std::string();
-        seen[it->path().lexically_relative(root).string()] =
-            std::to_string(st.st_uid) + ":" + std::to_string(st.st_mode) + ":" + what;
-    }
-    return seen;
-}
-
 void writeOwned(const fs::path& path, const std::string& text, uid_t owner) {
     fs::create_directories(path.parent_path());
     std::ofstream(path) << text;
@@ -182,7 +165,7 @@ TEST(TempFolderCli, ATemporaryFolderThatIsNoneIsRefusedWholeAndSharedOnesLoseOnl
         writeOwned(w / "shared/.X11-unix/X0", "x", SudoUser);
         writeOwned(w / "shared/systemd-private-0123-x.service-a/tmp/s.txt", "service", SudoUser);
         ASSERT_EQ(::chown((w / "shared/systemd-private-0123-x.service-a").c_str(), SudoUser, SudoUser), 0);
-        const auto before = ownedSnapshot(w);
+        const auto before = testsupport::treeSnapshot(w);
 
         const std::string tmpdir = row.tmpdir[0] == '/' ? row.tmpdir : (w / row.tmpdir).string();
         const std::string env = "env " + std::string(row.sudoUid ? "SUDO_UID=" + std::to_string(*row.sudoUid) : "-u SUDO_UID") +
@@ -200,6 +183,6 @@ TEST(TempFolderCli, ATemporaryFolderThatIsNoneIsRefusedWholeAndSharedOnesLoseOnl
         auto expected = before;
         for (const std::string& gone : row.gone)
             expected.erase(gone);
-        EXPECT_EQ(ownedSnapshot(w), expected);
+        EXPECT_EQ(testsupport::treeSnapshot(w), expected);
     }
 }

@@ -12,29 +12,12 @@
 
 #include <filesystem>
 #include <fstream>
-#include <map>
 
 namespace fs = std::filesystem;
 using platform::Change;
 using Kind = platform::Change::Kind;
 
 namespace {
-
-/// Every entry below `root`: its kind and permissions, a file's bytes, a link's target.
-std::map<fs::path, std::string> everything(const fs::path& root) {
-    std::map<fs::path, std::string> out;
-    for (const auto& e : fs::recursive_directory_iterator(root)) {
-        const auto status = e.symlink_status();
-        std::string& facts = out[e.path()];
-        facts = std::to_string(static_cast<int>(status.type())) + " " +
-                std::to_string(static_cast<unsigned>(status.permissions())) + " ";
-        if (fs::is_symlink(status))
-            facts += fs::read_symlink(e.path()).string();
-        else if (fs::is_regular_file(status))
-            facts += testsupport::readFile(e.path());
-    }
-    return out;
-}
 
 /// Fails the test: `call` reached the machine through the preview.
 bool tripped(const std::string& call) {
@@ -218,7 +201,7 @@ TEST(PreviewPlatform, ChangesNothingThroughAnyFacilityAndRecordsEveryCall) {
     ASSERT_EQ(real.recycleBin().items("").size(), 1u);
     ASSERT_EQ(real.recycleBin().recentDocuments().size(), 1u);
     const int score = real.virtualMemory().outOfMemoryScore();
-    const auto before = everything(root);
+    const auto before = testsupport::treeSnapshot(root);
 
     platform::PreviewPlatform preview(real);
     auto& fsys = preview.fileSystem();
@@ -278,7 +261,7 @@ TEST(PreviewPlatform, ChangesNothingThroughAnyFacilityAndRecordsEveryCall) {
     EXPECT_FALSE(fsys.info(dir + "/a.txt"));
     EXPECT_FALSE(folder->entry("sub"));
     EXPECT_FALSE(folder->openFolder("sub"));
-    EXPECT_EQ(testsupport::changedFiles(before, everything(root)), std::vector<std::string>{});
+    EXPECT_EQ(testsupport::changedFiles(before, testsupport::treeSnapshot(root)), std::vector<std::string>{});
     EXPECT_EQ(real.virtualMemory().outOfMemoryScore(), score);
     EXPECT_EQ(testsupport::cachedAddresses(real.urlCache()), cached);
 

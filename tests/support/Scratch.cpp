@@ -8,6 +8,8 @@
 
 #ifdef _WIN32
 #include <windows.h>
+#else
+#include <sys/stat.h>
 #endif
 
 namespace fs = std::filesystem;
@@ -120,6 +122,26 @@ std::string readFile(const fs::path& path) {
     std::stringstream text;
     text << in.rdbuf();
     return text.str();
+}
+
+std::map<fs::path, std::string> treeSnapshot(const fs::path& root) {
+    std::map<fs::path, std::string> seen;
+    for (const auto& e : fs::recursive_directory_iterator(root)) {
+        const auto status = e.symlink_status();
+        std::string facts = std::to_string(static_cast<int>(status.type())) + " " +
+                            std::to_string(static_cast<unsigned>(status.permissions())) + " ";
+#ifndef _WIN32
+        struct stat st {};
+        ::lstat(e.path().c_str(), &st);
+        facts = std::to_string(st.st_uid) + " " + facts;
+#endif
+        if (fs::is_symlink(status))
+            facts += fs::read_symlink(e.path()).string();
+        else if (fs::is_regular_file(status))
+            facts += readFile(e.path());
+        seen[e.path().lexically_relative(root)] = facts;
+    }
+    return seen;
 }
 
 void setEnv(const std::string& name, const std::string& value) {

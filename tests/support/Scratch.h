@@ -4,6 +4,7 @@
 // folder, trash, Wine prefix or browser profiles.
 
 #include <filesystem>
+#include <map>
 #include <string>
 
 namespace testsupport {
@@ -37,6 +38,10 @@ private:
 
 /// The whole content of a file ("" when missing).
 std::string readFile(const std::filesystem::path& path);
+
+/// Every entry below `root` (links not followed), by its path relative to `root`: its owner, kind
+/// and permissions, and a file's bytes or a link's target.
+std::map<std::filesystem::path, std::string> treeSnapshot(const std::filesystem::path& root);
 
 /// Sets an environment variable for the rest of the test program.
 void setEnv(const std::string& name, const std::string& value);
