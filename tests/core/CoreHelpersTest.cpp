@@ -1,6 +1,5 @@
 #include "core/Currency.h"
 #include "core/NumberFormat.h"
-#include "core/Rounding.h"
 
 #include <gtest/gtest.h>
 
@@ -9,14 +8,6 @@
 #include <limits>
 
 using core::Currency;
-
-TEST(Rounding, HalvesGoToTheEvenNeighbour) {
-    EXPECT_EQ(core::roundHalfEven(-2.5), -2);
-    EXPECT_EQ(core::roundHalfEven(2.5001), 3);
-    // A block of 0.2 x length: 12.5 -> 12, 17.5 -> 18.
-    EXPECT_EQ(core::roundHalfEven(62.5 * 0.2), 12);
-    EXPECT_EQ(core::roundHalfEven(87.5 * 0.2), 18);
-}
 
 TEST(Currency, ScalesCountsWhileTheyFitAndPrintsPlainDecimals) {
     EXPECT_EQ(Currency::fromCount(4294967296ull).toString(), "4294967296");
