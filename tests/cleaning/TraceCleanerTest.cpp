@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <fcntl.h>
 #include <fstream>
 #include <map>
 #include <sys/socket.h>
@@ -97,8 +98,8 @@ TEST_F(TraceCleanerTest, TempFolderCleanTakesOnlyTheUsersOwnClosedPlainFiles) {
     fs::create_symlink(target, root / "keeps-link/deep/link");
     temp.write("keeps-held/own.txt", "own");
     const fs::path heldDeep = temp.write("keeps-held/deep/held.txt", "held deep");
-    testsupport::FileHolder deepHolder(heldDeep.string());
-    ASSERT_TRUE(deepHolder.holding());
+    testsupport::PausedChild holder([&heldDeep] { return ::open(heldDeep.c_str(), O_RDONLY) >= 0; });
+    ASSERT_TRUE(holder.ready());
     temp.write("keeps-socket/deep/x.txt", "x");
     makeSocket(root / "keeps-socket/deep/s");
 

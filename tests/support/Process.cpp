@@ -105,37 +105,6 @@ void ChildProcess::stop() {
     }
 }
 
-FileHolder::FileHolder(const std::string& path) {
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_addopen(&actions, 3, path.c_str(), O_RDONLY, 0);
-    char sleep[] = "/bin/sleep";
-    char seconds[] = "60";
-    char* argv[] = {sleep, seconds, nullptr};
-    const bool spawned = ::posix_spawn(&m_pid, sleep, &actions, nullptr, argv, environ) == 0;
-    ::posix_spawn_file_actions_destroy(&actions);
-    if (!spawned) {
-        m_pid = -1;
-        return;
-    }
-    const std::string fd = "/proc/" + std::to_string(m_pid) + "/fd/3";
-    const std::string exe = "/proc/" + std::to_string(m_pid) + "/exe";
-    for (int i = 0; i < 200 && !m_holding; ++i) {
-        std::error_code ec;
-        // Before exec the descriptor may already be there; wait for sleep itself to hold it.
-        m_holding = std::filesystem::read_symlink(exe, ec).filename() == "sleep" && std::filesystem::exists(fd, ec);
-        if (!m_holding)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-}
-
-FileHolder::~FileHolder() {
-    if (m_pid > 0) {
-        ::kill(m_pid, SIGKILL);
-        ::waitpid(m_pid, nullptr, 0);
-    }
-}
-
 PausedChild::PausedChild(const std::function<bool()>& setUp) {
     int ready[2];
     if (::pipe(ready) != 0)

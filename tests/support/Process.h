@@ -80,25 +80,6 @@ private:
 #endif
 };
 
-/// A child process (sleep) that holds `path` open for reading until it ends.
-class FileHolder {
-public:
-    explicit FileHolder(const std::string& path);
-    ~FileHolder();
-    FileHolder(const FileHolder&) = delete;
-    FileHolder& operator=(const FileHolder&) = delete;
-
-    /// Whether the child runs with the file open.
-    bool holding() const { return m_holding; }
-
-private:
-    pid_t m_pid = -1;
-    bool m_holding = false;
-#ifdef _WIN32
-    void* m_process = nullptr;
-#endif
-};
-
 #ifndef _WIN32
 /// A child process that runs `setUp`, then waits until the object ends it: for a lock, a mapping or
 /// an open file held by another process for as long as a test needs.

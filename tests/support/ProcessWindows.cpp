@@ -112,32 +112,4 @@ void ChildProcess::stop() {
     }
 }
 
-FileHolder::FileHolder(const std::string& path) {
-    const std::wstring sleeper = std::filesystem::path(windowsPathOf(SCOURMILL_TEST_SLEEPER)).wstring();
-    std::wstring commandLine = L"\"" + sleeper + L"\" 60 \"" + std::filesystem::path(path).wstring() + L"\"";
-    SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
-    const HANDLE ready = ::CreateEventW(&inherit, TRUE, FALSE, nullptr);
-    commandLine += L" " + std::to_wstring(reinterpret_cast<std::uintptr_t>(ready));
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION started{};
-    if (::CreateProcessW(sleeper.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
-                         nullptr, &startup, &started)) {
-        ::CloseHandle(started.hThread);
-        m_process = started.hProcess;
-        m_pid = static_cast<pid_t>(started.dwProcessId);
-        // The sleeper signals once it has the file open.
-        m_holding = ::WaitForSingleObject(ready, 10000) == WAIT_OBJECT_0;
-    }
-    ::CloseHandle(ready);
-}
-
-FileHolder::~FileHolder() {
-    if (m_process) {
-        ::TerminateProcess(m_process, 1);
-        ::WaitForSingleObject(m_process, 10000);
-        ::CloseHandle(m_process);
-    }
-}
-
 } // namespace testsupport

@@ -263,8 +263,9 @@ const std::vector<Attack>& attacks() {
          [](Scene& s, const Entry&) {
              std::ofstream(s.item()) << std::string(3000, 'O');
              s.keep(s.item());
-             auto holder = std::make_shared<testsupport::FileHolder>(s.item().string());
-             s.keptDeep.push_back([holder] { return holder->holding() ? "" : "the holder did not start"; });
+             s.children.push_back(std::make_unique<testsupport::PausedChild>(
+                 [path = s.item()] { return ::open(path.c_str(), O_RDONLY) >= 0; }));
+             s.keptDeep.push_back([ready = s.children.back()->ready()] { return ready ? "" : "the holder did not start"; });
          },
          [](const Entry& e) { return !e.takesAll; }},
         {"a file mapped by another process",
