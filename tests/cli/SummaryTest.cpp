@@ -26,7 +26,7 @@ using testsupport::runCli;
 using testsupport::ScratchDir;
 using testsupport::shellQuoted;
 
-TEST(VerdictLedger, CountsOnlyWhatTheVerdictsSayHappened) {
+TEST(ChangeCounts, OnlyWhatTheVerdictsAndTheRegistrySayHappenedIsCounted) {
     cli::VerdictLedger ledger;
     auto overwritten = core::Verdict::about("a");
     overwritten.overwritten = overwritten.removed = overwritten.verified = true;
@@ -52,9 +52,8 @@ TEST(VerdictLedger, CountsOnlyWhatTheVerdictsSayHappened) {
     EXPECT_EQ(cli::describeChanges(counts), "1 file overwritten and deleted, 1 file overwritten, "
                                             "2 alternate data streams overwritten with them, 1 file deleted, "
                                             "1 folder deleted, 1 file verified, 220 B written");
-}
 
-TEST(CountingPlatform, CountsOnlyRegistryValuesThatChanged) {
+    // The registry's changes are counted at the platform, a value only when it really changed.
     testsupport::writeUserReg(std::getenv("WINEPREFIX"), "");
     auto native = platform::createNative();
     cli::CountingPlatform counted(*native);

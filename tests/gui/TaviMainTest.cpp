@@ -77,7 +77,12 @@ private slots:
         QCOMPARE(clicks.count(), 1);
     }
 
-    void trayDoubleClickShowsTheWindowAndExitRemovesTheIcon() {
+    void hideMeNeverLosesTheWindowAndTrayDoubleClickShowsItAndExitRemovesTheIcon() {
+        QTest::mouseClick(button(12), Qt::LeftButton);
+        if (tray::SysTray::available())
+            QVERIFY(!m_app->main.isVisible());
+        else
+            QVERIFY(m_app->main.isMinimized()); // no notification area to come back from
         tray::SysTray& tray = m_app->main.sysTray();
         m_app->main.hide();
         emit tray.trayIcon()->activated(QSystemTrayIcon::Trigger); // a single click does nothing
@@ -93,14 +98,6 @@ private slots:
         m_app->main.findChild<QAction*>("Mnu_Exit")->trigger();
         QVERIFY(!tray.isShown());
         QCOMPARE(exits.count(), 1);
-    }
-
-    void hideMeNeverLosesTheWindow() {
-        QTest::mouseClick(button(12), Qt::LeftButton);
-        if (tray::SysTray::available())
-            QVERIFY(!m_app->main.isVisible());
-        else
-            QVERIFY(m_app->main.isMinimized()); // no notification area to come back from
     }
 
     void listDoubleClickAndPopUpStopperStartRealPrograms() {

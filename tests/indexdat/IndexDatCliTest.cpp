@@ -56,7 +56,7 @@ TEST(IndexDatCli, FindPrintsMatchesThenCountsAndTotal) {
     EXPECT_EQ(r.out.substr(r.out.find("2/4\n")), "2/4\n=1,734 Bytes\n") << r.out;
 }
 
-TEST(IndexDatCli, ReportAndRawGiveTheBytesAsStored) {
+TEST(IndexDatCli, ReportAndRawGiveTheBytesAsStoredAndWipeAsksFirst) {
     ScratchDir dir;
     const std::string content = std::string("Visited: u@http://a.example/x\ny\0Cookie:u@b/\0", 45);
     const auto path = dir.write("index.dat", content);
@@ -74,15 +74,9 @@ TEST(IndexDatCli, ReportAndRawGiveTheBytesAsStored) {
     EXPECT_EQ(runCli("indexdat raw").code, 2);
     // Only regular files are read: a folder or a device that never ends is refused.
     EXPECT_EQ(runCli("indexdat report /dev/zero " + q(dir.path())).code, 1);
-}
 
-TEST(IndexDatCli, WipeOverwritesOnlyWhenAgreed) {
-    ScratchDir dir;
-    const std::string content = "Visited: u@http://a.example/" + std::string(3000, 'x');
-    const auto path = dir.write("index.dat", content);
-    // No terminal to ask on: the answer is No and nothing changes.
-    testsupport::CliResult r = runCli("indexdat wipe " + q(path));
-    EXPECT_EQ(r.code, 1);
+    // Wiping asks first; with no terminal to ask on the answer is No and nothing changes.
+    r = runCli("indexdat wipe " + q(path));
     EXPECT_NE(r.err.find("TaviWipe " + path.string() + " ?"), std::string::npos);
     EXPECT_EQ(readFile(path), content);
     r = runCli("indexdat wipe --yes " + q(path));

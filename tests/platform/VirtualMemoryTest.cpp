@@ -16,7 +16,7 @@ protected:
     const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 };
 
-TEST_F(VirtualMemoryTest, CommittedBlocksAreZeroedWritableAndGivenBack) {
+TEST_F(VirtualMemoryTest, CommittedBlocksAreZeroedAndGivenBackAndProbesSeeAFileMappedPastItsEnd) {
     // A small block may be kept for the next commit, a large one is unmapped at once; either way
     // what comes back from commit() is zeroed, and a released block is no longer ours.
     for (const std::size_t size : {3 * page, 40 * page}) {
@@ -38,12 +38,10 @@ TEST_F(VirtualMemoryTest, CommittedBlocksAreZeroedWritableAndGivenBack) {
     EXPECT_EQ(locked[0], 0);
     EXPECT_EQ(locked[2 * page - 1], 0);
     EXPECT_TRUE(vm.release(locked));
-}
 
-// Protected and unmapped pages are the memory block's tests (tests/memory); a file mapped past its
-// end is what they do not show.
-TEST_F(VirtualMemoryTest, ProbesSeeAFileMappedPastItsEndWithoutFaulting) {
-    // The mapping says "readable", but touching the page past the file's end raises SIGBUS.
+    // Protected and unmapped pages are the memory block's tests (tests/memory); a file mapped past
+    // its end is what they do not show. The mapping says "readable", but touching the page past
+    // the file's end raises SIGBUS: the probes must see that without faulting.
     testsupport::ScratchDir dir;
     const int fd = ::open(dir.write("short", "abc").c_str(), O_RDWR);
     ASSERT_GE(fd, 0);

@@ -55,7 +55,7 @@ std::string wide(const std::string& pair, int chars) {
 
 } // namespace
 
-TEST_F(FreeSpaceWipeTest, ThreeWideBlocksPerIncrementLeaveTheFirstBlockBehindAndTheThirdAtTheEnd) {
+TEST_F(FreeSpaceWipeTest, ThreeWideBlocksPerIncrementLeaveTheFirstBlockBehindAndSeeksRoundHalfToEven) {
     // Increment 4: blocks of 4 characters, 8 bytes; 12 free bytes make 3 increments.
     const auto after = contentAfterEachPass(Currency::fromWhole(12), Currency::fromWhole(4));
     ASSERT_EQ(after.size(), 35u);
@@ -68,13 +68,12 @@ TEST_F(FreeSpaceWipeTest, ThreeWideBlocksPerIncrementLeaveTheFirstBlockBehindAnd
     EXPECT_FALSE(fs::exists(temp));
     EXPECT_FALSE(view.wipeEnabled); // the plain ending leaves the buttons as they are
     EXPECT_EQ(view.steps.back().offset, Currency::fromWhole(12));
-}
 
-TEST_F(FreeSpaceWipeTest, RemovableIncrementRoundsEachSeekHalfToEven) {
-    // Four increments of 1423.5 start at 0, 1424, 2847 and 4270; each writes 2848 bytes.
+    // The removable increment: four of 1423.5 start at 0, 1424, 2847 and 4270, each seek rounded
+    // half to even; each writes 2848 bytes.
     wipe.setVerify(true);
-    const auto after = contentAfterEachPass(Currency::fromWhole(5694), FreeSpaceWipe::removableIncrement());
-    EXPECT_EQ(after.at(10), std::string(4270 + 2848, '\0'));
+    const auto removable = contentAfterEachPass(Currency::fromWhole(5694), FreeSpaceWipe::removableIncrement());
+    EXPECT_EQ(removable.at(10), std::string(4270 + 2848, '\0'));
     // The random last pass, its blocks laid from odd offsets too, reads back as it was written.
     EXPECT_TRUE(wipe.verified()) << wipe.verifyOutcome();
 }

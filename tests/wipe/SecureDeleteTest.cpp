@@ -60,20 +60,18 @@ TEST_F(SecureDeleteTest, EachPassLeavesItsThirdBlockOverTheWholeFile) {
     EXPECT_EQ(view.valueLines[6], "Block1: 0x31 , Block2: 0x49 , Block3: 0x24");
 }
 
-TEST_F(SecureDeleteTest, CoverageFollowsTheRoundedBlockLengthAndCount) {
+TEST_F(SecureDeleteTest, CoverageFollowsTheRoundedBlockLengthAndCountDownToEmptyFiles) {
+    const auto empty = dir.write("empty", "");
+    EXPECT_TRUE(shred.WipeFile(empty.string()));
+    EXPECT_TRUE(view.passes.empty()); // no pass for an empty file
+    EXPECT_FALSE(fs::exists(empty));
+
     // 9 bytes: block 2, count round(4.5) = 4: the last byte is not reached.
     auto after = contentBeforePass(dir.write("nine.bin", "abcdefghi"));
     EXPECT_EQ(after.at(6), std::string(8, '\x55') + "i");
     // 11 bytes: block 2, count round(5.5) = 6: a pass writes 12 bytes.
     after = contentBeforePass(dir.write("eleven.bin", "abcdefghijk"));
     EXPECT_EQ(after.at(6), std::string(12, '\x55'));
-}
-
-TEST_F(SecureDeleteTest, EmptyTinyAndReadOnlyFilesAreDeleted) {
-    const auto empty = dir.write("empty", "");
-    EXPECT_TRUE(shred.WipeFile(empty.string()));
-    EXPECT_TRUE(view.passes.empty()); // no pass for an empty file
-    EXPECT_FALSE(fs::exists(empty));
 
     // Two bytes make a block length of 0: passes run but write nothing, and the file still goes.
     const auto tiny = contentBeforePass(dir.write("tiny", "ab"));

@@ -60,7 +60,7 @@ private slots:
         m_window = nullptr;
     }
 
-    void aClickInsideRaisesClickAndAPressLeavingTheButtonDoesNot() {
+    void onlyALeftClickInsideOrATrueValueRaisesClick() {
         EventLog log(*m_button);
         QTest::mouseMove(m_button, QPoint(80, 15));
         QTest::mouseClick(m_button, Qt::LeftButton, {}, QPoint(80, 15));
@@ -78,6 +78,15 @@ private slots:
         // Nor does any button but the left one click.
         QTest::mouseClick(m_button, Qt::RightButton, {}, QPoint(80, 15));
         QVERIFY(!log.names().mid(7).contains("Click"));
+        // Nor do keys; a true Value does, a false one does not.
+        QSignalSpy clicks(m_button, &GGCommand::Click);
+        m_button->setFocus();
+        QTest::keyClick(m_button, Qt::Key_Space);
+        QTest::keyClick(m_button, Qt::Key_Return);
+        m_button->setValue(false);
+        QCOMPARE(clicks.count(), 0);
+        QVERIFY(m_button->setProperty("Value", true));
+        QCOMPARE(clicks.count(), 1);
     }
 
     void clickMayDeleteTheButton() {
@@ -90,17 +99,6 @@ private slots:
         QTest::mousePress(m_button, Qt::LeftButton, {}, QPoint(80, 15));
         QTest::mouseRelease(m_button, Qt::LeftButton, {}, QPoint(80, 15));
         QVERIFY(!button);
-    }
-
-    void onlyTheMouseAndATrueValueClick() {
-        QSignalSpy clicks(m_button, &GGCommand::Click);
-        m_button->setFocus();
-        QTest::keyClick(m_button, Qt::Key_Space);
-        QTest::keyClick(m_button, Qt::Key_Return);
-        m_button->setValue(false);
-        QCOMPARE(clicks.count(), 0);
-        QVERIFY(m_button->setProperty("Value", true));
-        QCOMPARE(clicks.count(), 1);
     }
 
     void theGradientSwapsWhilePressedAndLooksTheSameDisabled() {
