@@ -99,6 +99,11 @@ public:
     /// Clears read-only and hidden on `name` so that it can be written and deleted; a link is left
     /// as it is (it has no attributes of its own to clear), never followed.
     virtual bool makeNormal(const std::string& name) = 0;
+    /// Gives the plain file `name` back the read-only, hidden and system marks of `attributes`
+    /// (Attr bits) that makeNormal cleared, for a file written in place that stays. Where files
+    /// carry no such marks (Linux, where the written file gives its permissions back itself when
+    /// closed), there is nothing to do.
+    virtual bool setMarks(const std::string& /*name*/, std::uint32_t /*attributes*/) { return true; }
     /// The system's handle of the open folder (a descriptor, a HANDLE), through which Drives answers
     /// questions about the folder itself; -1 where no folder is really held open.
     virtual std::intptr_t nativeHandle() const { return -1; }

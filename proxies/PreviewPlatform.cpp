@@ -191,6 +191,13 @@ public:
         m_journal.add(Kind::MakeNormal, path);
         return true;
     }
+    /// What a folder's setMarks would do to `path`.
+    bool setMarks(const std::string& path) {
+        if (!info(path))
+            return false;
+        m_journal.add(Kind::SetMarks, path);
+        return true;
+    }
 
 private:
     Journal& m_journal;
@@ -238,6 +245,7 @@ public:
     bool removeFile(const std::string& name) override { return m_files.removeFile(full(name)); }
     bool removeFolder(const std::string& name) override { return m_files.removeDirectory(full(name)); }
     bool makeNormal(const std::string& name) override { return m_files.makeNormal(full(name)); }
+    bool setMarks(const std::string& name, std::uint32_t) override { return m_files.setMarks(full(name)); }
 
 private:
     std::string full(const std::string& name) const { return m_files.join(path(), name); }

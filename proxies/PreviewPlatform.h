@@ -26,6 +26,7 @@ struct Change {
         RemoveDirectory,      ///< an empty folder removed
         CreateDirectory,
         MakeNormal,           ///< read-only and hidden cleared
+        SetMarks,             ///< read-only, hidden and system given back to a file written in place
         CreateKey,            ///< registry key `target` created
         SetValue,             ///< value `detail` of key `target` written
         DeleteValue,          ///< value `detail` of key `target` deleted

@@ -65,6 +65,7 @@ public:
     bool removeFile(const std::string& name) override { return m_real->removeFile(name); }
     bool removeFolder(const std::string& name) override { return m_real->removeFolder(name); }
     bool makeNormal(const std::string& name) override { return m_real->makeNormal(name); }
+    bool setMarks(const std::string& name, std::uint32_t attributes) override { return m_real->setMarks(name, attributes); }
     std::intptr_t nativeHandle() const override { return m_real->nativeHandle(); }
 
 protected:

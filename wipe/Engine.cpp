@@ -386,16 +386,26 @@ core::Verdict Engine::overwrite(Folder& folder, const std::string& name, Overwri
     const std::uint64_t streamBytes = v.bytes;
     const auto passes = writePasses(*file, writer, scheme, options.verify);
     v.bytes = streamBytes + writer.bytes();
+    // A file written in place stays its owner's file: the marks cleared to write it come back.
+    const auto keepMarks = [&] {
+        if (!options.remove && (entry->attributes & (platform::Attr::ReadOnly | platform::Attr::Hidden | platform::Attr::System))) {
+            file.reset();
+            folder.setMarks(name, entry->attributes);
+        }
+    };
     if (passes.outcome == Passes::Outcome::Stopped) {
         const std::string stopped = "stopped before pass " + std::to_string(passes.pass) + " was complete";
-        if (!options.remove)
+        if (!options.remove) {
+            keepMarks();
             return left(stopped + "; partly overwritten");
+        }
         cutAndDelete(folder, name, std::move(file), *held);
         v.removed = !folder.entry(name);
         return left(stopped + "; not overwritten" + (v.removed ? ", deleted all the same" : ""));
     }
     if (passes.outcome == Passes::Outcome::Failed) {
         file.reset();
+        keepMarks();
         return notWritten(passes.why);
     }
     v.overwritten = v.bytes > 0;
@@ -421,6 +431,7 @@ core::Verdict Engine::overwrite(Folder& folder, const std::string& name, Overwri
             v.problem = true;
         }
     }
+    keepMarks();
     if (options.remove) {
         v.removed = cutAndDelete(folder, name, std::move(file), *held);
         if (!v.removed) {

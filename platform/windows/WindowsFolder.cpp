@@ -459,6 +459,14 @@ bool WindowsFolder::removeFolder(const std::string& name) {
 }
 
 bool WindowsFolder::makeNormal(const std::string& name) {
+    return setAttributes(name, 0);
+}
+
+bool WindowsFolder::setMarks(const std::string& name, std::uint32_t attributes) {
+    return setAttributes(name, attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM));
+}
+
+bool WindowsFolder::setAttributes(const std::string& name, DWORD marks) {
     const auto record = recordOf(m_handle, widen(name));
     if (!record)
         return false;
@@ -468,7 +476,7 @@ bool WindowsFolder::makeNormal(const std::string& name) {
     if (handle == INVALID_HANDLE_VALUE)
         return false;
     FILE_BASIC_INFO basic{}; // zero times: left as they are
-    basic.FileAttributes = record->isFolder() ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
+    basic.FileAttributes = record->isFolder() ? FILE_ATTRIBUTE_DIRECTORY | marks : marks ? marks : FILE_ATTRIBUTE_NORMAL;
     const bool done = ::SetFileInformationByHandle(handle, FileBasicInfo, &basic, sizeof basic) != 0;
     ::CloseHandle(handle);
     return done;

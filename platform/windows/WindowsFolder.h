@@ -39,10 +39,13 @@ public:
     bool removeFile(const std::string& name) override;
     bool removeFolder(const std::string& name) override;
     bool makeNormal(const std::string& name) override;
+    bool setMarks(const std::string& name, std::uint32_t attributes) override;
     std::intptr_t nativeHandle() const override { return reinterpret_cast<std::intptr_t>(m_handle); }
 
 private:
     WindowsFolder(HANDLE handle, std::string path, bool isRoot) : m_handle(handle), m_path(std::move(path)), m_isRoot(isRoot) {}
+    /// Sets the attributes of `name` to `marks` alone (normal when none); a link is left as it is.
+    bool setAttributes(const std::string& name, DWORD marks);
 
     HANDLE m_handle;
     std::string m_path;

@@ -58,6 +58,7 @@ struct ReadOnlyFolder final : platform::ProxyFolder {
     bool removeFile(const std::string& name) override { return tripped("removing " + name); }
     bool removeFolder(const std::string& name) override { return tripped("removing " + name); }
     bool makeNormal(const std::string& name) override { return tripped("making " + name + " normal"); }
+    bool setMarks(const std::string& name, std::uint32_t) override { return tripped("marking " + name); }
 };
 
 struct Tripwire final : platform::ProxyPlatform {
@@ -221,6 +222,7 @@ TEST(PreviewPlatform, ChangesNothingThroughAnyFacilityAndRecordsEveryCall) {
     ASSERT_TRUE(overwrite);
     EXPECT_EQ(overwrite->write("XXXX", 4), 4u);
     EXPECT_TRUE(overwrite->truncate());
+    EXPECT_TRUE(folder->setMarks("a.txt", platform::Attr::ReadOnly));
     auto created = folder->openFile("made.txt", platform::Folder::Create::Exclusive);
     ASSERT_TRUE(created);
     EXPECT_EQ(created->write("new", 3), 3u);
@@ -270,7 +272,7 @@ TEST(PreviewPlatform, ChangesNothingThroughAnyFacilityAndRecordsEveryCall) {
         kinds.push_back(c.kind);
     using enum platform::Change::Kind;
     EXPECT_EQ(kinds, (std::vector<Kind>{RemoveFile, RemoveDirectory, CreateDirectory, MakeNormal, RemoveFile,
-                                        RemoveDirectory, MakeNormal, WriteFile, TruncateFile, CreateFile, WriteFile,
+                                        RemoveDirectory, MakeNormal, WriteFile, TruncateFile, SetMarks, CreateFile, WriteFile,
                                         RemoveFile, CreateFile, WriteFile, CreateKey, SetValue, DeleteValue,
                                         DeleteCacheEntry, DeleteUnlistedCache, AddHistory, DeleteHistory,
                                         ClearHistory, EmptyRecycleBin, ClearRecentDocuments, OpenTarget,

@@ -200,6 +200,23 @@ TEST_F(WindowsFolderTest, EveryStreamOfAFileIsOverwrittenWithItAndCut) {
     EXPECT_EQ(fs::file_size(at("s\\f.txt.extra")), 0u); // cut once written
 }
 
+TEST_F(WindowsFolderTest, AFileWrittenInPlaceKeepsItsReadOnlyAndHiddenMarks) {
+    const fs::path kept = dir.write("m\\kept.dat", "keep me marked");
+    const DWORD marks = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN;
+    ASSERT_TRUE(::SetFileAttributesW(kept.c_str(), marks));
+    const DWORD before = ::GetFileAttributesW(kept.c_str()) & marks; // what the system keeps of them
+    ASSERT_NE(before & FILE_ATTRIBUTE_READONLY, 0u);
+    auto folder = files.openFolder(at("m"));
+    ASSERT_TRUE(folder);
+    wipe::Engine engine(*p, nullptr, nullptr);
+    TwoPasses scheme;
+    wipe::OverwriteOptions options;
+    options.remove = false;
+    EXPECT_TRUE(engine.overwrite(*folder, "kept.dat", scheme, options).overwritten);
+    EXPECT_EQ(testsupport::readFile(kept), std::string(14, '\x55'));
+    EXPECT_EQ(::GetFileAttributesW(kept.c_str()) & marks, before);
+}
+
 TEST_F(WindowsFolderTest, TheLastPassIsReadBackPastTheCache) {
     dir.write("r\\f.bin", std::string(1000, 'x'));
     auto folder = files.openFolder(at("r"));
