@@ -154,11 +154,12 @@ bool CacheFolderReader::next(CacheEntryFile& entry) {
 }
 
 bool removeCacheEntry(ProfileFiles& files, BrowserFamily family, const std::string& folder, const std::string& name,
-                      Remover& remover) {
+                      Remover& remover, bool indexDropped) {
     const auto cache = files.openFolder(folder, true);
     if (!cache)
         return false;
-    dropIndex(family, *cache, remover);
+    if (!indexDropped)
+        dropIndex(family, *cache, remover);
     if (family == BrowserFamily::Chromium) {
         const std::string stem = name.substr(0, name.size() - 2);
         bool gone = remover.removeEntry(*cache, stem + "_0");

@@ -48,10 +48,10 @@ private:
 std::string cacheEntriesFolder(BrowserFamily family, const std::string& folder);
 
 /// Removes the entry `name` (as CacheFolderReader found it) with all its files, after making the
-/// cache's index invalid so that the browser rebuilds it from the entry files rather than trusting
-/// it. True when the entry's files are gone.
+/// cache's index invalid (unless `indexDropped` says an earlier removal did) so that the browser
+/// rebuilds it from the entry files rather than trusting it. True when the entry's files are gone.
 bool removeCacheEntry(ProfileFiles& files, BrowserFamily family, const std::string& folder, const std::string& name,
-                      platform::Remover& remover);
+                      platform::Remover& remover, bool indexDropped = false);
 
 /// Removes every file of the cache folder `folder` that no listing names (a key that cannot be
 /// read, an entry cut before its key was written, a file of no entry), after making the index

@@ -40,6 +40,7 @@ struct CacheStore::Catalogue {
         std::string folder;
         bool complete = false; ///< every entry of the folder is in `byAddress`
         std::string stamp;     ///< of its entries folder when it was last read completely
+        bool indexDropped = false; ///< a deletion made its index invalid: the next need not again
     };
     std::vector<BrowserProfile> profiles;
     std::vector<Cache> caches;          ///< of the profiles not held, in enumeration order
@@ -248,7 +249,9 @@ bool CacheStore::deleteEntry(const std::string& url, Remover& remover) {
         }
         const std::string entries = cacheEntriesFolder(cache.family, cache.folder);
         const bool wasCurrent = cache.complete && cache.stamp == m_files.folderStamp(entries);
-        if (!removeCacheEntry(m_files, cache.family, cache.folder, location.name, remover)) {
+        const bool removed = removeCacheEntry(m_files, cache.family, cache.folder, location.name, remover, cache.indexDropped);
+        cache.indexDropped = true;
+        if (!removed) {
             m_problems.push_back({entries + "/" + location.name, std::string("could not be deleted: ") + std::strerror(errno)});
             kept.push_back(location);
             deleted = false;
