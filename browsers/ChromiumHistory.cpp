@@ -8,9 +8,12 @@
 #include "browsers/ChromiumPreferences.h"
 #include "browsers/ProfileHistory.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <utility>
 
 namespace browsers {
 namespace {
@@ -20,86 +23,43 @@ constexpr std::int64_t kKeptMicros = 90LL * 24 * 3600 * 1000000;
 // PAGE_TRANSITION_LINK, as the first and last visit of its own redirect chain.
 constexpr std::int64_t kLinkTransition = 0x30000000;
 
-/// Appends `code` to `out` as UTF-8.
-void appendUtf8(std::string& out, std::uint32_t code) {
-    if (code < 0x80) {
-        out += static_cast<char>(code);
-    } else if (code < 0x800) {
-        out += static_cast<char>(0xC0 | (code >> 6));
-        out += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        out += static_cast<char>(0xE0 | (code >> 12));
-        out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (code >> 18));
-        out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (code & 0x3F));
-    }
-}
-
-/// The JSON string starting at the quote `text[pos]`, unescaped; `pos` moves past it.
-std::optional<std::string> jsonString(const std::string& text, std::size_t& pos) {
-    std::string out;
-    for (++pos; pos < text.size(); ++pos) {
-        const char c = text[pos];
-        if (c == '"') {
-            ++pos;
-            return out;
-        }
-        if (c != '\\') {
-            out += c;
-            continue;
-        }
-        if (++pos >= text.size())
-            return std::nullopt;
-        switch (text[pos]) {
-        case 'b': out += '\b'; break;
-        case 'f': out += '\f'; break;
-        case 'n': out += '\n'; break;
-        case 'r': out += '\r'; break;
-        case 't': out += '\t'; break;
-        case 'u': {
-            auto hex4 = [&](std::size_t at) -> std::optional<std::uint32_t> {
-                if (at + 4 > text.size())
-                    return std::nullopt;
-                return static_cast<std::uint32_t>(std::stoul(text.substr(at, 4), nullptr, 16));
-            };
-            auto unit = hex4(pos + 1);
-            if (!unit)
-                return std::nullopt;
-            pos += 4;
-            std::uint32_t code = *unit;
-            if (code >= 0xD800 && code < 0xDC00 && text.compare(pos + 1, 2, "\\u") == 0) {
-                if (auto low = hex4(pos + 3); low && *low >= 0xDC00 && *low < 0xE000) {
-                    code = 0x10000 + ((code - 0xD800) << 10) + (*low - 0xDC00);
-                    pos += 6;
-                }
-            }
-            appendUtf8(out, code);
-            break;
-        }
-        default: out += text[pos]; break;
-        }
-    }
-    return std::nullopt;
-}
-
 /// Bookmarks far larger than any browser writes are no bookmarks file.
 constexpr std::size_t BookmarksLimit = 256 * 1024 * 1024;
 
-bool fillKeptUrls(SqliteDb& db, const std::vector<std::string>& urls) {
-    if (!db.exec("CREATE TEMP TABLE kept_urls(url TEXT PRIMARY KEY)"))
-        return false;
-    SqliteStatement insert = db.prepare("INSERT OR IGNORE INTO temp.kept_urls VALUES (?1)");
-    for (const std::string& url : urls) {
-        insert.reset();
-        if (!insert.bind(1, url).run())
-            return false;
+/// Collects the value of every "url" member, at any depth, as the parser meets it: a file cut
+/// short still gives the bookmarks written before the cut.
+class BookmarkUrls final : public nlohmann::json_sax<nlohmann::json> {
+public:
+    std::vector<std::string> urls;
+
+    bool key(string_t& name) override {
+        m_urlNext = name == "url";
+        return true;
     }
-    return true;
-}
+    bool string(string_t& value) override {
+        if (std::exchange(m_urlNext, false))
+            urls.push_back(value);
+        return true;
+    }
+    bool null() override { return value(); }
+    bool boolean(bool) override { return value(); }
+    bool number_integer(number_integer_t) override { return value(); }
+    bool number_unsigned(number_unsigned_t) override { return value(); }
+    bool number_float(number_float_t, const string_t&) override { return value(); }
+    bool binary(binary_t&) override { return value(); }
+    bool start_object(std::size_t) override { return value(); }
+    bool end_object() override { return true; }
+    bool start_array(std::size_t) override { return value(); }
+    bool end_array() override { return true; }
+    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override { return false; }
+
+private:
+    bool value() {
+        m_urlNext = false;
+        return true;
+    }
+    bool m_urlNext = false;
+};
 
 class ChromiumHistory final : public ProfileHistory {
 public:
@@ -238,22 +198,10 @@ private:
 
     /// The addresses of the profile's bookmarks: every "url" member of the Bookmarks file.
     std::vector<std::string> bookmarkedUrls() const {
-        std::vector<std::string> urls;
         const std::string json = files().readText(file("Bookmarks"), BookmarksLimit);
-        for (std::size_t pos = json.find("\"url\""); pos != std::string::npos; pos = json.find("\"url\"", pos)) {
-            pos += 5;
-            while (pos < json.size() && (json[pos] == ' ' || json[pos] == '\t' || json[pos] == '\n' || json[pos] == '\r'))
-                ++pos;
-            if (pos >= json.size() || json[pos] != ':')
-                continue;
-            ++pos;
-            while (pos < json.size() && (json[pos] == ' ' || json[pos] == '\t' || json[pos] == '\n' || json[pos] == '\r'))
-                ++pos;
-            if (pos < json.size() && json[pos] == '"')
-                if (auto value = jsonString(json, pos))
-                    urls.push_back(std::move(*value));
-        }
-        return urls;
+        BookmarkUrls found;
+        nlohmann::json::sax_parse(json, &found, nlohmann::json::input_format_t::json, false);
+        return std::move(found.urls);
     }
 
     static bool forgetInHistory(SqliteDb& db, const std::optional<std::string>& url, const std::vector<std::string>& kept) {

@@ -114,14 +114,8 @@ private:
     }
 
     static bool forgetInFavicons(SqliteDb& db, const std::optional<std::string>& url, const std::vector<std::string>& keptUrls) {
-        if (!db.exec("CREATE TEMP TABLE kept_urls(url TEXT PRIMARY KEY)"))
+        if (!fillKeptUrls(db, keptUrls))
             return false;
-        SqliteStatement insert = db.prepare("INSERT OR IGNORE INTO temp.kept_urls VALUES (?1)");
-        for (const std::string& u : keptUrls) {
-            insert.reset();
-            if (!insert.bind(1, u).run())
-                return false;
-        }
         // When one address goes, icons for a whole site (root icons, mapped to no page) stay.
         const bool rootColumn = db.hasColumn("moz_icons", "root");
         return runWhereTables(db, {"moz_pages_w_icons"},

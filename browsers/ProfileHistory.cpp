@@ -7,6 +7,18 @@ namespace browsers {
 
 using platform::EntryKind;
 
+bool fillKeptUrls(SqliteDb& db, const std::vector<std::string>& urls) {
+    if (!db.exec("CREATE TEMP TABLE kept_urls(url TEXT PRIMARY KEY)"))
+        return false;
+    SqliteStatement insert = db.prepare("INSERT OR IGNORE INTO temp.kept_urls VALUES (?1)");
+    for (const std::string& url : urls) {
+        insert.reset();
+        if (!insert.bind(1, url).run())
+            return false;
+    }
+    return true;
+}
+
 bool runWhereTables(SqliteDb& db, std::initializer_list<const char*> tables, const std::string& sql,
                     const std::optional<std::string>& url) {
     for (const char* table : tables)

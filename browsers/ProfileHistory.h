@@ -73,6 +73,8 @@ private:
 std::unique_ptr<ProfileHistory> profileHistory(const BrowserProfile& profile, ProfileFiles& files);
 
 /// Runs `sql` on `db` when it has every table in `tables`, binding `url` (when given) as ?1;
+/// Fills the temporary table kept_urls with `urls`: the addresses a clean leaves (bookmarks).
+bool fillKeptUrls(SqliteDb& db, const std::vector<std::string>& urls);
 /// true when it ran or the tables are not there.
 bool runWhereTables(SqliteDb& db, std::initializer_list<const char*> tables, const std::string& sql,
                     const std::optional<std::string>& url = std::nullopt);

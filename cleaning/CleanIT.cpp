@@ -95,13 +95,7 @@ void CleanIT::CleanMruItem(const std::string& itemText) {
 }
 
 std::string CleanIT::ReadRegString(RegKey root, const std::string& key, const std::string& name) {
-    auto& registry = m_platform.registry();
-    RegKey handle = 0;
-    if (registry.openKey(root, key, handle) != RegResult::Success)
-        return {};
-    std::string text = ReadOpenRegString(registry, handle, name);
-    registry.closeKey(handle);
-    return text;
+    return GetRegString(m_platform.registry(), root, key, name);
 }
 
 void CleanIT::DeleteRegValue(RegKey root, const std::string& key, const std::string& name) {

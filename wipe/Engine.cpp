@@ -163,6 +163,10 @@ private:
 Engine::Engine(platform::Platform& platform, core::VerdictSink* verdicts, core::ProblemSink* problems)
     : m_platform(platform), m_verdicts(verdicts), m_problems(problems) {}
 
+std::string Engine::shown(const Folder& folder, const std::string& name) const {
+    return m_platform.fileSystem().join(folder.path(), name);
+}
+
 void Engine::report(const core::Verdict& verdict) {
     if (m_verdicts)
         m_verdicts->record(verdict);
@@ -246,7 +250,7 @@ std::optional<Engine::Target> Engine::locate(const std::string& path, std::strin
 }
 
 core::Verdict Engine::remove(Folder& folder, const std::string& name, const std::string& whyNotOverwritten) {
-    auto v = core::Verdict::about(m_platform.fileSystem().join(folder.path(), name));
+    auto v = core::Verdict::about(shown(folder, name));
     const auto entry = folder.entry(name);
     if (entry && isMountPoint(folder, *entry)) {
         v.why = "is a mount point; left in place";
@@ -306,7 +310,7 @@ bool Engine::rewrite(Folder& folder, const std::string& name, const std::string&
 core::Verdict Engine::overwrite(Folder& folder, const std::string& name, OverwriteScheme& scheme,
                                 const OverwriteOptions& options) {
     auto& raw = m_platform.rawFiles();
-    auto v = core::Verdict::about(m_platform.fileSystem().join(folder.path(), name));
+    auto v = core::Verdict::about(shown(folder, name));
     const auto left = [&](const std::string& why, bool problem = true) {
         v.why = why;
         v.problem = problem;
@@ -483,7 +487,7 @@ Engine::Passes Engine::overwriteStream(Folder& folder, const std::string& name, 
         done.why = file ? "belongs to another file now" : "cannot be opened for writing: " + errorText(raw, code);
         return done;
     }
-    scheme.starting(m_platform.fileSystem().join(folder.path(), name) + ":" + stream);
+    scheme.starting(shown(folder, name) + ":" + stream);
     FileWriter writer(*file, raw, facts->size, dataWithin(*file, facts->size));
     done = writePasses(*file, writer, scheme, verify);
     if (done.outcome != Passes::Outcome::Written)
@@ -577,7 +581,7 @@ bool Engine::removeOwnFile(Folder& folder, const std::string& name, const FileIn
         }
     }
     if (!gone)
-        report(core::Verdict::left(m_platform.fileSystem().join(folder.path(), name), now->sameFileAs(expected) ? "cannot be deleted" : "is no longer the file this run made; left alone"));
+        report(core::Verdict::left(shown(folder, name), now->sameFileAs(expected) ? "cannot be deleted" : "is no longer the file this run made; left alone"));
     return gone;
 }
 
@@ -597,7 +601,7 @@ std::string Engine::treeRefusal(Folder& parent, const std::string& name) {
 }
 
 bool Engine::removeEmptyFolder(Folder& parent, const std::string& name) {
-    auto v = core::Verdict::about(m_platform.fileSystem().join(parent.path(), name), true);
+    auto v = core::Verdict::about(shown(parent, name), true);
     v.removed = parent.removeFolder(name);
     if (!v.removed) {
         v.why = "cannot be deleted";
@@ -610,14 +614,14 @@ bool Engine::removeEmptyFolder(Folder& parent, const std::string& name) {
 bool Engine::removeTree(Folder& parent, const std::string& name, const std::function<bool(const FileInfo&)>& keep) {
     const std::string refusal = treeRefusal(parent, name);
     if (!refusal.empty()) {
-        report(core::Verdict::left(m_platform.fileSystem().join(parent.path(), name), refusal, true));
+        report(core::Verdict::left(shown(parent, name), refusal, true));
         return false;
     }
     const auto entry = parent.entry(name);
     parent.makeNormal(name); // a read-only folder would refuse the removal of its entries
     auto dir = parent.openFolder(name);
     if (!dir || !dir->self().sameFileAs(*entry)) {
-        report(core::Verdict::left(m_platform.fileSystem().join(parent.path(), name), "cannot be opened", true));
+        report(core::Verdict::left(shown(parent, name), "cannot be opened", true));
         return false;
     }
     const bool emptied = removeBelow(*dir, keep);
@@ -640,7 +644,7 @@ bool Engine::removeBelow(Folder& dir, const std::function<bool(const FileInfo&)>
     bool all = true;
     for (const auto& entry : entries) {
         if (isMountPoint(dir, entry)) {
-            report(core::Verdict::left(m_platform.fileSystem().join(dir.path(), entry.name), "is a mount point; left in place", entry.isDirectory()));
+            report(core::Verdict::left(shown(dir, entry.name), "is a mount point; left in place", entry.isDirectory()));
             all = false;
         } else if (entry.isDirectory() && !entry.isLink()) {
             all = removeTree(dir, entry.name, keep) && all;

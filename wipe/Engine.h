@@ -143,6 +143,8 @@ private:
         std::string verifyProblem; ///< what a read-back found amiss; empty when all was as written
     };
     class FileWriter;
+    /// The path `name` of `folder` is shown by.
+    std::string shown(const platform::Folder& folder, const std::string& name) const;
     /// Writes each pass of `scheme` through `writer` (over `file`), every pass reaching the device
     /// before the next begins; with `verify`, the last pass's writes are remembered.
     Passes writePasses(platform::RawFile& file, FileWriter& writer, OverwriteScheme& scheme, bool verify);

@@ -216,6 +216,11 @@ UniqueFd openLocation(const std::string& path) {
     return UniqueFd(::open(path.c_str(), O_PATH | O_CLOEXEC));
 }
 
+std::string stateStamp(const struct stat& st) {
+    return std::to_string(st.st_dev) + ":" + std::to_string(st.st_ino) + ":" + std::to_string(st.st_size) + ":" +
+           std::to_string(st.st_mtim.tv_sec) + "." + std::to_string(st.st_mtim.tv_nsec);
+}
+
 std::string readProblem(ReadResult result, mode_t mode) {
     switch (result) {
     case ReadResult::Read: return "read";

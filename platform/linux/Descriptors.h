@@ -93,6 +93,10 @@ enum class ReadResult {
     Failed,     ///< any other error (permissions, I/O)
 };
 
+/// What tells one state of a file or folder from any other: which it is, its size and its last
+/// change to the nanosecond. Two stamps are equal only when nothing was written in between.
+std::string stateStamp(const struct stat& st);
+
 /// Why a read ended as it did, for a problem line: "is a FIFO, not a regular file".
 std::string readProblem(ReadResult result, mode_t mode = 0);
 

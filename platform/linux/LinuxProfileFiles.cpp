@@ -17,12 +17,6 @@
 namespace platform::linux {
 namespace {
 
-/// Whether `a` and `b` describe the same state of one file: another writer changes one of these.
-bool sameFile(const struct stat& a, const struct stat& b) {
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
-           a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
-}
-
 class Readable final : public browsers::ProfileFiles::ReadableFile {
 public:
     explicit Readable(OpenedFile opened) : m_file(std::move(opened)) {}
@@ -116,10 +110,7 @@ public:
 
     std::string folderStamp(const std::string& path) override {
         struct stat st {};
-        if (::stat(path.c_str(), &st) != 0)
-            return {};
-        return std::to_string(st.st_dev) + ":" + std::to_string(st.st_ino) + ":" + std::to_string(st.st_mtim.tv_sec) +
-               "." + std::to_string(st.st_mtim.tv_nsec);
+        return ::stat(path.c_str(), &st) == 0 ? stateStamp(st) : std::string();
     }
 
     std::string hostName() override {
@@ -160,7 +151,7 @@ public:
             return true;
         // A file changed since it was read holds what this rewrite would lose.
         struct stat now {};
-        if (::lstat(path.c_str(), &now) != 0 || !sameFile(now, file.st)) {
+        if (::lstat(path.c_str(), &now) != 0 || stateStamp(now) != stateStamp(file.st)) {
             problems.push_back({path, "changed while it was being cleaned"});
             return false;
         }

@@ -12,24 +12,19 @@
 namespace platform::linux {
 namespace {
 
-std::string stampOf(const struct stat& st) {
-    return std::to_string(st.st_dev) + ":" + std::to_string(st.st_ino) + ":" + std::to_string(st.st_size) + ":" +
-           std::to_string(st.st_mtim.tv_sec) + "." + std::to_string(st.st_mtim.tv_nsec);
-}
-
 class UserReg final : public winehive::HiveFile {
 public:
     UserReg(const LinuxRegistry& registry, std::string path) : m_registry(registry), m_path(std::move(path)) {}
 
     std::string stamp() override {
         struct stat st {};
-        return ::stat(m_path.c_str(), &st) == 0 ? stampOf(st) : std::string();
+        return ::stat(m_path.c_str(), &st) == 0 ? stateStamp(st) : std::string();
     }
 
     Read read(std::string& text, std::string& stamp) override {
         // A FIFO or a device in the hive's place would block the read or feed it without end.
         FileText file = readRegularFile(AT_FDCWD, m_path, std::numeric_limits<std::size_t>::max(), true);
-        stamp = stampOf(file.st);
+        stamp = stateStamp(file.st);
         text = std::move(file.text);
         return file.result == ReadResult::Read      ? Read::Done
                : file.result == ReadResult::Missing ? Read::Missing
