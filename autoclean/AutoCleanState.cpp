@@ -21,10 +21,6 @@ AutoCleanState afterCheckTick(AutoCleanState state, bool browserRunning) {
     return state;
 }
 
-bool mustClean(bool browserRunning) {
-    return !browserRunning;
-}
-
 AutoCleanState afterClean(AutoCleanState state) {
     state.closedEnabled = false;
     state.checkEnabled = true;

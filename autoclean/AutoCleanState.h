@@ -30,8 +30,6 @@ struct AutoCleanState {
 AutoCleanState toggled(AutoCleanState state);
 /// A TCheck tick: once the browser runs, watch for its close instead.
 AutoCleanState afterCheckTick(AutoCleanState state, bool browserRunning);
-/// Whether a TClosed tick must clean now: the browser is gone.
-bool mustClean(bool browserRunning);
 /// After the clean of a TClosed tick: watch for the browser to start again.
 AutoCleanState afterClean(AutoCleanState state);
 

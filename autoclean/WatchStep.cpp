@@ -11,7 +11,8 @@ Tick watchStep(AutoCleanState& state, Timer timer, platform::Processes& processe
         state = afterCheckTick(state, running);
         return running ? Tick::BrowserStarted : Tick::Nothing;
     }
-    return mustClean(running) ? Tick::CleanDue : Tick::Nothing;
+    // A TClosed tick: the clean is due once the browser is gone.
+    return running ? Tick::Nothing : Tick::CleanDue;
 }
 
 } // namespace autoclean
